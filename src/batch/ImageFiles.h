@@ -1,0 +1,31 @@
+#pragma once
+
+// The one way from a file to a working image and back.
+
+#include <filesystem>
+
+#include "codecs/ImageInfo.h"
+#include "core/FileError.h"
+
+namespace velloran {
+
+class CDibImage;
+class CParaBlock;
+
+/// Reads by content. Stores path and type id in the image's source record. CMYK reversal follows
+/// PARA_REVERSE_CMYK of the global block. True on success; else the image is empty or unchanged.
+bool LoadImageFile(const std::filesystem::path& path, CDibImage& image,
+                   FileError* error = nullptr);
+
+/// What the file says, without decoding pixels where the format allows; `type` is the id.
+bool ReadImageInfo(const std::filesystem::path& path, int& type, ImageInfo& info,
+                   FileError* error = nullptr);
+
+/// Writes by the target's extension. `colourIndex` is the position in the list of colour depths
+/// (18 and 19 choose the 16-bit BMP writer); `cropGif` keeps only the tight frame of a GIF. False
+/// with labels::kUnwritableType as reason when the extension has no writer.
+bool SaveImageFile(const std::filesystem::path& path, CDibImage& image, int quality, int dpi,
+                   int colourIndex, bool cropGif, const CParaBlock& block,
+                   FileError* error = nullptr);
+
+}  // namespace velloran

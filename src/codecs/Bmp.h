@@ -1,0 +1,32 @@
+#pragma once
+
+// BMP in and out: every depth and head found in the wild.
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+
+#include "codecs/ImageInfo.h"
+#include "core/FileError.h"
+
+namespace velloran {
+
+class CDibImage;
+
+/// 1, 4, 8, 16, 24 and 32 bits, RLE, bit fields, top-down rows and OS/2 heads.
+/// Sets sourceColours, sourceFlag and DPI. False, the image as it was, for a damaged file.
+bool LoadBmp(const std::filesystem::path& path, CDibImage& image, FileError* error = nullptr);
+bool LoadBmpBytes(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* error);
+
+bool ReadBmpInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error);
+
+/// Writes 1, 4, 8 and 24 bits as they are, with the image's DPI.
+bool SaveBmp(const std::filesystem::path& path, const CDibImage& image,
+             FileError* error = nullptr);
+
+/// Writes 16 bits a pixel, 5-6-5 or 5-5-5; other depths are widened to 24 bits first. An image of
+/// height 0 writes only the heads.
+bool SaveBmp16(const std::filesystem::path& path, const CDibImage& image, bool is565,
+               FileError* error = nullptr);
+
+}  // namespace velloran

@@ -1,0 +1,49 @@
+#pragma once
+
+// JPEG in and out, over libjpeg-turbo, and `.ufo`, a JPEG with a damaged head.
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+
+#include "codecs/ImageInfo.h"
+#include "core/FileError.h"
+
+namespace velloran {
+
+class CDibImage;
+class CParaBlock;
+
+/// 1 component gives 8 bits with the identity grey palette, 3 and 4 give 24 bits. Honours the EXIF
+/// resolution and orientation. What a cut-off file lacks is white. `reverseCmyk` inverts CMYK
+/// data. Sets sourceColours (components * 8) and DPI. False for less than 10 bytes and for a
+/// file without a readable head; the image is then as it was.
+bool LoadJpeg(const std::filesystem::path& path, CDibImage& image, bool reverseCmyk = false,
+              FileError* error = nullptr);
+bool LoadJpegBytes(std::span<const std::uint8_t> bytes, CDibImage& image, bool reverseCmyk,
+                   FileError* error);
+
+/// Overwrites the first 10 bytes (in memory) by a JFIF head and decodes; more than 10 are needed.
+bool LoadUfo(const std::filesystem::path& path, CDibImage& image, bool reverseCmyk = false,
+             FileError* error = nullptr);
+
+/// Grey or colour as the image is; quality, DPI, and the JPG_* parameters of `params`. With
+/// JPG_SRC_* the source file of `image`, else of `sourceImage` (may be null), gives tables, coding
+/// and sampling. The image may be normalised in depth.
+bool SaveJpeg(const std::filesystem::path& path, CDibImage& image, const CDibImage* sourceImage,
+              int quality, int dpi, const CParaBlock& params, FileError* error = nullptr);
+
+/// Bits per pixel (components * 8) and the DPI of the head.
+bool ReadJpegHeader(std::span<const std::uint8_t> bytes, int& outBits, int& outDpi);
+
+bool ReadJpegInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error);
+bool ReadUfoInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error);
+
+/// Luma sampling factors of the automatic rule; chroma is always 1 x 1.
+struct LumaSampling {
+    int horizontal = 1, vertical = 1;
+    bool operator==(const LumaSampling&) const = default;
+};
+LumaSampling AutomaticLumaSampling(int quality, int width, int height);
+
+}  // namespace velloran

@@ -1,0 +1,32 @@
+#pragma once
+
+// Memory for pixels. Fresh pages of memory cost ten times a copy, so blocks of 2 MiB and more are
+// aligned to 2 MiB and advised as huge pages, and each thread keeps its last few large blocks for
+// the next step or file instead of giving them back.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace velloran {
+
+/// At least `bytes` bytes, not cleared; null when there are none. 0 bytes gives a valid pointer.
+void* AllocatePixels(std::size_t bytes) noexcept;
+
+/// Takes back a block of AllocatePixels; null is allowed. Any thread may free any block.
+void FreePixels(void* block) noexcept;
+
+/// Gives the blocks that the calling thread keeps back to the system.
+void ReleaseKeptPixels() noexcept;
+
+struct PixelDeleter {
+    void operator()(void* block) const noexcept { FreePixels(block); }
+};
+
+/// Owner of scratch of page size.
+using PixelBuffer = std::unique_ptr<std::uint8_t[], PixelDeleter>;
+
+/// Throws std::bad_alloc where AllocatePixels gives null. Not cleared.
+PixelBuffer MakePixelBuffer(std::size_t bytes);
+
+}  // namespace velloran

@@ -1,0 +1,1 @@
+#include "reduce/CheckGray.h"

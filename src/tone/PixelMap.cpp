@@ -1,0 +1,1 @@
+#include "tone/PixelMap.h"
