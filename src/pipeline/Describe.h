@@ -1,0 +1,56 @@
+#pragma once
+
+// The text form of a parameter block: one function a step, each of which appends the lines of its
+// own settings and appends nothing where the step would not run. Lines end in CR LF; labels are
+// those of the controls that edit the parameters; a list value without an entry is written as its
+// number. No function depends on the locale, and none changes the block.
+
+#include <string>
+
+namespace velloran {
+
+class CParaBlock;
+
+/// What stands before the pipeline's own lines: how grey is judged, and CMYK negation.
+void DescribeGrayTest(const CParaBlock& block, std::u16string& text);
+void DescribeCmyk(const CParaBlock& block, std::u16string& text);
+
+// The steps, in the order of the pipeline.
+void DescribeRotate(const CParaBlock& block, std::u16string& text);
+void DescribeSplit(const CParaBlock& block, std::u16string& text);
+void DescribeCorrection(const CParaBlock& block, std::u16string& text);
+void DescribeDeskew(const CParaBlock& block, std::u16string& text);
+void DescribeCropAndLayout(const CParaBlock& block, std::u16string& text);
+void DescribeReplaceColor(const CParaBlock& block, std::u16string& text);
+void DescribeSwapChannel(const CParaBlock& block, std::u16string& text);
+void DescribeNegate(const CParaBlock& block, std::u16string& text);
+void DescribeCombineChannel(const CParaBlock& block, std::u16string& text);
+void DescribeIllumination(const CParaBlock& block, std::u16string& text);
+void DescribeUnshadow(const CParaBlock& block, std::u16string& text);
+void DescribeWhiteBalance(const CParaBlock& block, std::u16string& text);
+void DescribeEnlarge(const CParaBlock& block, std::u16string& text);
+/// Automatic levels, or the manual ones only while the automatic ones are off.
+void DescribeLevelsStep(const CParaBlock& block, std::u16string& text);
+void DescribeVibrance(const CParaBlock& block, std::u16string& text);
+/// All stages of the tone table, in the order in which they run.
+void DescribePixelMapping(const CParaBlock& block, std::u16string& text);
+void DescribeLight(const CParaBlock& block, std::u16string& text);
+void DescribeMultiScale(const CParaBlock& block, std::u16string& text);
+void DescribeAutoLevelsPost(const CParaBlock& block, std::u16string& text);
+void DescribeEqualize(const CParaBlock& block, std::u16string& text);
+void DescribeErode(const CParaBlock& block, std::u16string& text);
+void DescribeBlur(const CParaBlock& block, std::u16string& text);
+void DescribeGaussian(const CParaBlock& block, std::u16string& text);
+void DescribeSurfaceBlur(const CParaBlock& block, std::u16string& text);
+void DescribeReduceSize(const CParaBlock& block, std::u16string& text);
+void DescribeSharpen(const CParaBlock& block, std::u16string& text);
+void DescribeAdjustSharpen(const CParaBlock& block, std::u16string& text);
+void DescribeUsm(const CParaBlock& block, std::u16string& text);
+void DescribeColorReduction(const CParaBlock& block, std::u16string& text);
+/// For steps whose settings another step's lines tell.
+void DescribeNothing(const CParaBlock& block, std::u16string& text);
+
+/// What the file is written with, after the last step.
+void DescribeOutput(const CParaBlock& block, std::u16string& text);
+
+}  // namespace velloran
