@@ -12,17 +12,17 @@ namespace velloran {
 
 /// Where a run ends. The numbers are fixed; those below 134 are indexes of parameters.
 enum StopCode : int {
-    kStopNothing = 0,             // nothing at all happens
-    kStopBeforeLevels = 14,       // after the enlargement
-    kStopContentBox = 20,         // after the content box, layout applied
-    kStopPageCorrectionFast = 74, // after the page correction, in its fast form
-    kStopDeskew = 77,             // after the deskew
-    kStopBeforeVibrance = 91,     // after levels
-    kStopSplitDrawn = 97,         // after the split, which is drawn instead of cut
-    kStopWhole = 134,             // the whole pipeline
-    kStopSplit = 135,             // after the split
-    kStopPageCorrection = 136,    // after the page correction
-    kStopContentBoxLayout = 137,  // the same as 20
+    kStopNothing = 0,              // nothing at all happens
+    kStopBeforeLevels = 14,        // after the enlargement
+    kStopContentBox = 20,          // after the content box, layout applied
+    kStopPageCorrectionFast = 74,  // after the page correction, in its fast form
+    kStopDeskew = 77,              // after the deskew
+    kStopBeforeVibrance = 91,      // after levels
+    kStopSplitDrawn = 97,          // after the split, which is drawn instead of cut
+    kStopWhole = 134,              // the whole pipeline
+    kStopSplit = 135,              // after the split
+    kStopPageCorrection = 136,     // after the page correction
+    kStopContentBoxLayout = 137,   // the same as 20
 };
 
 /// Polled between steps; non-zero abandons the run. `context` is passed on as it stands.

@@ -9,7 +9,7 @@ namespace velloran::test {
 /// While it lives, the n-th allocation of this thread from now (1 is the next) and, unless
 /// `onlyOne`, all later ones fail.
 class FailAllocation {
-  public:
+ public:
     explicit FailAllocation(long n, bool onlyOne = false);
     ~FailAllocation();
     FailAllocation(const FailAllocation&) = delete;

@@ -19,8 +19,8 @@ TempFolder::TempFolder() {
 
 TempFolder::~TempFolder() {
     std::error_code ignored;
-    for (fs::recursive_directory_iterator it(
-             path_, fs::directory_options::skip_permission_denied, ignored),
+    for (fs::recursive_directory_iterator
+             it(path_, fs::directory_options::skip_permission_denied, ignored),
          end;
          it != end; it.increment(ignored))
         if (it->is_directory(ignored) && !it->is_symlink(ignored))

@@ -11,7 +11,7 @@
 namespace velloran::test {
 
 class TempFolder {
-  public:
+ public:
     TempFolder();
     ~TempFolder();
     TempFolder(const TempFolder&) = delete;
@@ -24,7 +24,7 @@ class TempFolder {
     /// Names of all entries below the folder, hidden ones too, relative and sorted.
     std::vector<std::string> AllNames() const;
 
-  private:
+ private:
     std::filesystem::path path_;
 };
 

@@ -1,0 +1,120 @@
+// The folders of src/ stand on floors: an include or a link goes to a lower floor, never up, and
+// never across to a floor-mate.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <sstream>
+
+#include "architecture/SourceTree.h"
+
+namespace velloran::test {
+namespace {
+
+const std::map<std::string, int> kFloors = {
+    {"core", 1},      {"mcalc", 1},    {"imageproc", 2}, {"spfit", 2},  {"imaging", 2},
+    {"filters", 3},   {"reduce", 3},   {"tone", 4},      {"codecs", 4}, {"page", 5},
+    {"dewarping", 6}, {"pipeline", 7}, {"batch", 8},     {"cli", 9},    {"app", 9},
+};
+
+bool MayUse(const std::string& from, const std::string& to) {
+    return from == to || kFloors.at(to) < kFloors.at(from);
+}
+
+/// Complaints about the quoted includes of a file.
+std::vector<std::string> IncludeFaults(const SourceFile& file) {
+    static const std::regex include(R"(^\s*#\s*include\s*"([^"/]+)/[^"]*")");
+    std::vector<std::string> faults;
+    for (const std::string& line : file.lines) {
+        std::smatch match;
+        if (!std::regex_search(line, match, include))
+            continue;
+        const std::string to = match[1];
+        if (!kFloors.contains(to) || !MayUse(file.folder, to))
+            faults.push_back(file.name + ": " + line);
+    }
+    return faults;
+}
+
+/// Complaints about the DEPENDS of a build file.
+std::vector<std::string> LinkFaults(const SourceFile& file) {
+    std::vector<std::string> faults;
+    std::string text;
+    for (const std::string& line : file.lines)
+        text += line.substr(0, line.find('#')) + "\n";
+    std::istringstream words(std::regex_replace(text, std::regex("[()]"), " ) "));
+    bool inDepends = false;
+    for (std::string word; words >> word;) {
+        if (word == "DEPENDS") {
+            inDepends = true;
+        } else if (word == "SOURCES" || word == "PRIVATE_DEPENDS" || word == ")") {
+            inDepends = false;
+        } else if (inDepends || word.starts_with("velloran_")) {
+            const std::string to = word.starts_with("velloran_") ? word.substr(9) : word;
+            if (kFloors.contains(to) && !MayUse(file.folder, to))
+                faults.push_back(file.name + ": " + word);
+            else if (inDepends && !kFloors.contains(to))
+                faults.push_back(file.name + ": unknown folder " + word);
+        }
+    }
+    return faults;
+}
+
+TEST(Floors, EveryFolderHasAFloor) {
+    for (const SourceFile& file : ReadSourceTree())
+        EXPECT_TRUE(kFloors.contains(file.folder)) << file.name;
+}
+
+TEST(Floors, IncludesGoDownOnly) {
+    const std::vector<SourceFile> files = ReadSourceTree();
+    EXPECT_GT(files.size(), 30U);
+    for (const SourceFile& file : files)
+        for (const std::string& fault : IncludeFaults(file))
+            ADD_FAILURE() << fault;
+}
+
+TEST(Floors, LinksGoDownOnly) {
+    const std::vector<SourceFile> files = ReadBuildFiles();
+    EXPECT_GT(files.size(), 5U);
+    for (const SourceFile& file : files)
+        if (file.name != "CMakeLists.txt")
+            for (const std::string& fault : LinkFaults(file))
+                ADD_FAILURE() << fault;
+}
+
+TEST(Floors, AClimbingIncludeIsFound) {
+    const SourceFile climbing{"core", "core/X.h", {"#include \"batch/FileType.h\""}};
+    const SourceFile crossing{"tone", "tone/X.h", {"#include \"codecs/Png.h\""}};
+    const SourceFile falling{"tone", "tone/X.h", {"#include \"core/DibImage.h\""}};
+    EXPECT_EQ(IncludeFaults(climbing).size(), 1U);
+    EXPECT_EQ(IncludeFaults(crossing).size(), 1U);
+    EXPECT_EQ(IncludeFaults(falling).size(), 0U);
+}
+
+TEST(Floors, AClimbingLinkIsFound) {
+    const SourceFile climbing{
+        "core", "core/CMakeLists.txt", {"velloran_library(core SOURCES X.cpp DEPENDS batch)"}};
+    const SourceFile falling{
+        "batch", "batch/CMakeLists.txt", {"velloran_library(batch SOURCES X.cpp DEPENDS core)"}};
+    EXPECT_EQ(LinkFaults(climbing).size(), 1U);
+    EXPECT_EQ(LinkFaults(falling).size(), 0U);
+}
+
+TEST(Floors, OnlyImagingIncludesOpenCv) {
+    for (const SourceFile& file : ReadSourceTree())
+        for (const std::string& line : file.lines)
+            if (line.find("#include <opencv") != std::string::npos)
+                EXPECT_EQ(file.folder, "imaging") << file.name;
+}
+
+TEST(Floors, OnlyWindowsIncludeQt) {
+    static const std::regex qt(R"(^\s*#\s*include\s*<Q[A-Z])");
+    for (const SourceFile& file : ReadSourceTree())
+        for (const std::string& line : file.lines)
+            if (std::regex_search(line, qt))
+                EXPECT_EQ(file.folder, "app") << file.name;
+}
+
+}  // namespace
+}  // namespace velloran::test
