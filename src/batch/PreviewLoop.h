@@ -1,0 +1,55 @@
+#pragma once
+
+// The background preview of a view: a worker that runs the pipeline again after each change of the
+// parameters that alters pixels, about every 100 ms at most, and hands the result to the window.
+
+#include <cstdint>
+#include <functional>
+
+#include "batch/SafeThread.h"
+#include "core/Pipeline.h"
+
+namespace velloran {
+
+class CDibImage;
+class CParaBlock;
+
+class PreviewLoop {
+ public:
+    /// Copies the document's image into an empty one, on the worker; false when there is none.
+    using Source = std::function<bool(CDibImage& copy)>;
+    /// Takes a result over (Transfer, or a copy), on the worker; when it returns, the result goes.
+    /// A window that is told by a synchronous call must not Stop from inside that call.
+    using Deliver = std::function<void(CDibImage& result)>;
+    /// What is run on the copy; the whole pipeline without labels where none is given.
+    using Run = std::function<void(CDibImage& image, CParaBlock& block, CancelFunction cancel,
+                                   void* context)>;
+
+    /// `wanted` is the block that the user edits, `applied` the one of the image on screen. Both
+    /// must outlive the loop; the pipeline may write what it finds into `wanted`.
+    PreviewLoop(Source source, CParaBlock& wanted, CParaBlock& applied, Deliver deliver,
+                Run run = {});
+    /// Stops.
+    ~PreviewLoop();
+    PreviewLoop(const PreviewLoop&) = delete;
+    PreviewLoop& operator=(const PreviewLoop&) = delete;
+
+    bool Start() { return thread_.Start(); }
+    /// Waits for the worker, which ends at its next poll and delivers nothing more. The caller must
+    /// hold no lock that the source or the delivery takes.
+    void Stop() { thread_.Stop(); }
+    bool IsRunning() const { return thread_.IsRunning(); }
+
+ private:
+    std::uint32_t Loop();
+    bool RunOnce();
+
+    Source source_;
+    CParaBlock& wanted_;
+    CParaBlock& applied_;
+    Deliver deliver_;
+    Run run_;
+    CNormalThread thread_;  // last: it uses all of the others
+};
+
+}  // namespace velloran
