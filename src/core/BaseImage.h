@@ -11,7 +11,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/PixelMemory.h"
@@ -36,14 +36,30 @@ struct PaletteEntry {
 };
 static_assert(sizeof(PaletteEntry) == 4);
 
+/// Bounding box of the selected pixels, in pixels from the left and from the first stored row;
+/// right and bottom lie outside. All 0 without a selection.
 struct SelectionBox {
     std::int32_t left = 0, top = 0, right = 0, bottom = 0;
+    bool operator==(const SelectionBox&) const = default;
+};
+
+/// Text of at most 255 bytes that never allocates, so that it can tell of memory that ran out.
+/// Longer text is cut at the end of a whole UTF-8 character.
+class ErrorText {
+ public:
+    ErrorText& operator=(std::string_view text) noexcept;
+    const char* c_str() const { return text_.data(); }
+    bool empty() const { return text_[0] == 0; }
+    operator std::string_view() const { return text_.data(); }
+
+ private:
+    std::array<char, 256> text_{};
 };
 
 /// What an image carries beside its pixels; copied as one group.
 struct ImageFields {
     std::uint32_t type = 0;  // file type id, see batch/FileType.h
-    std::string lastError;   // at most 255 characters
+    ErrorText lastError;
     std::int32_t progress = 0, escape = 0;
     std::int32_t backgroundIndex = -1;  // transparent palette index, -1 for none
     PaletteEntry backgroundColor;
@@ -63,7 +79,7 @@ struct ImageFields {
 enum class FlipMode { kFlip = 0, kMirror = 1, kUpsideDown = 2 };
 
 class CBaseImage {
-  public:
+ public:
     CBaseImage() = default;
     CBaseImage(const CBaseImage& source);
     CBaseImage(CBaseImage&& from) noexcept;
@@ -75,29 +91,38 @@ class CBaseImage {
     virtual bool Destroy();
 
     /// Destroys this image, takes header, fields and pointers of `from` and leaves it empty.
-    /// Nothing happens when both are the same object, or when this is a ghost (false).
+    /// A layer keeps its parent. Nothing happens when both are the same object, or when this is a
+    /// ghost (false).
     virtual bool Transfer(CBaseImage& from);
 
-    /// A new block, rows not cleared, palette zero. `bpp` is rounded: below 2 gives 1, below 5
-    /// gives 4, above 8 gives 24, else 8. Refuses sides below 1 and blocks above 2 GiB, and says
-    /// so in GetLastError; the image is then empty. Keeps DPI and the other fields. An alpha
-    /// plane that exists takes the new size, opaque. Returns the block, null when refused.
+    /// A new block; palette and row padding zero, pixels not cleared. `bpp` is rounded: below 2
+    /// gives 1, below 5 gives 4, above 8 gives 24, else 8. Refuses sides below 1 and blocks above 2
+    /// GiB, and says so in GetLastError; the image is then empty. Keeps DPI and the other fields.
+    /// An alpha plane that exists takes the new size, opaque. Returns the block, null when refused.
     void* Create(int width, int height, int bpp, std::uint32_t type = 0);
 
     /// Deep copy of header, fields and the parts asked for; without pixels the rows stay
-    /// undefined. Layers are not copied. False when the block cannot be made (image empty).
+    /// undefined. Layers are not copied. False when `source` is empty or memory runs out, and the
+    /// image is then empty; false for a ghost, which stays.
     bool Copy(const CBaseImage& source, bool copyPixels = true, bool copySelection = true,
               bool copyAlpha = true);
 
     /// Copies header values and fields of `source` into an empty image; false when not empty.
     bool CopyInfo(const CBaseImage& source);
 
-    /// Makes this a shallow view of `source`, which must outlive it; frees nothing later.
+    /// Makes this a shallow view of `source`, which must outlive it; frees nothing later. The
+    /// pixels may be painted through it, geometry and depth refuse.
     void Ghost(const CBaseImage& source);
+
+    /// Takes over the block of `from` (size, depth, palette, rows) in place of this image's own and
+    /// leaves `from` empty. Fields, DPI and layers stay; planes stay where the size is the same.
+    /// False, both unchanged, when `from` is empty or the same object, or either is a ghost.
+    bool TakePixels(CBaseImage& from) noexcept;
 
     /// Copies an array of 1, 4, 8, 24 or 32 bits a pixel with rows `stride` bytes apart, the
     /// top row first unless `bottomUp`. 32 bits set the alpha plane from the fourth byte; 8 bits
-    /// and fewer take the grey palette. False for another depth or without memory.
+    /// and fewer take the grey palette. `bits` must not lie in this image. False, image unchanged,
+    /// for null, another depth, no size or rows that overlap; false, image empty, without memory.
     bool CreateFromArray(const std::uint8_t* bits, int width, int height, int bpp,
                          std::ptrdiff_t stride, bool bottomUp);
 
@@ -144,44 +169,55 @@ class CBaseImage {
     void Clear(std::uint8_t value);
 
     /// Palette image to 24 bits through the palette. True when the image has 24 bits afterwards;
-    /// an image that has no palette stays.
+    /// an image that has no palette stays. A transparent index becomes the transparent colour.
     bool IncreaseBpp24();
 
     /// Cuts pixels from each side inside the block; nothing is allocated. At 1 bit left and right
     /// round to multiples of 8 (4 and more go up), at 4 bits to even numbers. False, and the
-    /// image stays, for an empty image, negative values, or a cut that would leave nothing.
+    /// image stays, for an empty image, a ghost, negative values, or a cut that would leave
+    /// nothing. When the rounded left and right would leave less than a byte, only rows are cut.
     bool CropInPlace(int left, int top, int right, int bottom);
 
-    /// A quarter turn, to the left or to the right; palette, resolutions and planes go along.
+    /// A quarter turn, to the left or to the right; palette, resolutions (each as it is) and planes
+    /// go along. False, image unchanged, when empty, a ghost or without memory.
     bool Rotate90(bool left);
+    /// Turns top and bottom round, left and right, or both; in place. False when empty or a ghost.
     bool Flip(FlipMode mode);
 
     ImageFields& Fields() { return fields_; }
     const ImageFields& Fields() const { return fields_; }
 
     /// width * height bytes, or null.
-    std::uint8_t* GetAlpha() { return alpha_.get(); }
-    const std::uint8_t* GetAlpha() const { return ghost_ ? ghost_->GetAlpha() : alpha_.get(); }
-    std::uint8_t* GetSelection() { return selection_.get(); }
-    const std::uint8_t* GetSelection() const {
-        return ghost_ ? ghost_->GetSelection() : selection_.get();
-    }
-    /// Makes the plane, all 255 (alpha) or all 0 (selection); false when empty or no memory.
+    std::uint8_t* GetAlpha() { return AlphaPlane(); }
+    const std::uint8_t* GetAlpha() const { return AlphaPlane(); }
+    std::uint8_t* GetSelection() { return SelectionPlane(); }
+    const std::uint8_t* GetSelection() const { return SelectionPlane(); }
+    /// Makes the plane, all 255 (alpha) or all 0 (selection); false when empty, a ghost or no
+    /// memory.
     bool CreateAlpha();
     bool CreateSelection();
     void DeleteAlpha() { alpha_.reset(); }
-    void DeleteSelection() { selection_.reset(); }
+    void DeleteSelection();
+    /// Sets the selection box to the box of the non-zero bytes of the selection plane.
+    void UpdateSelectionBox();
 
     CBaseImage* GetParent() const { return parent_; }
     int GetLayerCount() const { return static_cast<int>(layers_.size()); }
     CBaseImage* GetLayer(int index) const;
-    /// Takes the image over as the last layer.
-    void AddLayer(std::unique_ptr<CBaseImage> layer);
+    /// Takes the image over as the last layer; false, and the layer is freed, for null or without
+    /// memory.
+    bool AddLayer(std::unique_ptr<CBaseImage> layer);
 
-  private:
+ private:
     void TakeFrom(CBaseImage& from) noexcept;
+    void TakeBlock(CBaseImage& from) noexcept;
     void ResetToEmpty() noexcept;
     void WriteHeader() noexcept;
+    std::size_t PlaneSize() const;
+    std::uint8_t* AlphaPlane() const { return ghost_ ? ghost_->AlphaPlane() : alpha_.get(); }
+    std::uint8_t* SelectionPlane() const {
+        return ghost_ ? ghost_->SelectionPlane() : selection_.get();
+    }
 
     std::uint8_t* dib_ = nullptr;  // owned, except by a ghost
     BitmapHeader header_;

@@ -20,11 +20,13 @@ struct ImageSource {
 };
 
 class CDibImage : public CBaseImage {
-  public:
+ public:
     CDibImage() = default;
-    CDibImage(const CDibImage& source) = default;
+    /// Deep copies, the source record too; empty when memory runs out.
+    CDibImage(const CDibImage& source);
+    CDibImage& operator=(const CDibImage& source);
+    /// A new image takes the source record over as well.
     CDibImage(CDibImage&& from) noexcept = default;
-    CDibImage& operator=(const CDibImage& source) = default;
     /// Transfer: the source record of this image stays.
     CDibImage& operator=(CDibImage&& from) noexcept;
 
@@ -35,7 +37,9 @@ class CDibImage : public CBaseImage {
     ImageSource& Source() { return source_; }
     const ImageSource& Source() const { return source_; }
 
-  private:
+ private:
+    void CopySource(const CDibImage& source);
+
     ImageSource source_;
 };
 
