@@ -8,7 +8,7 @@
 namespace velloran {
 
 class CDirBlock {
-  public:
+ public:
     enum Folder { kSource = 0, kTarget = 1 };
 
     const std::filesystem::path& GetPath(Folder folder) const { return paths_[folder]; }
@@ -17,7 +17,7 @@ class CDirBlock {
     /// Takes the folder of a file. The source set so fills an empty target too.
     void SetByFile(Folder folder, const std::filesystem::path& file);
 
-  private:
+ private:
     std::array<std::filesystem::path, 2> paths_;
 };
 

@@ -25,14 +25,22 @@ using ParaValues = std::array<std::int32_t, kParaCount>;
 
 /// The ten groups whose labels open lines of the text form and name the parameter tabs.
 enum class ParaGroup {
-    kBrightness, kContrast, kHighlight, kGamma, kCurve, kResize, kJpegQuality, kJp2Rate, kCrop,
+    kBrightness,
+    kContrast,
+    kHighlight,
+    kGamma,
+    kCurve,
+    kResize,
+    kJpegQuality,
+    kJp2Rate,
+    kCrop,
     kOther,
 };
 
 class CParaBlock {
-  public:
-    static constexpr std::size_t kNameLength = 63;        // UTF-16 units
-    static constexpr std::size_t kClipboardBytes = 540;   // a length word and the values
+ public:
+    static constexpr std::size_t kNameLength = 63;       // UTF-16 units
+    static constexpr std::size_t kClipboardBytes = 540;  // a length word and the values
 
     CParaBlock();
     CParaBlock(const CParaBlock& other);
@@ -112,7 +120,7 @@ class CParaBlock {
     /// The lines before the pipeline's own, then the description of every step that would run.
     std::u16string Describe() const;
 
-  private:
+ private:
     mutable std::recursive_mutex lock_;
     ParaValues values_{};
     std::u16string name_;

@@ -54,13 +54,13 @@ enum ParaIndex : int {
 static_assert(kParaCount == 134);
 
 enum class ParaKind {
-    kNumber,     // a plain number; min and max where the controls have them
-    kList,       // position in `list`
-    kFlag,       // 0 or 1
-    kColor,      // 0x00BBGGRR
-    kPackedPair, // two 16-bit halves, the first value low
-    kPacked,     // other packed fields
-    kKept,       // no step reads it; it keeps the indexes of the others
+    kNumber,      // a plain number; min and max where the controls have them
+    kList,        // position in `list`
+    kFlag,        // 0 or 1
+    kColor,       // 0x00BBGGRR
+    kPackedPair,  // two 16-bit halves, the first value low
+    kPacked,      // other packed fields
+    kKept,        // no step reads it; it keeps the indexes of the others
 };
 
 struct ParaRow {

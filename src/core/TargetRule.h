@@ -9,7 +9,14 @@
 namespace velloran {
 
 enum class TargetFormat : int {
-    kAuto = 0, kTiff = 1, kBmp = 2, kPng = 3, kGif = 4, kWebp = 5, kJpeg = 6, kJp2 = 7,
+    kAuto = 0,
+    kTiff = 1,
+    kBmp = 2,
+    kPng = 3,
+    kGif = 4,
+    kWebp = 5,
+    kJpeg = 6,
+    kJp2 = 7,
 };
 
 /// The fields as format ids; a field that held an id which its list does not offer holds the

@@ -14,6 +14,8 @@ namespace velloran {
 /// Ill-formed UTF-8 becomes U+FFFD, as does an unpaired surrogate on the way back.
 std::u16string ToUtf16(std::string_view utf8);
 std::string ToUtf8(std::u16string_view text);
+/// Whether the bytes are well-formed UTF-8.
+bool IsUtf8(std::string_view bytes);
 
 /// A path as text that can be shown; bytes that are no UTF-8 become U+FFFD.
 std::u16string PathText(const std::filesystem::path& path);

@@ -1,0 +1,112 @@
+#pragma once
+
+// Texts of the parameter lists, in list order. A list value is the position in its list, so that
+// the order is part of the file formats.
+
+#include <cstddef>
+#include <string_view>
+
+namespace velloran::lists {
+
+using Text = std::u16string_view;
+
+// clang-format off
+inline constexpr Text kSharpen[] = {
+    u"无", u"01级", u"02级", u"03级", u"04级", u"05级", u"06级", u"07级", u"08级", u"09级",
+    u"a1级", u"a2级", u"a3级"};
+inline constexpr Text kBlur[] = {
+    u"无", u"01级", u"02级", u"03级", u"04级", u"05级",
+    u"a1级", u"a2级", u"a3级", u"a4级", u"a5级"};
+inline constexpr Text kColor[] = {
+    u"24位色", u"256级灰度", u"保持原样", u"256色", u"16级灰度", u"8级灰度", u"4级灰度",
+    u"纯黑白", u"128色", u"64色", u"32色", u"16色", u"8色", u"4色", u"2色", u"128级灰度",
+    u"64级灰度", u"32级灰度", u"16位色565", u"16位色555"};
+inline constexpr Text kAutoLevels[] = {
+    u"（无）", u"自动色阶1", u"自动色阶2", u"自动对比1", u"自动对比2", u"自动对比3",
+    u"自动亮度1", u"自动亮度2", u"自动亮度3",
+    u"自动漂白1", u"自动漂白2", u"自动漂白3", u"自动漂白4"};
+inline constexpr std::size_t kAutoLevelsPostCount = 9;  // the list above without the bleaches
+inline constexpr Text kErode[] = {
+    u"无", u"加粗01", u"加粗02", u"加粗03", u"加粗04",
+    u"变细01", u"变细02", u"变细03", u"变细04",
+    u"开0101", u"开0202", u"开0303", u"开0404", u"闭0101", u"闭0202", u"闭0303", u"闭0404"};
+inline constexpr Text kSwapChannel[] = {u"(无)", u"红<->蓝", u"红<->绿", u"蓝<->绿"};
+inline constexpr Text kCombineChannel[] = {
+    u"(无)", u"红", u"绿", u"蓝", u"(红+蓝)/2", u"(红+绿)/2", u"(绿+蓝)/2", u"色调", u"饱和度",
+    u"亮度", u"对比度", u"灰度", u"(红+绿+蓝)/3", u"乌贼漂白"};
+inline constexpr Text kReplaceColor[] = {
+    u"不替换", u"RGB分量与样本差小于阀值", u"色调与样本差小于阀值", u"RG分量差值大于阀值",
+    u"RB分量差值大于阀值", u"BG分量差值大于阀值", u"R分量占比超过阀值", u"G分量占比超过阀值",
+    u"B分量占比超过阀值"};
+inline constexpr Text kLumCorrect[] = {
+    u"（无）", u"照度修正", u"照度归一、增亮", u"照度归一", u"F.M.Retinex", u"黑白文字",
+    u"黑白文字+红章"};
+inline constexpr Text kTimes[] = {u"(无)", u"1", u"2", u"3"};
+inline constexpr Text kSurfaceBlurRadius[] = {
+    u"1", u"2", u"3", u"4", u"5", u"6", u"7", u"8", u"9", u"10", u"11", u"12", u"13", u"14",
+    u"15"};
+inline constexpr Text kSurfaceBlurThreshold[] = {
+    u"2", u"3", u"4", u"5", u"6", u"7", u"8", u"9", u"10", u"11", u"12", u"13", u"14", u"15",
+    u"16", u"17", u"18", u"19", u"20", u"21", u"22", u"23", u"24", u"25", u"26", u"27", u"28",
+    u"29", u"30", u"31", u"32", u"33", u"34", u"35", u"36", u"37", u"38", u"39", u"40", u"41",
+    u"42", u"43", u"44", u"45", u"46", u"47", u"48", u"49", u"50"};
+inline constexpr Text kSurfaceBlurAlgorithm[] = {
+    u"Photoshop", u"引导滤波", u"选择性高斯模糊", u"选择性模糊"};
+inline constexpr Text kQuantize[] = {
+    u"八叉树", u"中位切分", u"Xiaolin Wu", u"固定调色板", u"神经网络"};
+inline constexpr Text kCheckGray[] = {u"容错判断", u"严格判断", u"不判断"};
+inline constexpr Text kThresholdMethod[] = {u"同调色板量化算法", u"Otsu", u"Wolf"};
+inline constexpr Text kWindowSize[] = {
+    u"10", u"20", u"30", u"40", u"50", u"60", u"70", u"80", u"90", u"100",
+    u"110", u"120", u"130", u"140", u"150", u"160", u"170", u"180", u"190", u"200",
+    u"210", u"220", u"230", u"240", u"250", u"260", u"270", u"280", u"290", u"300",
+    u"310", u"320", u"330", u"340", u"350", u"360", u"370", u"380", u"390", u"400",
+    u"410", u"420", u"430", u"440", u"450", u"460", u"470", u"480", u"490", u"500"};
+inline constexpr Text kBwDitherMethod[] = {u"JJN", u"Floyd Steinberg", u"Bayer"};
+inline constexpr Text kBlockCondition[] = {u"大于", u"小于"};
+inline constexpr Text kRotate[] = {u"(无)", u"左旋", u"右旋", u"颠倒", u"镜像", u"翻转"};
+inline constexpr Text kSourceFiles[] = {
+    u"*.jpg;*.jpeg;*.gif;*.ufo;*.bmp;*.png;*.tif;*.tiff;*.wmf;*.jpf;*.jpx;*.jp2;*.j2k;*.jpc;"
+    u"*.j2c;*.webp;*.nef;*.crw;*.cr2;*.dng",
+    u"*.jpg;*.jpeg", u"*.gif", u"*.ufo", u"*.bmp;*.dib", u"*.png", u"*.tif;*.tiff",
+    u"*.wmf;*.emf", u"*.jpf;*.jpx;*.jp2;*.j2k;*.jpc;*.j2c;", u"*.webp",
+    u"*.nef;*.crw;*.cr2;*.dng"};
+inline constexpr Text kPageSize[] = {
+    u"保持不变，内容框外填白", u"内容框大小", u"内容框+页边空", u"指定宽度", u"指定高度",
+    u"指定宽、高",
+    u"787x1092mm, 1/16", u"787x1092mm, 1/32", u"787x1092mm, 1/64", u"787x1092mm, 1/128",
+    u"850x1168mm, 1/16", u"850x1168mm, 1/32", u"850x1168mm, 1/64", u"850x1168mm, 1/128",
+    u"889x1194mm, 1/16", u"889x1194mm, 1/32", u"889x1194mm, 1/64", u"889x1194mm, 1/128",
+    u"890x1240mm, 1/16", u"890x1240mm, 1/32", u"890x1240mm, 1/64", u"890x1240mm, 1/128",
+    u"1000x1400mm, 1/32", u"1000x1400mm, 1/64", u"1000x1400mm, 1/128",
+    u"A4（公文）", u"A5", u"A6", u"B5", u"B6", u"B7", u"4开报纸", u"8开报纸",
+    u"A2（WORD 2013）", u"A3（WORD 2013）", u"A4（WORD 2013）"};
+inline constexpr Text kPageSizeUnit[] = {u"厘米", u"像素"};
+inline constexpr Text kAlignH[] = {u"不变", u"靠左", u"靠右", u"居中"};
+inline constexpr Text kAlignV[] = {u"不变", u"靠上", u"靠下", u"居中"};
+inline constexpr Text kBigContentBox[] = {u"溢出", u"缩图", u"裁剪"};
+inline constexpr Text kSmallContentBox[] = {u"填白", u"放大"};
+inline constexpr Text kDeskew[] = {
+    u"(无)", u"自动_横排", u"自动_竖排", u"自动_双向", u"手动"};
+inline constexpr Text kDeskewEdge[] = {u"边缘保留", u"边缘填白", u"边缘扩展"};
+inline constexpr Text kSharpenSize[] = {
+    u"7", u"9", u"11", u"13", u"15", u"17", u"19", u"21", u"23", u"25"};
+inline constexpr Text kWhiteBalance[] = {u"(无)", u"白点矫正", u"白点+黑点"};
+inline constexpr Text kCorrectionType[] = {
+    u"无矫正", u"梯形矫正", u"梯形矫正+裁切", u"弯曲页面展平"};
+inline constexpr Text kDewarpMethod[] = {u"扩展文本行", u"文本行", u"页边界", u"干净文本行"};
+inline constexpr Text kDewarpIllumination[] = {u"不均匀", u"一般", u"很均匀"};
+inline constexpr Text kJpegSampling[] = {u"自动", u"手动"};
+
+// Lists of packed fields: the low byte of PARA_PAGE_SPLIT_TYPE, and the low and the next byte of
+// PARA_CRT_CROP.
+inline constexpr Text kSplitKind[] = {u"无分页", u"单页", u"双页右翻", u"双页左翻"};
+inline constexpr Text kCorrectionSizeMode[] = {
+    u"自动", u"自动，指定比例", u"指定比例和宽度", u"指定比例和高度", u"指定宽度", u"指定高度",
+    u"指定宽、高"};
+inline constexpr Text kCorrectionRatio[] = {
+    u"16:9", u"4:3", u"3:2", u"5:3", u"2:1", u"3:1", u"1:1", u"A3/A4", u"B4/B5",
+    u"正度16开/32开", u"大度16开/32开", u"打印纸(Letter)"};
+// clang-format on
+
+}  // namespace velloran::lists
