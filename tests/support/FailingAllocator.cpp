@@ -1,5 +1,6 @@
 #include "support/FailingAllocator.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 
