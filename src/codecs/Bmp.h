@@ -13,19 +13,24 @@ namespace velloran {
 
 class CDibImage;
 
-/// 1, 4, 8, 16, 24 and 32 bits, RLE, bit fields, top-down rows and OS/2 heads.
-/// Sets sourceColours, sourceFlag and DPI. False, the image as it was, for a damaged file.
+/// 1, 2, 4, 8, 16, 24 and 32 bits, RLE, bit fields, top-down rows and OS/2 heads; 2 bits become 4,
+/// 16 and 32 bits become 24. Fields of fewer than 8 bits fill the high bits of the byte. Alpha
+/// goes to the alpha plane, unless it is 0 everywhere or 255 everywhere.
+///
+/// A file that is cut off among its rows keeps those that it holds whole; the others are white, or
+/// as light as the palette goes. Pixels that RLE codes skip have index 0. Sets sourceColours (the
+/// bits of the file), sourceFlag (the horizontal DPI) and DPI. False, the image as it was, for a
+/// damaged head or palette, a file without a whole row, and codings that are no pages'.
 bool LoadBmp(const std::filesystem::path& path, CDibImage& image, FileError* error = nullptr);
 bool LoadBmpBytes(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* error);
 
 bool ReadBmpInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error);
 
-/// Writes 1, 4, 8 and 24 bits as they are, with the image's DPI.
-bool SaveBmp(const std::filesystem::path& path, const CDibImage& image,
-             FileError* error = nullptr);
+/// Writes 1, 4, 8 and 24 bits as they are, with the image's DPI. False for an empty image.
+bool SaveBmp(const std::filesystem::path& path, const CDibImage& image, FileError* error = nullptr);
 
-/// Writes 16 bits a pixel, 5-6-5 or 5-5-5; other depths are widened to 24 bits first. An image of
-/// height 0 writes only the heads.
+/// Writes 16 bits a pixel, 5-6-5 or 5-5-5; other depths are widened to 24 bits first. An empty
+/// image, of height 0, writes only the heads.
 bool SaveBmp16(const std::filesystem::path& path, const CDibImage& image, bool is565,
                FileError* error = nullptr);
 

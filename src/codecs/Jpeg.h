@@ -15,9 +15,11 @@ class CDibImage;
 class CParaBlock;
 
 /// 1 component gives 8 bits with the identity grey palette, 3 and 4 give 24 bits. Honours the EXIF
-/// resolution and orientation. What a cut-off file lacks is white. `reverseCmyk` inverts CMYK
-/// data. Sets sourceColours (components * 8) and DPI. False for less than 10 bytes and for a
-/// file without a readable head; the image is then as it was.
+/// resolution and orientation. What a cut-off file lacks is white: rows of MCUs that are not told
+/// whole, in a file of several scans those that the first scan does not reach. `reverseCmyk`
+/// inverts CMYK data. Sets sourceColours (components * 8), sourceFlag (the horizontal DPI) and
+/// DPI. False, the image as it was, for less than 10 bytes, for a file without a readable head,
+/// and for kinds that no page comes in: 2 components, 12 bits, lossless, over 500 scans.
 bool LoadJpeg(const std::filesystem::path& path, CDibImage& image, bool reverseCmyk = false,
               FileError* error = nullptr);
 bool LoadJpegBytes(std::span<const std::uint8_t> bytes, CDibImage& image, bool reverseCmyk,
@@ -29,11 +31,14 @@ bool LoadUfo(const std::filesystem::path& path, CDibImage& image, bool reverseCm
 
 /// Grey or colour as the image is; quality, DPI, and the JPG_* parameters of `params`. With
 /// JPG_SRC_* the source file of `image`, else of `sourceImage` (may be null), gives tables, coding
-/// and sampling. The image may be normalised in depth.
+/// and sampling, as far as it can be read and its values can be written. Quality is limited to
+/// 1..100. The image may be normalised in depth. False for an empty image and for sides above
+/// 65500 pixels.
 bool SaveJpeg(const std::filesystem::path& path, CDibImage& image, const CDibImage* sourceImage,
               int quality, int dpi, const CParaBlock& params, FileError* error = nullptr);
 
-/// Bits per pixel (components * 8) and the DPI of the head.
+/// Bits per pixel (components * 8) and the DPI of the head: density, with unit 2 times 254 / 10000
+/// rounded half up. False, nothing set, without a readable head.
 bool ReadJpegHeader(std::span<const std::uint8_t> bytes, int& outBits, int& outDpi);
 
 bool ReadJpegInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error);

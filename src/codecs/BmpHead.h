@@ -1,0 +1,56 @@
+#pragma once
+
+// The heads of a BMP, of every kind, brought to one form. Internal to the codecs.
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "codecs/ImageInfo.h"
+#include "core/BaseImage.h"
+
+namespace velloran {
+
+/// One colour's bits in a 16- or 32-bit pixel.
+struct BmpField {
+    int shift = 0, bits = 0;  // 0 bits: the pixels have no such channel
+
+    std::uint32_t ValueOf(std::uint32_t pixel) const {
+        return bits == 0 ? 0 : pixel >> shift & (0xFFFFFFFFU >> (32 - bits));
+    }
+    /// The highest 8 bits; narrower fields are not stretched, so that what the 16-bit writer cut
+    /// comes back as it was cut.
+    std::uint8_t ByteOf(std::uint32_t pixel) const {
+        const std::uint32_t value = ValueOf(pixel);
+        return static_cast<std::uint8_t>(bits > 8 ? value >> (bits - 8) : value << (8 - bits));
+    }
+    bool operator==(const BmpField&) const = default;
+};
+
+enum class BmpCoding { kPlain, kRle };
+
+struct BmpHead {
+    int width = 0, height = 0;  // of the picture, positive
+    bool topDown = false;
+    int bitsPerPixel = 0;  // 1, 2, 4, 8, 16, 24, 32
+    BmpCoding coding = BmpCoding::kPlain;
+    BmpField red, green, blue, alpha;  // at 16 and 32 bits
+    bool mayHoldAlpha = false;         // 32 bits whose last byte is told by nobody
+    int paletteCount = 0;              // entries that the file holds
+    std::array<PaletteEntry, 256> palette{};
+    int xDpi = 96, yDpi = 96;
+    std::size_t pixelOffset = 0;  // within the file
+
+    bool IsIdentityGray() const;
+};
+
+/// Fills `head`. The text of the refusal, empty when the head is good: a wrong mark, a head or
+/// palette that the file does not hold whole, sizes outside the readers' limits, depths and codings
+/// that no page comes in (embedded JPEG and PNG, Huffman).
+std::string ReadBmpHead(std::span<const std::uint8_t> bytes, BmpHead& head);
+
+/// Bits per pixel in memory: 2 bits become 4, 16 and 32 bits become 24.
+int BitsInMemory(const BmpHead& head);
+
+}  // namespace velloran
