@@ -1,1 +1,0 @@
-#include "codecs/Bmp.h"
