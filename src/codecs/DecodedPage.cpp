@@ -1,0 +1,120 @@
+#include "codecs/DecodedPage.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "core/MappedFile.h"
+
+namespace velloran {
+namespace {
+
+void ClearPadding(CDibImage& page) {
+    const std::size_t usedBits = static_cast<std::size_t>(page.GetWidth()) * page.GetBpp();
+    const std::size_t wholeBytes = usedBits / 8;
+    const auto lastBits = static_cast<unsigned>(usedBits % 8);
+    for (int y = 0; y < page.GetHeight(); ++y) {
+        std::uint8_t* row = page.GetBits(y);
+        std::size_t first = wholeBytes;
+        if (lastBits != 0)
+            row[first++] &= static_cast<std::uint8_t>(0xFF00u >> lastBits);
+        std::memset(row + first, 0, page.GetEffWidth() - first);
+    }
+}
+
+bool IsOpaque(const CDibImage& page) {
+    const std::uint8_t* alpha = page.GetAlpha();
+    const std::size_t count = static_cast<std::size_t>(page.GetWidth()) * page.GetHeight();
+    return std::all_of(alpha, alpha + count, [](std::uint8_t a) { return a == 255; });
+}
+
+}  // namespace
+
+bool LoadMapped(const std::filesystem::path& path, CDibImage& image, FileError* error,
+                BytesLoader load) {
+    return FailWhenOutOfMemory(error, [&] {
+        MappedFile file;
+        return file.Open(path, error) && load(file.Bytes(), image, error);
+    });
+}
+
+bool CreatePage(int width, int height, int bpp, bool withAlpha, CDibImage& page, FileError* error) {
+    if (page.Create(width, height, bpp) == nullptr)
+        return FailContent(error, page.GetLastError());
+    if (withAlpha && !page.CreateAlpha())
+        return FailContent(error, "out of memory");
+    return true;
+}
+
+std::uint8_t* RowFromTop(CBaseImage& image, int y) {
+    return image.GetBits(image.GetHeight() - 1 - y);
+}
+
+const std::uint8_t* RowFromTop(const CBaseImage& image, int y) {
+    return image.GetBits(image.GetHeight() - 1 - y);
+}
+
+std::uint8_t* AlphaRowFromTop(CBaseImage& image, int y) {
+    return image.GetAlpha() + static_cast<std::size_t>(image.GetHeight() - 1 - y) *
+                                  static_cast<std::size_t>(image.GetWidth());
+}
+
+const std::uint8_t* AlphaRowFromTop(const CBaseImage& image, int y) {
+    return image.GetAlpha() + static_cast<std::size_t>(image.GetHeight() - 1 - y) *
+                                  static_cast<std::size_t>(image.GetWidth());
+}
+
+int NearestToWhite(std::span<const PaletteEntry> palette) {
+    int best = 0, bestDistance = 3 * 255 * 255 + 1;
+    for (std::size_t i = 0; i < palette.size(); ++i) {
+        const int blue = 255 - palette[i].blue;
+        const int green = 255 - palette[i].green;
+        const int red = 255 - palette[i].red;
+        const int distance = blue * blue + green * green + red * red;
+        if (distance < bestDistance) {
+            best = static_cast<int>(i);
+            bestDistance = distance;
+        }
+    }
+    return best;
+}
+
+void WhitenRows(CDibImage& page, int firstRow) {
+    int value = 255;
+    if (page.GetBpp() <= 8) {
+        const int index =
+            NearestToWhite({page.GetPalette(), static_cast<std::size_t>(page.GetPaletteCount())});
+        const int copies = page.GetBpp() == 1 ? 255 : (page.GetBpp() == 4 ? 17 : 1);
+        value = index * copies;
+    }
+    for (int y = firstRow; y < page.GetHeight(); ++y) {
+        std::memset(RowFromTop(page, y), value, page.GetEffWidth());
+        if (page.GetAlpha() != nullptr)
+            std::memset(AlphaRowFromTop(page, y), 255, static_cast<std::size_t>(page.GetWidth()));
+    }
+}
+
+void HandOver(CDibImage& page, int sourceBits, int xDpi, int yDpi, CDibImage& image) {
+    ClearPadding(page);
+    if (page.GetAlpha() != nullptr && IsOpaque(page))
+        page.DeleteAlpha();
+    page.SetXDpi(xDpi);
+    page.SetYDpi(yDpi);
+    image = std::move(page);
+    image.Source().sourceColours = static_cast<std::uint32_t>(sourceBits);
+    image.Source().sourceFlag = static_cast<std::uint32_t>(image.GetXDpi());
+}
+
+int PlausibleDpi(double dpi) {
+    if (!(dpi >= 0.5 && dpi <= 100000))  // also no number
+        return 96;
+    return static_cast<int>(dpi + 0.5);
+}
+
+bool IsPlausibleSize(std::int64_t decodedBytes, std::size_t fileBytes, std::int64_t maxRatio) {
+    constexpr std::int64_t kAlwaysAllowed = 64 << 20;
+    return decodedBytes <= kAlwaysAllowed ||
+           decodedBytes / (4 * maxRatio) <= static_cast<std::int64_t>(fileBytes);
+}
+
+}  // namespace velloran

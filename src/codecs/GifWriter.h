@@ -1,0 +1,39 @@
+#pragma once
+
+// Codes an image as a GIF of one picture.
+
+#include <cstdint>
+#include <vector>
+
+#include "core/BaseImage.h"
+#include "core/FileError.h"
+
+namespace velloran {
+
+class AtomicFile;
+class CDibImage;
+
+/// One byte a pixel, the top row first, with the colours that occur.
+struct GifPicture {
+    int width = 0, height = 0;
+    std::vector<std::uint8_t> indices;
+    std::vector<PaletteEntry> colors;
+};
+
+struct GifFrame {
+    int left = 0, top = 0, width = 0, height = 0;
+    bool operator==(const GifFrame&) const = default;
+};
+
+/// Palette images list the indices in use in ascending order; 24-bit images get a palette.
+GifPicture MakeGifPicture(const CDibImage& image);
+
+/// The smallest rectangle of pixels that differ from the top left one; 1 x 1 at the top left when
+/// none does.
+GifFrame TightFrameOf(const GifPicture& picture);
+
+/// Writes into the open file.
+bool WriteGif(const GifPicture& picture, const GifFrame& frame, bool transparentBackground,
+              AtomicFile& file, FileError* error);
+
+}  // namespace velloran

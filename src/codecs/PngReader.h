@@ -1,0 +1,70 @@
+#pragma once
+
+// Decodes a PNG that lies in memory.
+
+#include <png.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "codecs/ImageInfo.h"
+#include "codecs/PngGuard.h"
+#include "core/DibImage.h"
+#include "core/FileError.h"
+
+namespace velloran {
+
+class PngReader {
+ public:
+    explicit PngReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    ~PngReader();
+    PngReader(const PngReader&) = delete;
+    PngReader& operator=(const PngReader&) = delete;
+
+    /// Reads all that stands before the pixels. Once, and first.
+    bool ReadHead(FileError* error);
+
+    ImageInfo Info() const;
+    /// Depth to restore on saving: of the page for one channel, else as in the file.
+    int SourceBits() const;
+
+    /// Decodes into an empty page.
+    bool ReadPage(CDibImage& page, FileError* error);
+
+ private:
+    /// How decoded rows become the page's rows.
+    enum class Form { kDirect, kNibbles, kGrayAlpha, kBgra };
+
+    static void Read(png_structp png, png_bytep to, std::size_t count);
+    void Deliver(std::uint8_t* to, std::size_t count);
+    void SetUp();
+    void TakeHead();
+    void ChooseForm();
+    int PageBits() const;
+    void FillPalette(CDibImage& page) const;
+    void FillPaletteAlpha(CDibImage& page) const;
+    void AskForTransforms();
+    void DecodeRows(CDibImage& page, std::uint8_t* scratch);
+    void ConvertRow(const std::uint8_t* from, CDibImage& page, int y) const;
+
+    std::span<const std::uint8_t> bytes_;
+    std::size_t position_ = 0, nextChunk_ = 8;
+    PngMessage message_;
+    png_structp png_ = nullptr;
+    png_infop info_ = nullptr;
+
+    int width_ = 0, height_ = 0, bitDepth_ = 0, colorType_ = 0, channels_ = 0;
+    bool interlaced_ = false, hasTransparency_ = false;
+    Form form_ = Form::kDirect;
+    png_colorp palette_ = nullptr;  // libpng's
+    int paletteCount_ = 0;
+    png_bytep paletteAlpha_ = nullptr;  // libpng's
+    int paletteAlphaCount_ = 0;
+    int transparentGray_ = -1;
+    int xDpi_ = 96, yDpi_ = 96;
+    int rowsDone_ = 0;
+    std::size_t rowBytes_ = 0;
+};
+
+}  // namespace velloran
