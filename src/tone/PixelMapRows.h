@@ -1,0 +1,42 @@
+#pragma once
+
+// The loops under every tone change: samples through 256-byte tables. Where the processor can hold
+// a table in registers, a sample costs a fraction of a table look-up; all ways give the same bytes.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "core/PlaneView.h"
+#include "tone/PixelMap.h"
+
+namespace velloran {
+
+/// One table for each byte of a 24-bit pixel: blue, green, red.
+using ChannelMaps = std::array<PixelMap, 3>;
+
+/// Whether a page is large enough for its rows to be shared among threads.
+bool IsWorthThreads(ConstPlaneView pixels);
+
+/// Every sample of every row through the map; rows in parallel. An empty view is left alone.
+void MapRows(const PixelMap& map, PlaneView pixels);
+
+/// The same with a map of its own for each channel; the view has 3 channels.
+void MapChannelRows(const ChannelMaps& maps, PlaneView pixels);
+
+/// A way to run samples through tables, in place.
+struct MapWay {
+    const char* name;
+    bool (*isSupported)();  // by this processor
+    void (*mapBytes)(const PixelMap& map, std::uint8_t* bytes, std::size_t count);
+    void (*mapPixels)(const ChannelMaps& maps, std::uint8_t* bytes, std::size_t pixelCount);
+};
+
+/// All ways that this program was built with, the plain loop first, the fastest last.
+std::span<const MapWay> MapWays();
+
+/// The last of them that this processor supports.
+const MapWay& BestMapWay();
+
+}  // namespace velloran
