@@ -1,0 +1,14 @@
+#pragma once
+
+// The layout record of a run.
+
+#include "core/ParaBlock.h"
+#include "core/Pipeline.h"
+
+namespace velloran {
+
+/// The record as the block asks for it, for a page of this size before its box is cut; nothing is
+/// cut yet, and the computed fields are 0.
+LayoutRequest MakeLayoutRequest(const ParaValues& values, int imageWidth, int imageHeight);
+
+}  // namespace velloran

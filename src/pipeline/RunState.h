@@ -1,0 +1,39 @@
+#pragma once
+
+// What one run of the enhancement carries from step to step. It lives and ends with the run; what a
+// run finds (split lines, corners, curves) is written back into the block instead.
+
+#include <cstdint>
+
+#include "core/DibImage.h"
+#include "core/ParaBlock.h"
+#include "core/Pipeline.h"
+
+namespace velloran {
+
+struct RunState {
+    static constexpr std::uint32_t kUnknownBackground = 0xFFFFFFFF;
+
+    CParaBlock& block;
+    CDibImage* image = nullptr;  // the page, changed in place; null when describing
+    int stop = kStopWhole;
+    bool isPreview = false;  // nobody is told of the steps: colours are only made to look reduced
+
+    /// All values of the block as the present step found them, read in one hold of its lock. A
+    /// change by the user takes effect at the next step.
+    ParaValues values{};
+
+    /// Empty, or 8 bits in the size of the page: 255 where the page is, 0 where a geometry step
+    /// left nothing of it.
+    CDibImage mask{};
+    /// Three equal bytes: the dark level of the page, measured where it is first asked for.
+    std::uint32_t background = kUnknownBackground;
+    std::int32_t pendingAngle = 0;  // deskew, hundredths of a degree
+    bool deferRotation = false;     // until the content box was searched
+    LayoutRequest layout{};
+    DecreaseBppRequest reduce{};
+
+    std::int32_t Value(ParaIndex index) const { return values[static_cast<std::size_t>(index)]; }
+};
+
+}  // namespace velloran

@@ -1,0 +1,114 @@
+#include "pipeline/Steps.h"
+
+#include "pipeline/Layout.h"
+#include "pipeline/MaskFill.h"
+#include "pipeline/ReduceRequest.h"
+#include "pipeline/RunState.h"
+#include "tone/AutoLevels.h"
+#include "tone/PixelMap.h"
+
+namespace velloran {
+namespace {
+
+/// Positions in the list of PARA_ROATE.
+enum Rotation : int { kLeft = 1, kRight, kHalfTurn, kMirrored, kFlipped };
+
+struct Margins {
+    int left, top, right, bottom;  // per mille
+};
+
+/// True, with the pixels in the layout, when something was cut off.
+bool CutMargins(CDibImage& image, const Margins& margins, LayoutRequest& layout) {
+    const int width = image.GetWidth(), height = image.GetHeight();
+    if (!image.CropPerMille(margins.left, margins.top, margins.right, margins.bottom))
+        return false;
+    layout.cutLeft = PerMilleToPixels(width, margins.left);
+    layout.cutTop = PerMilleToPixels(height, margins.top);
+    layout.cutRight = PerMilleToPixels(width, margins.right);
+    layout.cutBottom = PerMilleToPixels(height, margins.bottom);
+    return true;
+}
+
+/// Non-zero when a stage changed the map. The order of the stages is fixed: each works on what the
+/// one before it left.
+int ComposePixelMap(const RunState& state, PixelMap& map) {
+    int changed = 0;
+    changed |= MapHighlight(state.Value(PARA_HIGHLIGHT), state.Value(PARA_THRESHOLD), map);
+    changed |= MapBrightness(state.Value(PARA_BRIGHTNESS), map);
+    changed |= MapParabola(state.Value(PARA_CURVE_DIV), state.Value(PARA_CURVE_OFFSET), map);
+    changed |= MapContrast(state.Value(PARA_CONTRAST), map);
+    changed |= MapBezierCurve(state.Value(PARA_CURVE), state.Value(PARA_CURVE_1),
+                              state.Value(PARA_CURVE_2), state.Value(PARA_CURVE_3), map);
+    changed |= MapGamma(state.Value(PARA_GAMMA), map);
+    return changed;
+}
+
+}  // namespace
+
+void PassOn(RunState&) {}
+
+void RotatePage(RunState& state) {
+    switch (state.Value(PARA_ROATE)) {
+        case kLeft:
+            state.image->Rotate90(/*left=*/true);
+            break;
+        case kRight:
+            state.image->Rotate90(/*left=*/false);
+            break;
+        case kHalfTurn:
+            state.image->Flip(FlipMode::kUpsideDown);
+            break;
+        case kMirrored:
+            state.image->Flip(FlipMode::kMirror);
+            break;
+        case kFlipped:
+            state.image->Flip(FlipMode::kFlip);
+            break;
+        default:
+            break;
+    }
+}
+
+void StartLayout(RunState& state) {
+    state.layout =
+        MakeLayoutRequest(state.values, state.image->GetWidth(), state.image->GetHeight());
+}
+
+void CropPage(RunState& state) {
+    if (state.Value(PARA_FIND_CNT_BOX) == 0) {
+        const Margins margins{state.Value(PARA_CROPPING_P_LEFT), state.Value(PARA_CROPPING_P_TOP),
+                              state.Value(PARA_CROPPING_P_RIGHT),
+                              state.Value(PARA_CROPPING_P_BOTTOM)};
+        if (CutMargins(*state.image, margins, state.layout) && state.mask.IsValid())
+            state.mask.CropPerMille(margins.left, margins.top, margins.right, margins.bottom);
+    }
+    if (state.mask.IsValid())
+        FillOutsideMask(*state.image, state.mask,
+                        static_cast<std::uint32_t>(state.Value(PARA_FILL_BLANK_COLOR)));
+}
+
+void AdjustLevels(RunState& state) {
+    if (state.Value(PARA_AUTO_LEVELS) != 0)
+        AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS));
+}
+
+bool HasPixelMapping(const RunState& state) {
+    PixelMap map = IdentityPixelMap();
+    return ComposePixelMap(state, map) != 0;
+}
+
+void MapPixels(RunState& state) {
+    PixelMap map = IdentityPixelMap();
+    ComposePixelMap(state, map);
+    ApplyPixelMap(map, *state.image);
+}
+
+void AdjustLevelsPost(RunState& state) {
+    AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS_POST));
+}
+
+void RequestReduction(RunState& state) {
+    state.reduce = MakeReduceRequest(state.values, *state.image, state.layout);
+}
+
+}  // namespace velloran

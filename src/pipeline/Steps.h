@@ -1,0 +1,38 @@
+#pragma once
+
+// The work of the steps: each takes what it needs from the state of the run, calls the operation of
+// its folder and leaves the image usable. A step that cannot work passes the image on.
+
+namespace velloran {
+
+struct RunState;
+
+/// Passes the image on as it is.
+void PassOn(RunState& state);
+
+/// Step 1: a quarter turn to the left or right, a half turn, mirrored or flipped.
+void RotatePage(RunState& state);
+
+/// Before step 4: the layout record, with the size that the page has after its correction.
+void StartLayout(RunState& state);
+
+/// Step 5: cuts image and mask by the four margins, keeps in the layout what was cut, and fills
+/// what the mask marks. With the search for the content box set the margins are only the frame of
+/// that search, and nothing is cut by them.
+void CropPage(RunState& state);
+
+/// Step 14: automatic levels where they are set.
+void AdjustLevels(RunState& state);
+
+/// Step 16: whether any stage of the tone table changes it.
+bool HasPixelMapping(const RunState& state);
+/// Step 16: one table of all stages, applied once.
+void MapPixels(RunState& state);
+
+/// Step 19.
+void AdjustLevelsPost(RunState& state);
+
+/// Step 29: what the reduction is asked for, with the protected colour.
+void RequestReduction(RunState& state);
+
+}  // namespace velloran
