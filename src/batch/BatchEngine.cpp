@@ -1,0 +1,305 @@
+#include "batch/BatchEngine.h"
+
+#include <chrono>
+#include <deque>
+#include <iterator>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <utility>
+
+#include "batch/BatchPlan.h"
+#include "batch/BatchRules.h"
+#include "batch/BatchWorkers.h"
+#include "batch/ConvertFile.h"
+#include "batch/FoundValues.h"
+#include "batch/ProcessorCount.h"
+#include "batch/ProgramPlaces.h"
+#include "batch/RunLog.h"
+#include "batch/TargetNames.h"
+#include "core/Labels.h"
+#include "core/ParaBlock.h"
+#include "core/Text.h"
+
+namespace velloran {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+std::u16string Decimal(std::size_t number) {
+    return ToUtf16(std::to_string(number));
+}
+
+/// Stages as the workers tell them, kept for the caller's thread; only the last of each file
+/// matters.
+class StageBoard {
+ public:
+    struct Stage {
+        std::string path;
+        std::u16string text;
+    };
+
+    void Tell(std::string_view path, std::u16string_view text) {
+        const std::lock_guard hold(lock_);
+        if (stages_.empty() || stages_.back().path != path)
+            stages_.push_back({std::string(path), {}});
+        stages_.back().text = text;
+    }
+
+    std::deque<Stage> Take() {
+        const std::lock_guard hold(lock_);
+        return std::exchange(stages_, {});
+    }
+
+ private:
+    std::mutex lock_;
+    std::deque<Stage> stages_;
+};
+
+class BatchRun {
+ public:
+    BatchRun(const BatchRequest& request, const BatchEvents& events)
+        : request_(request), events_(events), block_(GlobalBlock()) {}
+
+    BatchResult Convert() {
+        const Clock::time_point start = Clock::now();
+        if (Check() && AskSameFolder() && Plan())
+            ConvertAll();
+        result_.seconds = SecondsSince(start);
+        return std::move(result_);
+    }
+
+    BatchResult Show(const std::function<void(const std::string&, const std::string&)>& planned) {
+        if (!Check() || !Plan())
+            return std::move(result_);
+        const std::string extension =
+            names_.extension.empty() ? ".*" : DottedExtension(names_.extension);
+        for (std::size_t i = 0; i < plan_.Size() && !IsStopped(); ++i) {
+            const PlannedFile& file = plan_.At(i);
+            planned(file.source, plan_.TargetWithoutExtension(file) + extension);
+        }
+        if (IsStopped())
+            result_.end = BatchResult::End::kStopped;
+        return std::move(result_);
+    }
+
+ private:
+    bool End(BatchResult::End end, std::u16string_view message) {
+        result_.end = end;
+        result_.message = message;
+        return false;
+    }
+
+    bool IsStopped() {
+        if (events_.poll && events_.poll())
+            Stop().store(true);
+        return Stop().load();
+    }
+    std::atomic<bool>& Stop() { return request_.stop != nullptr ? *request_.stop : ownStop_; }
+
+    void Status(std::u16string_view text) {
+        if (events_.status)
+            events_.status(text);
+    }
+    void Warn(const std::string& text) {
+        if (events_.warning)
+            events_.warning(text);
+    }
+
+    /// What must be right before a file is looked at.
+    bool Check() {
+        source_ = request_.source;
+        if (source_.empty() && request_.useList && !request_.list.empty()) {
+            source_ = request_.list.front().parent_path();
+            if (source_.empty())
+                source_ = ".";
+        }
+        if (source_.empty())
+            return End(BatchResult::End::kRefused, labels::kNoSourceFolder);
+        if (request_.target.empty())
+            return End(BatchResult::End::kRefused, labels::kNoTargetFolder);
+        names_ = ReadBatchTarget(block_);
+        if (const std::u16string_view refusal = RefuseTarget(names_); !refusal.empty())
+            return End(BatchResult::End::kRefused, refusal);
+        return true;
+    }
+
+    bool AskSameFolder() {
+        if (!IsSameFolder(source_, request_.target))
+            return true;
+        if (events_.replaceSameFolder && events_.replaceSameFolder())
+            return true;
+        return End(BatchResult::End::kDeclined, {});
+    }
+
+    bool Plan() {
+        Status(labels::kCountingFiles);
+        PlanRequest plan;
+        plan.source = source_;
+        plan.target = request_.target;
+        plan.list = request_.list;
+        plan.useList = request_.useList;
+        plan.filter = SourceFilter(block_.GetPara(PARA_SRC_FILES));
+        plan.recursive = block_.GetPara(PARA_GO_SUB_DIR) != 0;
+        plan.skipColor = request_.skipColor;
+        plan.names = names_;
+        BatchPlan::Listener listener;
+        listener.isStopped = [this] { return IsStopped(); };
+        listener.renamed = [this](const std::string& later, const std::string& earlier,
+                                  const std::string& name) {
+            Warn(later + ": shares its target's name with " + earlier + ", goes to " + name);
+        };
+        listener.unreadable = [this](const fs::path& folder, const std::error_code& reason) {
+            NoteUnreadable(folder, reason);
+        };
+        const bool made = plan_.Make(plan, listener);
+        result_.files = plan_.Size();
+        Status({});
+        if (!made)
+            return End(BatchResult::End::kStopped, {});
+        if (plan_.Size() == 0)
+            return End(BatchResult::End::kNothing, labels::kNothingToConvert);
+        return true;
+    }
+
+    void NoteUnreadable(const fs::path& folder, const std::error_code& reason) {
+        if (reason == std::errc::too_many_symbolic_link_levels) {
+            Warn(folder.native() + ": entered too often through links, left out");
+            return;
+        }
+        constexpr int kOpenFailed = 1;
+        Fail({folder.native(), labels::kLogRows[kOpenFailed], reason.message(), false});
+    }
+
+    void Fail(BatchFailure failure) {
+        if (events_.failed)
+            events_.failed(failure);
+        result_.failures.push_back(std::move(failure));
+    }
+
+    void ConvertAll() {
+        block_.SetPara(PARA_DPI, names_.dpi);
+        const fs::path ownLog = FindProgramPlaces().log;
+        log_ = std::make_unique<RunLog>(request_.log.empty() ? ownLog : request_.log);
+        ownLog_ = request_.log.empty();
+        log_->Reset();
+
+        ConvertRequest convert;
+        convert.plan = &plan_;
+        convert.block = &block_;
+        convert.names = names_;
+        convert.skipColor = request_.skipColor;
+        convert.stop = &Stop();
+        convert.stage = [this](std::string_view path, std::u16string_view stage) {
+            stages_.Tell(path, stage);
+        };
+        const int processors = CountProcessors();
+        const WorkShares shares = ShareProcessors(
+            plan_.Size(), request_.jobs > 0 ? request_.jobs : processors, processors);
+        WorkerRequest workers;
+        workers.count = plan_.Size();
+        workers.workers = shares.workers;
+        workers.innerThreads = shares.innerThreads;
+        workers.aloneThreads = shares.aloneThreads;
+        workers.stop = &Stop();
+        workers.work = [&](std::size_t i) { return ConvertFile(convert, plan_.At(i)); };
+        workers.needsAlone = [this] { return HasValuesToFind(block_); };
+        workers.deliver = [this](std::size_t i, FileOutcome outcome) {
+            Take(plan_.At(i), std::move(outcome));
+        };
+        workers.poll = [this] { return TellStages(); };
+        start_ = Clock::now();
+        RunWorkers(workers);
+        Finish();
+    }
+
+    /// Hands on what the workers told; the answer of the caller's poll.
+    bool TellStages() {
+        for (const StageBoard::Stage& stage : stages_.Take())
+            TellProgress(stage.path, stage.text);
+        return events_.poll && events_.poll();
+    }
+
+    void TellProgress(std::string_view path, std::u16string_view stage) {
+        if (events_.progress)
+            events_.progress({done_, plan_.Size(), path, stage, SecondsSince(start_)});
+    }
+
+    void Take(const PlannedFile& file, FileOutcome outcome) {
+        if (outcome.end == FileOutcome::End::kStopped)
+            return;
+        ++done_;
+        result_.bytesIn += outcome.bytesIn;
+        result_.bytesOut += outcome.bytesOut;
+        if (!outcome.evadedTo.empty())
+            Warn(file.source + ": its target's name is that of another source, goes to " +
+                 outcome.evadedTo);
+        if (outcome.timesLost)
+            Warn(file.source + ": its times could not be copied to the result");
+        if (outcome.end == FileOutcome::End::kConverted)
+            ++result_.converted;
+        else
+            LogAndFail(outcome);
+        TellProgress(file.source, {});
+    }
+
+    void LogAndFail(const FileOutcome& outcome) {
+        if (ownLog_)
+            MakeFolderOf(log_->File());
+        FileError error;
+        if (!log_->LogFailure(outcome.failedPath, outcome.logRow, &error) &&
+            !std::exchange(logLost_, true))
+            Warn("the run log cannot be written: " + error.detail);
+        Fail({outcome.failedPath.native(), labels::kLogRows[outcome.logRow], outcome.error.detail,
+              outcome.writeFailed && outcome.error.cause == FileError::Cause::kStorage});
+    }
+
+    void Finish() {
+        // A stop that came behind the last file changes nothing.
+        const bool stopped = Stop().load() && done_ < plan_.Size();
+        result_.end = stopped ? BatchResult::End::kStopped : BatchResult::End::kDone;
+        result_.message = Decimal(result_.files);
+        result_.message += labels::kFilesToConvert;
+        result_.message += Decimal(result_.converted);
+        result_.message += labels::kFilesConverted;
+        if (stopped)
+            result_.message += labels::kStoppedHalfway;
+        else
+            result_.offersLog = result_.files != result_.converted;
+        if (log_->HasLogLines())
+            result_.log = log_->File();
+    }
+
+    const BatchRequest& request_;
+    const BatchEvents& events_;
+    CParaBlock& block_;
+    std::atomic<bool> ownStop_{false};
+    fs::path source_;
+    BatchTarget names_;
+    BatchPlan plan_;
+    StageBoard stages_;
+    std::unique_ptr<RunLog> log_;
+    bool ownLog_ = false, logLost_ = false;
+    std::size_t done_ = 0;
+    Clock::time_point start_ = Clock::now();
+    BatchResult result_;
+};
+
+}  // namespace
+
+BatchResult RunBatch(const BatchRequest& request, const BatchEvents& events) {
+    return BatchRun(request, events).Convert();
+}
+
+BatchResult PlanBatch(const BatchRequest& request, const BatchEvents& events,
+                      const std::function<void(const std::string&, const std::string&)>& planned) {
+    return BatchRun(request, events).Show(planned);
+}
+
+}  // namespace velloran

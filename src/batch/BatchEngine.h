@@ -1,0 +1,82 @@
+#pragma once
+
+// Batch conversion without its window: the enhancement over a source folder tree into a target
+// folder tree, or over chosen files. What to do with each page, which files, and how the results
+// are named stand in the global block. The windows and the command line drive this engine.
+//
+// All callbacks come on the thread that called RunBatch. The engine shows and asks nothing itself.
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velloran {
+
+struct BatchRequest {
+    std::filesystem::path source, target;
+    /// With `useList` the chosen files, of whatever type. Without a source folder that of the
+    /// first file is taken; the result of a file from outside it goes into the target folder.
+    std::vector<std::filesystem::path> list;
+    bool useList = false;
+    bool skipColor = false;             // colour pages are copied
+    int jobs = 0;                       // files in flight; 0: the number of processors
+    std::filesystem::path log;          // empty: the program's own
+    std::atomic<bool>* stop = nullptr;  // may be set by anyone at any time; null for none
+};
+
+struct BatchFailure {
+    std::string path;             // as the bytes of the disk
+    std::u16string_view message;  // of the run log
+    std::string detail;           // English, from the library or the system; may be empty
+    bool storage = false;         // a result that could not be written; another try may help
+};
+
+struct BatchProgress {
+    std::size_t done = 0, total = 0;  // files behind the run, converted or not
+    std::string_view path;            // of the file that changed last
+    std::u16string_view stage;        // "读取", a step of the enhancement, "存盘"
+    double seconds = 0;               // since the first file began
+};
+
+struct BatchEvents {
+    std::function<bool()> replaceSameFolder;          // the answer to labels::kSameFolderAsk
+    std::function<void(std::u16string_view)> status;  // "统计文件数", and empty
+    std::function<void(const BatchProgress&)> progress;
+    std::function<void(const BatchFailure&)> failed;  // in the order of the walk
+    std::function<void(const std::string&)> warning;  // English
+    std::function<bool()> poll;                       // true asks for a stop
+};
+
+struct BatchResult {
+    enum class End {
+        kDone,
+        kRefused,   // `message` says why; nothing was read or written
+        kNothing,   // no files: `message` says so
+        kDeclined,  // the user did not want to replace the sources
+        kStopped,
+    };
+    End end = End::kDone;
+    std::u16string message;     // the system's own; at the end with the two counts
+    bool offersLog = false;     // a window asks labels::kSeeLogAsk behind the message
+    std::filesystem::path log;  // of this run, where something was logged
+    std::size_t files = 0, converted = 0;
+    std::vector<BatchFailure> failures;
+    std::int64_t bytesIn = 0, bytesOut = 0;
+    double seconds = 0;
+};
+
+/// A whole run with the global block.
+BatchResult RunBatch(const BatchRequest& request, const BatchEvents& events);
+
+/// What RunBatch would convert: `planned` is told each source and its target, whose extension is
+/// ".*" where it is chosen for each file. Writes and asks nothing.
+BatchResult PlanBatch(
+    const BatchRequest& request, const BatchEvents& events,
+    const std::function<void(const std::string& source, const std::string& target)>& planned);
+
+}  // namespace velloran

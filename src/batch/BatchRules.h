@@ -1,0 +1,38 @@
+#pragma once
+
+// What a batch run asks of the parameter block before it starts: which files, which extension, and
+// whether the two suit the colour depth.
+
+#include <cstdint>
+#include <string_view>
+
+namespace velloran {
+
+class CParaBlock;
+
+/// Extensions of the file type list by position (PARA_SRC_FILES); empty outside 0..10.
+std::u16string_view SourceFilter(int position);
+inline constexpr int kSourceFilterCount = 11;
+
+/// How the results of a run are named and written; read from a block once, at the start.
+struct BatchTarget {
+    int extensionPosition = 0;      // in the list of target extensions; 0 is automatic
+    std::u16string_view extension;  // without dot; empty when it is chosen for each file
+    std::int32_t packedRule = 0;    // PARA_TGT_FILES
+    bool cropGif = false;
+    int color = 2;  // PARA_COLOR
+    int quality = 70;
+    int dpi = 300;  // 0..8000
+    bool keepFileTime = false;
+};
+
+/// The 16-bit colour depths make an automatic extension "bmp".
+BatchTarget ReadBatchTarget(const CParaBlock& block);
+
+/// Why the colour depth and the chosen extension do not go together; empty when they do.
+std::u16string_view RefuseTarget(const BatchTarget& target);
+
+/// The positions 18 and 19 of the list of colour depths.
+bool Is16BitColor(int color);
+
+}  // namespace velloran

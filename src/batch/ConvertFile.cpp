@@ -1,0 +1,175 @@
+#include "batch/ConvertFile.h"
+
+#include <exception>
+#include <system_error>
+#include <utility>
+
+#include "batch/AutoExtension.h"
+#include "batch/FileCopy.h"
+#include "batch/ImageFiles.h"
+#include "batch/RunLog.h"
+#include "batch/TargetNames.h"
+#include "core/DibImage.h"
+#include "core/Labels.h"
+#include "core/ParaBlock.h"
+#include "core/TargetRule.h"
+#include "core/Text.h"
+#include "reduce/CheckGray.h"
+
+namespace velloran {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The conversion of one file, step by step; each returns whether the next one follows.
+class Conversion {
+ public:
+    Conversion(const ConvertRequest& request, const PlannedFile& file, FileOutcome& outcome)
+        : request_(request), file_(file), outcome_(outcome) {}
+
+    void Run() {
+        if (IsStopped() || !Read())
+            return;
+        if (IsStopped() || !MakeTargetFolder())
+            return;
+        const bool written = IsColorToSkip() ? CopyAsItIs() : Enhance() && Save();
+        if (!written)
+            return;
+        KeepTimes();
+        outcome_.end = FileOutcome::End::kConverted;
+    }
+
+ private:
+    bool IsStopped() const { return request_.stop->load(std::memory_order_relaxed); }
+
+    void Stage(std::u16string_view text) const {
+        if (request_.stage)
+            request_.stage(file_.source, text);
+    }
+
+    bool Fail(const fs::path& path, int row, FileError error) {
+        outcome_.end = FileOutcome::End::kFailed;
+        outcome_.failedPath = path;
+        outcome_.logRow = row;
+        outcome_.error = std::move(error);
+        outcome_.writeFailed = row == kLogWriteFailed;
+        return false;
+    }
+
+    bool Read() {
+        Stage(labels::kStageRead);
+        status_ = ReadFileStatus(file_.source);
+        FileError error;
+        if (!LoadImageFile(file_.source, image_, &error))
+            return Fail(file_.source, kLogReadFailed, std::move(error));
+        outcome_.bytesIn = status_ ? static_cast<std::int64_t>(status_->st_size) : 0;
+        CheckGray(image_, request_.block->GetPara(PARA_DECREASE_CHECK_GRAY));
+        return true;
+    }
+
+    /// The name by the image as it is now; the image decides where the extension is automatic.
+    fs::path TargetNow() {
+        std::u16string_view extension = request_.names.extension;
+        if (extension.empty())
+            extension = PickAutoExtension(image_, request_.names.extensionPosition,
+                                          request_.names.packedRule);
+        return TargetWith(DottedExtension(extension));
+    }
+
+    fs::path TargetWith(std::string_view extension) {
+        bool evaded = false;
+        fs::path target = request_.plan->TargetPath(file_, extension, &evaded);
+        outcome_.evadedTo = evaded ? target.native() : std::string();
+        return target;
+    }
+
+    bool MakeTargetFolder() {
+        const fs::path target = TargetNow();
+        const fs::path folder = target.parent_path();
+        std::error_code failure;
+        if (folder.empty() || fs::is_directory(folder, failure))
+            return true;
+        failure.clear();
+        fs::create_directories(folder, failure);
+        if (!failure || fs::is_directory(folder))
+            return true;
+        FileError error;
+        FailStorage(&error, folder.native() + ": " + failure.message());
+        return Fail(target, kLogWriteFailed, std::move(error));
+    }
+
+    bool IsColorToSkip() const { return request_.skipColor && !image_.IsGrayScale(); }
+
+    bool CopyAsItIs() {
+        if (request_.plan->IsSameFolder()) {
+            keepTimes_ = false;
+            return true;
+        }
+        Stage(labels::kStageCopy);
+        const std::string name = fs::path(file_.source).filename().native();
+        target_ = TargetWith(SplitName(name).extension);
+        FileError error;
+        if (!CopyFileWhole(file_.source, target_, &error)) {
+            const bool unreadable = error.cause == FileError::Cause::kContent;
+            return Fail(unreadable ? fs::path(file_.source) : target_,
+                        unreadable ? kLogReadFailed : kLogWriteFailed, std::move(error));
+        }
+        outcome_.bytesOut = outcome_.bytesIn;
+        return true;
+    }
+
+    bool Enhance() {
+        const auto isStopped = [](void* context) {
+            return static_cast<const Conversion*>(context)->IsStopped() ? 1 : 0;
+        };
+        request_.block->RunPipeline(
+            &image_, isStopped, this, [this](std::u16string_view label) { Stage(label); },
+            kStopWhole, nullptr);
+        return !IsStopped();
+    }
+
+    bool Save() {
+        target_ = TargetNow();
+        Stage(labels::kStageSave);
+        FileError error;
+        const BatchTarget& names = request_.names;
+        if (!SaveImageFile(target_, image_, names.quality, names.dpi, names.color, names.cropGif,
+                           *request_.block, &error))
+            return Fail(target_, kLogWriteFailed, std::move(error));
+        if (const auto written = ReadFileStatus(target_))
+            outcome_.bytesOut = static_cast<std::int64_t>(written->st_size);
+        return true;
+    }
+
+    void KeepTimes() {
+        if (request_.names.keepFileTime && keepTimes_ && status_)
+            outcome_.timesLost = !SetFileTimes(target_, *status_);
+    }
+
+    const ConvertRequest& request_;
+    const PlannedFile& file_;
+    FileOutcome& outcome_;
+    CDibImage image_;
+    std::optional<struct stat> status_;  // from before the read, which may move the access time
+    fs::path target_;
+    bool keepTimes_ = true;
+};
+
+}  // namespace
+
+FileOutcome ConvertFile(const ConvertRequest& request, const PlannedFile& file) {
+    FileOutcome outcome;
+    try {
+        Conversion(request, file, outcome).Run();
+    } catch (const std::exception& failure) {
+        outcome = FileOutcome();
+        outcome.end = FileOutcome::End::kFailed;
+        outcome.failedPath = file.source;
+        outcome.logRow = kLogOutOfMemory;
+        outcome.error = {FileError::Cause::kContent, failure.what()};
+    }
+    return outcome;
+}
+
+}  // namespace velloran

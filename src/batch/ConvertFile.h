@@ -1,0 +1,45 @@
+#pragma once
+
+// One file of a batch run: read, judge its colours, enhance, name, save.
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "batch/BatchPlan.h"
+#include "core/FileError.h"
+
+namespace velloran {
+
+class CParaBlock;
+
+/// What all files of a run share.
+struct ConvertRequest {
+    const BatchPlan* plan = nullptr;
+    CParaBlock* block = nullptr;  // takes what the first file finds; locks itself
+    BatchTarget names;
+    bool skipColor = false;
+    const std::atomic<bool>* stop = nullptr;  // looked at between steps
+    /// Told the stage of the file as it changes, on the thread that converts; may be empty.
+    std::function<void(std::string_view source, std::u16string_view stage)> stage;
+};
+
+struct FileOutcome {
+    enum class End { kConverted, kFailed, kStopped };
+    End end = End::kStopped;
+    std::filesystem::path failedPath;  // as the log names it: the source, or the target
+    int logRow = 0;
+    FileError error;
+    bool writeFailed = false;
+    std::string evadedTo;    // the result's path, when its name turned out to be another source's
+    bool timesLost = false;  // the times could not be set
+    std::int64_t bytesIn = 0, bytesOut = 0;
+};
+
+/// Never throws. A failure leaves source and target as they were.
+FileOutcome ConvertFile(const ConvertRequest& request, const PlannedFile& file);
+
+}  // namespace velloran
