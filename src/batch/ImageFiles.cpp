@@ -36,15 +36,13 @@ bool FailWhenOutOfMemory(FileError* error, Work&& work) {
 bool RefuseUnlessPlainFile(const std::filesystem::path& path, FileError* error) {
     std::error_code code;
     const std::filesystem::file_status status = std::filesystem::status(path, code);
-    if (status.type() == std::filesystem::file_type::regular)
+    if (std::filesystem::is_regular_file(status))
         return true;
-    if (status.type() == std::filesystem::file_type::not_found)
-        return FailContent(error, "no such file");
-    if (status.type() == std::filesystem::file_type::none ||
-        status.type() == std::filesystem::file_type::unknown)
-        return FailStorage(error, code.message());
-    return FailContent(
-        error, std::filesystem::is_directory(status) ? "a folder, not a file" : "not a plain file");
+    if (code)
+        return FailContent(error, "cannot read: " + code.message());
+    return FailContent(error, std::filesystem::is_directory(status)
+                                  ? "cannot read: is a folder"
+                                  : "cannot read: is no plain file");
 }
 
 /// The reason for a type that has no reader; a file that cannot even be opened says so instead.
