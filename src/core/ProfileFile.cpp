@@ -198,7 +198,7 @@ bool ProfileFile::HasSection(std::u16string_view section) const {
 }
 
 bool ProfileFile::HasKeys(std::u16string_view section) const {
-    const std::u16string_view wanted = Trim(section);
+    const std::u16string wanted = Clean(section);
     bool inside = false;
     for (const Line& line : lines_) {
         if (line.kind == LineKind::kHead)
@@ -299,11 +299,11 @@ ProfileFile::Line ProfileFile::ReadLine(std::string_view bytes, std::size_t endL
         line.kind = LineKind::kComment;
     } else if (const auto name = HeadName(trimmed)) {
         line.kind = LineKind::kHead;
-        line.name = *name;
+        line.name = Clean(*name);
     } else if (const std::size_t equals = trimmed.find(u'=');
                equals != std::u16string_view::npos && equals > 0 && trimmed.front() != u'[') {
         line.kind = LineKind::kKey;
-        line.name = Trim(trimmed.substr(0, equals));
+        line.name = Clean(trimmed.substr(0, equals));
         line.value = Trim(trimmed.substr(equals + 1));
     }
     return line;

@@ -85,6 +85,13 @@ TEST(ProfileFile, ASectionNameMayHoldABracketWhenOneEndsTheLine) {
     EXPECT_EQ(Names(Parsed("[a]b]\n[c] ; note\n[open\n[]\n")), "a]b|c||");
 }
 
+TEST(ProfileFile, AZeroInANameCountsAsABlank) {
+    const ProfileFile profile = Parsed("[a\0b]\nk\0y=1\n"sv);
+    EXPECT_EQ(Names(profile), "a b|");
+    EXPECT_TRUE(profile.HasSection(profile.SectionNames().front()));
+    EXPECT_EQ(Value(profile, u"a b", u"k y"), "1");
+}
+
 struct IntCase {
     const char* name;
     std::string_view text;
