@@ -60,8 +60,6 @@ std::u16string DecodeUtf16(std::string_view bytes, bool bigEndian) {
         const auto second = static_cast<unsigned char>(bytes[i + 1]);
         text += static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first);
     }
-    if (bytes.size() % 2 != 0)
-        text += u'\xFFFD';
     return text;
 }
 

@@ -16,7 +16,7 @@ TextEncoding DetectTextEncoding(std::string_view bytes);
 /// The mark that a file of the encoding begins with, empty for none.
 std::string_view TextMark(TextEncoding encoding);
 
-/// Bytes that mean nothing in the encoding become U+FFFD.
+/// Bytes that mean nothing in the encoding become U+FFFD; the odd last byte of UTF-16 text is none.
 std::u16string DecodeText(TextEncoding encoding, std::string_view bytes);
 
 /// Without a mark. An unpaired surrogate becomes U+FFFD, in UTF-16 it stays.

@@ -108,7 +108,7 @@ TEST(TextEncoding, GbFourByteFormsDecode) {
 TEST(TextEncoding, BytesWithoutMeaningBecomeReplacementCharacters) {
     EXPECT_EQ(DecodeText(TextEncoding::kGb18030, "a\xFFz"), u"a\uFFFDz");
     EXPECT_EQ(DecodeText(TextEncoding::kGb18030, "a\x81"), u"a\uFFFD");
-    EXPECT_EQ(DecodeText(TextEncoding::kUtf16Le, "a\0z"sv), u"a\uFFFD");
+    EXPECT_EQ(DecodeText(TextEncoding::kUtf16Le, "a\0z"sv), u"a");
     EXPECT_EQ(DecodeText(TextEncoding::kUtf8Mark, "a\xFFz"), u"a\uFFFDz");
 }
 
@@ -128,6 +128,14 @@ TEST(TextEncoding, LineEndsMayDifferInOneFileAndStay) {
     profile.SetInt(u"s", u"b", 5);
     profile.SetInt(u"s", u"d", 4);
     EXPECT_EQ(profile.ToBytes(), "[s]\r\na=1\nb=5\rc=3\r\nd=4\r\n");
+}
+
+TEST(TextEncoding, HalfAUnitAtTheEndDoesNotChangeTheNameBeforeIt) {
+    ProfileFile profile;
+    profile.Parse("\xFF\xFE[\0a\0]\0]\0x"sv);
+    EXPECT_EQ(profile.SectionNames(), std::vector<std::u16string>{u"a]"});
+    profile.SetInt(u"a]", u"k", 1);
+    EXPECT_EQ(profile.ToBytes(), "\xFF\xFE[\0a\0]\0]\0\n\0k\0=\0\x31\0\n\0"sv);
 }
 
 TEST(TextEncoding, UnreadableBytesBesideAChangedKeyStay) {
