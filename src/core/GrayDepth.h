@@ -14,6 +14,8 @@ class CBaseImage;
 /// that a pixel uses is grey within 5 levels (differences below 5). Pure black-and-white 1-bit
 /// images become 8-bit grey of 0 and 255. Source record, DPI, planes and fields stay. Returns
 /// non-zero when the image is valid afterwards; 0, image unchanged, when empty or without memory.
+/// A transparent index goes to the grey of its entry, or is dropped where another used entry
+/// shares that grey and where the palette goes; the transparent colour then tells it.
 int EnsureGrayOrRgb(CDibImage& image);
 
 /// To 8 bits with the identity grey ramp. Palettes by (601 G + 306 R + 117 B) >> 10; 24-bit pixels
