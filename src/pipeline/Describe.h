@@ -20,6 +20,9 @@ void DescribeRotate(const CParaBlock& block, std::u16string& text);
 void DescribeSplit(const CParaBlock& block, std::u16string& text);
 void DescribeCorrection(const CParaBlock& block, std::u16string& text);
 void DescribeDeskew(const CParaBlock& block, std::u16string& text);
+/// Up to six lines: the cut margins with the search, the DPI, and, as soon as one page parameter
+/// is not at its default, page size, page margins when there are any, alignment, and the rules for
+/// a box that does not fit.
 void DescribeCropAndLayout(const CParaBlock& block, std::u16string& text);
 void DescribeReplaceColor(const CParaBlock& block, std::u16string& text);
 void DescribeSwapChannel(const CParaBlock& block, std::u16string& text);
@@ -46,11 +49,16 @@ void DescribeReduceSize(const CParaBlock& block, std::u16string& text);
 void DescribeSharpen(const CParaBlock& block, std::u16string& text);
 void DescribeAdjustSharpen(const CParaBlock& block, std::u16string& text);
 void DescribeUsm(const CParaBlock& block, std::u16string& text);
+/// One line: the depth, then behind ", " what applies to it. Dithering where colours are reduced;
+/// the palette maker where its choice has a say; transparency where a palette can remain; for black
+/// and white the dither method, or with dithering off the threshold method, the window of a local
+/// threshold, and each cleaning that is on: "色彩数: 纯黑白, 阀值算法: Wolf, 窗口尺寸: 50".
 void DescribeColorReduction(const CParaBlock& block, std::u16string& text);
 /// For steps whose settings another step's lines tell.
 void DescribeNothing(const CParaBlock& block, std::u16string& text);
 
-/// What the file is written with, after the last step.
+/// What the file is written with, after the last step, where it differs from the defaults: JPEG
+/// quality, JPEG details on one line ("=FALSE" behind what is switched off), JPEG 2000 ratio.
 void DescribeOutput(const CParaBlock& block, std::u16string& text);
 
 }  // namespace velloran
