@@ -2,7 +2,6 @@
 // the same look-up and for counting and look-up.
 
 #include <benchmark/benchmark.h>
-#include <omp.h>
 
 #include <cstring>
 #include <opencv2/core.hpp>
@@ -14,6 +13,10 @@
 #include "tone/PixelMap.h"
 #include "tone/PixelMapRows.h"
 
+#ifdef _OPENMP
+#include <omp.h>
+#endif
+
 namespace velloran::bench {
 namespace {
 
@@ -23,19 +26,33 @@ constexpr int kColorBits = 24, kGrayBits = 8;
 class ThreadCount {
  public:
     explicit ThreadCount(std::int64_t threads) {
-        omp_set_num_threads(static_cast<int>(threads));
+        SetOurs(static_cast<int>(threads));
         cv::setNumThreads(static_cast<int>(threads));
     }
     ~ThreadCount() {
-        omp_set_num_threads(before_);
-        cv::setNumThreads(beforeOpenCv_);
+        SetOurs(ours_);
+        cv::setNumThreads(openCv_);
     }
     ThreadCount(const ThreadCount&) = delete;
     ThreadCount& operator=(const ThreadCount&) = delete;
 
  private:
-    int before_ = omp_get_max_threads();
-    int beforeOpenCv_ = cv::getNumThreads();
+#ifdef _OPENMP
+    static int Ours() {
+        return omp_get_max_threads();
+    }
+    static void SetOurs(int threads) {
+        omp_set_num_threads(threads);
+    }
+#else
+    static int Ours() {
+        return 1;
+    }
+    static void SetOurs(int) {}
+#endif
+
+    int ours_ = Ours();
+    int openCv_ = cv::getNumThreads();
 };
 
 PixelMap SampleMap() {
