@@ -151,18 +151,16 @@ void DrawRain(ComicPen& pen, const Box& panel, Random& random) {
     pen.Object(road, {0.12, 0.2, 0.1, 0.1});
     for (const double side : {-1.0, 1.0})
         for (int house = 0; house < 4; ++house) {
-            const double near = 0.06 + 0.13 * (3 - house), far = 0.06 + 0.13 * (4 - house);
             // Far houses first, so that near ones hide them.
-            const double inner = house == 0 ? far : near;
+            const double reach = 0.19 + 0.13 * house;
             const auto corner = [&](double distance, double rise) {
                 return frame.At(meet + side * distance, 0.5 + rise * distance);
             };
-            (void)inner;
-            pen.Object({corner(far, 0.55), corner(far + 0.14, 0.6),
-                        corner(far + 0.14, -1.25 - 0.2 * (house % 2)), corner(far, -1.25)},
+            pen.Object({corner(reach, 0.55), corner(reach + 0.14, 0.6),
+                        corner(reach + 0.14, -1.25 - 0.2 * (house % 2)), corner(reach, -1.25)},
                        {0.2 + 0.15 * (house % 2), 0.3, 0.2 + 0.2 * (house % 2), 0.3});
-            pen.Solid({corner(far + 0.03, 0.1), corner(far + 0.08, 0.1), corner(far + 0.08, -0.4),
-                       corner(far + 0.03, -0.4)});
+            pen.Solid({corner(reach + 0.03, 0.1), corner(reach + 0.08, 0.1),
+                       corner(reach + 0.08, -0.4), corner(reach + 0.03, -0.4)});
         }
     DrawWalker(pen, frame.At(meet + random.Between(-0.1, 0.1), 0.95), frame.Size() * 0.45, true);
     for (int i = 0; i < 90; ++i) {
