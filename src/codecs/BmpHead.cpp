@@ -125,10 +125,8 @@ std::string ReadCoding(const Reader& file, const RawHead& raw, BmpHead& head) {
         return "unknown compression";
     if (raw.bitCount == 16)
         SetFields({0x7C00, 0x03E0, 0x001F, 0}, head);
-    if (raw.bitCount == 32) {
+    if (raw.bitCount == 32)
         SetFields({0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000}, head);
-        head.mayHoldAlpha = true;
-    }
     return {};
 }
 

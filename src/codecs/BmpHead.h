@@ -36,7 +36,6 @@ struct BmpHead {
     int bitsPerPixel = 0;  // 1, 2, 4, 8, 16, 24, 32
     BmpCoding coding = BmpCoding::kPlain;
     BmpField red, green, blue, alpha;  // at 16 and 32 bits
-    bool mayHoldAlpha = false;         // 32 bits whose last byte is told by nobody
     int paletteCount = 0;              // entries that the file holds
     std::array<PaletteEntry, 256> palette{};
     int xDpi = 96, yDpi = 96;

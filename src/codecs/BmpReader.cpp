@@ -5,11 +5,13 @@
 #include "codecs/Bmp.h"
 #include "codecs/BmpHead.h"
 #include "codecs/BmpRle.h"
+#include "codecs/DecodedPage.h"
 #include "core/DibImage.h"
-#include "core/MappedFile.h"
 
 namespace velloran {
 namespace {
+
+constexpr std::int64_t kMaxRatio = 128;  // run codes tell 255 pixels in two bytes
 
 std::uint8_t* RowInFileOrder(const BmpHead& head, CDibImage& image, int y) {
     return image.GetBits(head.topDown ? head.height - 1 - y : y);
@@ -29,11 +31,7 @@ std::size_t UsedBytes(int width, int bits) {
 std::uint8_t LightestByte(const BmpHead& head, int bits) {
     if (bits == 24)
         return 255;
-    const auto sum = [](const PaletteEntry& e) { return e.red + e.green + e.blue; };
-    const auto first = head.palette.begin(), last = first + (1 << std::min(bits, 8));
-    const auto lightest = std::max_element(
-        first, last, [&](const PaletteEntry& a, const PaletteEntry& b) { return sum(a) < sum(b); });
-    const auto index = static_cast<int>(lightest - first);
+    const int index = NearestToWhite(std::span(head.palette).first(std::size_t{1} << bits));
     return static_cast<std::uint8_t>(bits == 1 ? index * 0xFF : bits == 4 ? index * 0x11 : index);
 }
 
@@ -85,15 +83,14 @@ std::uint8_t AlphaByte(const BmpField& field, std::uint32_t pixel) {
     return static_cast<std::uint8_t>(std::uint64_t{field.ValueOf(pixel)} * 255 / most);
 }
 
-/// Alpha counts only where it says something: a plane of zeros is a writer's that left the byte
-/// alone, one of 255 says nothing.
+/// A plane of zeros is a writer's that left the byte alone, and is no alpha.
 void ReadAlpha(const BmpHead& head, std::span<const std::uint8_t> pixels, int rows,
                CDibImage& image) {
     const int bytes = head.bitsPerPixel / 8;
     const std::size_t stride = FileStride(head);
     if (!image.CreateAlpha())
         throw std::bad_alloc();
-    bool anyVisible = false, anyClear = false;
+    bool anyVisible = false;
     for (int y = 0; y < rows; ++y) {
         const std::uint8_t* from = &pixels[stride * static_cast<std::size_t>(y)];
         const int row = head.topDown ? head.height - 1 - y : y;
@@ -101,24 +98,10 @@ void ReadAlpha(const BmpHead& head, std::span<const std::uint8_t> pixels, int ro
         for (int x = 0; x < head.width; ++x) {
             alpha[x] = AlphaByte(head.alpha, PixelAt(from, x, bytes));
             anyVisible |= alpha[x] != 0;
-            anyClear |= alpha[x] != 255;
         }
     }
-    if (!anyVisible || !anyClear)
+    if (!anyVisible)
         image.DeleteAlpha();
-}
-
-/// Bytes and bits behind the last pixel of each row become 0.
-void ClearPadding(CDibImage& image) {
-    const int bits = image.GetBpp();
-    const std::size_t used = UsedBytes(image.GetWidth(), bits);
-    const int spareBits = static_cast<int>(used * 8 - static_cast<std::size_t>(image.GetWidth()) *
-                                                          static_cast<std::size_t>(bits));
-    for (int y = 0; y < image.GetHeight(); ++y) {
-        std::uint8_t* row = image.GetBits(y);
-        row[used - 1] = static_cast<std::uint8_t>(row[used - 1] & 0xFF << spareBits);
-        std::fill(row + used, row + image.GetEffWidth(), std::uint8_t{0});
-    }
 }
 
 /// Returns the count of rows that the file holds whole.
@@ -149,6 +132,11 @@ bool Load(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* erro
     if (pixels.empty())
         return FailContent(error, "no pixels");
 
+    const std::int64_t rowBytes = EffectiveWidth(static_cast<std::uint64_t>(head.width),
+                                                 static_cast<std::uint64_t>(BitsInMemory(head)));
+    if (!IsPlausibleSize(rowBytes * head.height, bytes.size(), kMaxRatio))
+        return FailContent(error, "picture too large for its file");
+
     CDibImage loaded;
     if (loaded.Create(head.width, head.height, BitsInMemory(head)) == nullptr)
         throw std::bad_alloc();
@@ -160,38 +148,29 @@ bool Load(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* erro
     const std::uint8_t white = LightestByte(head, loaded.GetBpp());
     for (int y = rows; y < head.height; ++y)
         std::memset(RowInFileOrder(head, loaded, y), white, loaded.GetEffWidth());
-    ClearPadding(loaded);
-    loaded.SetXDpi(head.xDpi);
-    loaded.SetYDpi(head.yDpi);
-
-    image = std::move(loaded);
-    image.Source().sourceColours = static_cast<std::uint32_t>(head.bitsPerPixel);
-    image.Source().sourceFlag = static_cast<std::uint32_t>(head.xDpi);
+    HandOver(loaded, head.bitsPerPixel, head.xDpi, head.yDpi, image);
     return true;
 }
 
 }  // namespace
 
-bool LoadBmpBytes(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* error) try {
-    return Load(bytes, image, error);
-} catch (const std::bad_alloc&) {
-    return FailContent(error, "out of memory");
+bool LoadBmpBytes(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* error) {
+    return FailWhenOutOfMemory(error, [&] { return Load(bytes, image, error); });
 }
 
 bool LoadBmp(const std::filesystem::path& path, CDibImage& image, FileError* error) {
-    MappedFile file;
-    return file.Open(path, error) && LoadBmpBytes(file.Bytes(), image, error);
+    return LoadMapped(path, image, error, LoadBmpBytes);
 }
 
-bool ReadBmpInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error) try {
-    BmpHead head;
-    if (std::string reason = ReadBmpHead(bytes, head); !reason.empty())
-        return FailContent(error, std::move(reason));
-    info = {head.width, head.height, head.bitsPerPixel,    head.paletteCount,
-            head.xDpi,  head.yDpi,   head.IsIdentityGray()};
-    return true;
-} catch (const std::bad_alloc&) {
-    return FailContent(error, "out of memory");
+bool ReadBmpInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error) {
+    return FailWhenOutOfMemory(error, [&] {
+        BmpHead head;
+        if (std::string reason = ReadBmpHead(bytes, head); !reason.empty())
+            return FailContent(error, std::move(reason));
+        info = {head.width, head.height, head.bitsPerPixel,    head.paletteCount,
+                head.xDpi,  head.yDpi,   head.IsIdentityGray()};
+        return true;
+    });
 }
 
 }  // namespace velloran

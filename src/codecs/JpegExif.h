@@ -31,7 +31,7 @@ PageDpi ApplyExifResolution(const ExifFacts& exif, PageDpi head);
 bool SwapsSides(int orientation);
 
 /// Turns an image of 8 or 24 bits that was stored in orientation 2..8 upright; others stay.
-/// DPI values stay as they are. Throws std::bad_alloc.
+/// Row padding and DPI are not looked after. Throws std::bad_alloc.
 void TurnUpright(CDibImage& image, int orientation);
 
 }  // namespace velloran

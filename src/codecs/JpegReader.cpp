@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "codecs/Cmyk.h"
+#include "codecs/DecodedPage.h"
 #include "codecs/Jpeg.h"
 #include "codecs/JpegDecoder.h"
 #include "codecs/JpegExif.h"
@@ -27,30 +29,24 @@ int BitsInMemory(const jpeg_decompress_struct& head) {
     return head.num_components == 1 ? 8 : 24;
 }
 
-void RequireSupported(const jpeg_decompress_struct& head) {
+/// A picture of nothing but paper, 4:1:0, holds about 1200 bytes in one of the file.
+constexpr std::int64_t kMaxRatio = 2000;
+
+void RequireSupported(const jpeg_decompress_struct& head, std::size_t fileBytes) {
     if (head.num_components != 1 && head.num_components != 3 && head.num_components != 4)
         throw CNewJPEGException("Unsupported count of components");
     if (!IsAcceptableSize(head.image_width, head.image_height, BitsInMemory(head)))
         throw CNewJPEGException("Picture too large");
-}
-
-/// White where the data does not reach; zero in the padding.
-void CompleteRows(CDibImage& image, int rowsPresent) {
-    const int height = image.GetHeight();
-    const std::size_t used = static_cast<std::size_t>(image.GetWidth()) * image.GetBpp() / 8;
-    for (int y = 0; y < height; ++y) {
-        std::uint8_t* row = image.GetBits(height - 1 - y);
-        if (y >= rowsPresent)
-            std::fill(row, row + used, std::uint8_t{255});
-        std::fill(row + used, row + image.GetEffWidth(), std::uint8_t{0});
-    }
+    const std::int64_t pixels = std::int64_t{head.image_width} * head.image_height;
+    if (!IsPlausibleSize(pixels * (BitsInMemory(head) / 8), fileBytes, kMaxRatio))
+        throw CNewJPEGException("Picture too large for its file");
 }
 
 void DecodePlain(JpegDecoder& decoder, CDibImage& image) {
     const int height = image.GetHeight();
     std::vector<JSAMPROW> rows(static_cast<std::size_t>(height));
     for (int y = 0; y < height; ++y)
-        rows[static_cast<std::size_t>(y)] = image.GetBits(height - 1 - y);
+        rows[static_cast<std::size_t>(y)] = RowFromTop(image, y);
     decoder.Start(image.GetBpp() == 8 ? JCS_GRAYSCALE : JCS_EXT_BGR);
     decoder.ReadRows(rows);
 }
@@ -69,8 +65,8 @@ void DecodeCmyk(JpegDecoder& decoder, CDibImage& image, bool invert) {
             break;
 #pragma omp parallel for schedule(static)
         for (int y = 0; y < count; ++y)
-            ConvertCmykRow(rows[static_cast<std::size_t>(y)], image.GetBits(height - 1 - top - y),
-                           width, invert);
+            ConvertCmykRow(rows[static_cast<std::size_t>(y)], RowFromTop(image, top + y), width,
+                           invert);
         top += count;
     }
 }
@@ -79,7 +75,7 @@ void Decode(std::span<const std::uint8_t> bytes, bool reverseCmyk, CDibImage& im
     JpegDecoder decoder(bytes);
     decoder.ReadHead();
     const jpeg_decompress_struct& head = decoder.Head();
-    RequireSupported(head);
+    RequireSupported(head, bytes.size());
     CDibImage decoded;
     if (decoded.Create(static_cast<int>(head.image_width), static_cast<int>(head.image_height),
                        BitsInMemory(head)) == nullptr)
@@ -90,18 +86,13 @@ void Decode(std::span<const std::uint8_t> bytes, bool reverseCmyk, CDibImage& im
         DecodeCmyk(decoder, decoded, (head.saw_Adobe_marker != 0) != reverseCmyk);
     else
         DecodePlain(decoder, decoded);
-    CompleteRows(decoded, decoder.RowsPresent());
+    WhitenRows(decoded, decoder.RowsPresent());
 
     const int headDpi = HeadDpi(head);
     const ExifFacts exif = ReadExifFacts(decoder.Exif());
     const PageDpi dpi = ApplyExifResolution(exif, {headDpi, headDpi});
-    decoded.SetXDpi(dpi.x);
-    decoded.SetYDpi(dpi.y);
     TurnUpright(decoded, exif.orientation);
-
-    image = std::move(decoded);
-    image.Source().sourceColours = static_cast<std::uint32_t>(head.num_components) * 8;
-    image.Source().sourceFlag = static_cast<std::uint32_t>(image.GetXDpi());
+    HandOver(decoded, head.num_components * 8, dpi.x, dpi.y, image);
 }
 
 /// A file that ends inside a marker segment, behind some of its scans, shows what came before.
@@ -116,17 +107,16 @@ void DecodeWhatIsWhole(std::span<const std::uint8_t> bytes, bool reverseCmyk, CD
     }
 }
 
-/// Runs a reader and turns what it throws into the reason for the caller.
+/// Runs a reader, which returns bool or throws, and turns what it throws into the reason.
 template <typename Work>
-bool ReportFailure(FileError* error, Work work) try {
-    try {
-        work();
-        return true;
-    } catch (const CNewJPEGException& reason) {
-        return FailContent(error, reason.what());
-    }
-} catch (const std::bad_alloc&) {
-    return FailContent(error, "out of memory");
+bool ReportFailure(FileError* error, Work work) {
+    return FailWhenOutOfMemory(error, [&] {
+        try {
+            return work();
+        } catch (const CNewJPEGException& reason) {
+            return FailContent(error, reason.what());
+        }
+    });
 }
 
 void RequireBytes(std::span<const std::uint8_t> bytes, std::size_t least) {
@@ -151,7 +141,7 @@ void ReadInfo(std::span<const std::uint8_t> bytes, ImageInfo& info) {
     JpegDecoder decoder(bytes);
     decoder.ReadHead();
     const jpeg_decompress_struct& head = decoder.Head();
-    RequireSupported(head);
+    RequireSupported(head, bytes.size());
     const ExifFacts exif = ReadExifFacts(decoder.Exif());
     const int headDpi = HeadDpi(head);
     const PageDpi dpi = ApplyExifResolution(exif, {headDpi, headDpi});
@@ -173,22 +163,27 @@ bool LoadJpegBytes(std::span<const std::uint8_t> bytes, CDibImage& image, bool r
     return ReportFailure(error, [&] {
         RequireBytes(bytes, kLeastBytes);
         DecodeWhatIsWhole(bytes, reverseCmyk, image);
+        return true;
     });
 }
 
 bool LoadJpeg(const std::filesystem::path& path, CDibImage& image, bool reverseCmyk,
               FileError* error) {
-    MappedFile file;
-    return file.Open(path, error) && LoadJpegBytes(file.Bytes(), image, reverseCmyk, error);
+    return ReportFailure(error, [&] {
+        MappedFile file;
+        return file.Open(path, error) && LoadJpegBytes(file.Bytes(), image, reverseCmyk, error);
+    });
 }
 
 bool LoadUfo(const std::filesystem::path& path, CDibImage& image, bool reverseCmyk,
              FileError* error) {
-    MappedFile file;
-    if (!file.Open(path, error))
-        return false;
-    return ReportFailure(error,
-                         [&] { DecodeWhatIsWhole(RepairedUfo(file.Bytes()), reverseCmyk, image); });
+    return ReportFailure(error, [&] {
+        MappedFile file;
+        if (!file.Open(path, error))
+            return false;
+        DecodeWhatIsWhole(RepairedUfo(file.Bytes()), reverseCmyk, image);
+        return true;
+    });
 }
 
 bool ReadJpegHeader(std::span<const std::uint8_t> bytes, int& outBits, int& outDpi) {
@@ -198,6 +193,7 @@ bool ReadJpegHeader(std::span<const std::uint8_t> bytes, int& outBits, int& outD
         decoder.ReadHead();
         outBits = decoder.Head().num_components * 8;
         outDpi = HeadDpi(decoder.Head());
+        return true;
     });
 }
 
@@ -205,11 +201,15 @@ bool ReadJpegInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileErro
     return ReportFailure(error, [&] {
         RequireBytes(bytes, kLeastBytes);
         ReadInfo(bytes, info);
+        return true;
     });
 }
 
 bool ReadUfoInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error) {
-    return ReportFailure(error, [&] { ReadInfo(RepairedUfo(bytes), info); });
+    return ReportFailure(error, [&] {
+        ReadInfo(RepairedUfo(bytes), info);
+        return true;
+    });
 }
 
 }  // namespace velloran

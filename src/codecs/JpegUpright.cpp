@@ -34,12 +34,6 @@ void ExchangeRows(PlaneView pixels) {
     }
 }
 
-void ClearPadding(CDibImage& image) {
-    const std::size_t used = static_cast<std::size_t>(image.GetWidth()) * image.GetBpp() / 8;
-    for (int y = 0; y < image.GetHeight(); ++y)
-        std::fill(image.GetBits(y) + used, image.GetBits(y) + image.GetEffWidth(), std::uint8_t{0});
-}
-
 void TurnSideways(CDibImage& image, int orientation) {
     CDibImage turned;
     if (turned.Create(image.GetHeight(), image.GetWidth(), image.GetBpp()) == nullptr)
@@ -54,9 +48,6 @@ void TurnSideways(CDibImage& image, int orientation) {
     const PlaneView target = upsideDown ? ViewOf(turned) : TopDownViewOf(turned);
     TransposePixels({source.first, source.width, source.height, source.stride}, image.GetBpp(),
                     target.first, target.stride);
-    ClearPadding(turned);
-    turned.SetXDpi(image.GetXDpi());
-    turned.SetYDpi(image.GetYDpi());
     image = std::move(turned);
 }
 
