@@ -1,0 +1,30 @@
+#pragma once
+
+// How many threads a parallel loop may use, and which one runs: for scratch that each thread holds
+// for itself, made before the loop.
+
+#ifdef _OPENMP
+#include <omp.h>
+#endif
+
+namespace velloran {
+
+/// At least 1.
+inline int MaxThreads() {
+#ifdef _OPENMP
+    return omp_get_max_threads();
+#else
+    return 1;
+#endif
+}
+
+/// 0 <= number < MaxThreads().
+inline int ThreadNumber() {
+#ifdef _OPENMP
+    return omp_get_thread_num();
+#else
+    return 0;
+#endif
+}
+
+}  // namespace velloran

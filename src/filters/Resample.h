@@ -1,0 +1,23 @@
+#pragma once
+
+// Scaling of the working image.
+
+namespace velloran {
+
+class CDibImage;
+
+/// To a new size in place: area averaging where both sides shrink, else three-lobe Lanczos. A
+/// pure black-and-white image that shrinks stays at its depth, and so does a depth below 8 with
+/// `keepBits`; other palettes become grey or colour first. Alpha is scaled with it, resolutions
+/// stay. An equal size is done at once; 0, image unchanged, for an empty image, a side below 1 or
+/// no memory.
+int ResizeTo(CDibImage& image, int width, int height, bool keepBits = false);
+
+/// The same with linear interpolation both ways; 8 and 24 bits.
+int ResizeToLinear(CDibImage& image, int width, int height);
+
+/// Keeps 1-bit and 4-bit images at their depth: a shrunken bilevel pixel takes the tone that most
+/// of its area has, a palette index the one that covers most of it.
+int ReduceBilevelAware(CDibImage& image, int width, int height, bool keepBits = false);
+
+}  // namespace velloran
