@@ -3,12 +3,12 @@
 
 SRC ?=
 TGT ?= out/pages
-ARGS ?= -s PARA_AUTO_LEVELS=1 -s PARA_CONTRAST=110 --ext jpg
+ARGS ?= -s PARA_AUTO_LEVELS=1 -s PARA_CONTRAST=120 -s PARA_HIGHLIGHT=125 --ext jpg
 JOBS ?= $(shell nproc)
 SECONDS_EACH ?= 60
 PREFIX ?= /usr/local
 
-.PHONY: all run test asan tsan bench fuzz format lint install clean setup
+.PHONY: all run test asan tsan bench fuzz format lint install pictures clean setup
 .DEFAULT_GOAL := all
 
 setup:
@@ -62,6 +62,10 @@ lint: build/release/build.ninja
 
 install: all
 	@cmake --install build/release --prefix $(PREFIX)
+
+## The README's pictures.
+pictures: all
+	@tools/make-pictures build/release
 
 clean:
 	rm -rf build out
