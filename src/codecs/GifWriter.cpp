@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <span>
 
 #include "codecs/DecodedPage.h"
 #include "codecs/GifPalette.h"
@@ -84,8 +85,10 @@ MapPointer MakeMap(const std::vector<PaletteEntry>& colors) {
     return map;
 }
 
+/// `line` is scratch of the frame's width; nothing here may throw while giflib's file is open.
 bool PutPicture(GifFileType* gif, const GifPicture& picture, const GifFrame& frame,
-                bool transparentBackground, const ColorMapObject* map) {
+                bool transparentBackground, const ColorMapObject* map,
+                std::span<GifPixelType> line) {
     const int first = picture.indices[0];
     EGifSetGifVersion(gif, true);
     if (EGifPutScreenDesc(gif, picture.width, picture.height, map->BitsPerPixel, first, map) !=
@@ -101,7 +104,6 @@ bool PutPicture(GifFileType* gif, const GifPicture& picture, const GifFrame& fra
         EGifPutImageDesc(gif, frame.left, frame.top, frame.width, frame.height, false, nullptr) !=
             GIF_OK)
         return false;
-    std::vector<GifPixelType> line(static_cast<std::size_t>(frame.width));
     for (int y = 0; y < frame.height; ++y) {
         // giflib masks the line that it is given, so it gets a copy.
         const std::uint8_t* row = picture.indices.data() +
@@ -155,12 +157,13 @@ GifFrame TightFrameOf(const GifPicture& picture) {
 bool WriteGif(const GifPicture& picture, const GifFrame& frame, bool transparentBackground,
               AtomicFile& file, FileError* error) {
     const MapPointer map = MakeMap(picture.colors);
+    std::vector<GifPixelType> line(static_cast<std::size_t>(frame.width));
     GifSink sink{&file};
     int code = 0;
     GifFileType* gif = map != nullptr ? EGifOpen(&sink, WriteBytes, &code) : nullptr;
     if (gif == nullptr)
         return FailContent(error, "out of memory");
-    bool done = PutPicture(gif, picture, frame, transparentBackground, map.get());
+    bool done = PutPicture(gif, picture, frame, transparentBackground, map.get(), line);
     code = gif->Error;
     int closeCode = 0;
     if (EGifCloseFile(gif, &closeCode) != GIF_OK && done) {
