@@ -82,7 +82,7 @@ TEST_P(DetectedByHead, WithoutRegardToTheName) {
     EXPECT_EQ(DetectFileType(folder / "file.gif", 0), kTypeGif);
 }
 INSTANTIATE_TEST_SUITE_P(FileType, DetectedByHead, testing::ValuesIn(kHeadCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& c) { return std::string(c.param.name); });
 
 struct ExtensionCase {
     const char* extension;

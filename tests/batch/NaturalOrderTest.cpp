@@ -80,9 +80,11 @@ TEST(NaturalOrder, IsATotalOrderOverOddNames) {
         for (const auto& b : names) {
             EXPECT_EQ(Sign(CompareNatural(a, b)), -Sign(CompareNatural(b, a))) << a << " " << b;
             EXPECT_EQ(CompareNatural(a, b) == 0, a == b) << a << " " << b;
-            for (const auto& c : names)
-                if (CompareNatural(a, b) < 0 && CompareNatural(b, c) < 0)
+            for (const auto& c : names) {
+                if (CompareNatural(a, b) < 0 && CompareNatural(b, c) < 0) {
                     EXPECT_LT(CompareNatural(a, c), 0) << a << " " << b << " " << c;
+                }
+            }
         }
 }
 

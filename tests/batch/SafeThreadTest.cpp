@@ -18,7 +18,7 @@ constexpr auto kLong = 60s;
 /// Tells that it has begun, then sleeps until it is asked to end.
 struct Sleeper {
     CSafeThread& thread;
-    CManualEvent begun;
+    CManualEvent begun{};
     std::atomic<int> runs{0};
 
     CSafeThread::Procedure Procedure() {
