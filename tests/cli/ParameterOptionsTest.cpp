@@ -1,0 +1,133 @@
+#include "cli/ParameterOptions.h"
+
+#include <gtest/gtest.h>
+
+#include "cli/Arguments.h"
+#include "cli/Console.h"
+#include "core/ParaTable.h"
+
+namespace velloran::cli {
+namespace {
+
+struct ValueCase {
+    const char* name;
+    std::string text;
+    std::optional<std::int32_t> value;
+};
+void PrintTo(const ValueCase& c, std::ostream* out) {
+    *out << c.name;
+}
+class ParameterValue : public testing::TestWithParam<ValueCase> {};
+
+TEST_P(ParameterValue, IsReadOrRefused) {
+    std::string problem;
+    const auto setting = ParseParameterSetting("PARA_DPI=" + GetParam().text, problem);
+    EXPECT_EQ(setting.has_value(), GetParam().value.has_value());
+    EXPECT_EQ(problem.empty(), GetParam().value.has_value());
+    if (setting && GetParam().value) {
+        EXPECT_EQ(setting->index, PARA_DPI);
+        EXPECT_EQ(setting->value, *GetParam().value);
+    }
+}
+
+const ValueCase kValueCases[] = {
+    {"Decimal", "120", 120},
+    {"Zero", "0", 0},
+    {"Negative", "-1", -1},
+    {"LeastDecimal", "-2147483648", INT32_MIN},
+    {"GreatestDecimal", "2147483647", INT32_MAX},
+    {"TooGreat", "2147483648", std::nullopt},
+    {"FarTooGreat", "99999999999999999999", std::nullopt},
+    {"Hexadecimal", "0x10", 16},
+    {"HexadecimalIs32Bits", "0xFFFFFFFF", -1},
+    {"HexadecimalOf33Bits", "0x100000000", std::nullopt},
+    {"HexadecimalWithoutDigits", "0x", std::nullopt},
+    {"Empty", "", std::nullopt},
+    {"SignAlone", "-", std::nullopt},
+    {"Letters", "abc", std::nullopt},
+    {"TrailingLetter", "1x", std::nullopt},
+    {"LeadingBlank", " 1", std::nullopt},
+    {"Fraction", "1.5", std::nullopt},
+};
+INSTANTIATE_TEST_SUITE_P(ParameterOptions, ParameterValue, testing::ValuesIn(kValueCases),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(ParameterOptions, NamesAreExact) {
+    std::string problem;
+    EXPECT_TRUE(ParseParameterSetting("JPG_PROGRESSIVE=0", problem));
+    for (const char* text : {"para_dpi=1", "DPI=1", "=1", "", "PARA_DPI", " PARA_DPI=1"}) {
+        problem.clear();
+        EXPECT_FALSE(ParseParameterSetting(text, problem)) << text;
+        EXPECT_NE(problem, "") << text;
+    }
+}
+
+TEST(ParameterOptions, WarnsOfWhatTheTableDoesNotAllow) {
+    EXPECT_EQ(RangeWarning(PARA_CONTRAST, 0), "");
+    EXPECT_EQ(RangeWarning(PARA_CONTRAST, 200), "");
+    EXPECT_EQ(RangeWarning(PARA_CONTRAST, 201), "PARA_CONTRAST=201 is outside its range 0..200");
+    EXPECT_EQ(RangeWarning(PARA_CONTRAST, -1), "PARA_CONTRAST=-1 is outside its range 0..200");
+    EXPECT_EQ(RangeWarning(PARA_LEVELS_LIGHT, INT32_MIN), "") << "it has no range";
+}
+
+TEST(ParameterOptions, ASettingIsReadAsOneFileFirstThenFromItsLastDivider) {
+    const std::vector<SettingPlace> readings = ReadingsOfSetting("a#b#c");
+    const std::vector<SettingPlace> expected = {
+        {"a#b#c", std::nullopt}, {"a#b", "c"}, {"a", "b#c"}};
+    EXPECT_EQ(readings, expected);
+    EXPECT_EQ(ReadingsOfSetting("a.ini").size(), 1U);
+    EXPECT_EQ(ReadingsOfSetting("#x").size(), 1U) << "no file before the divider";
+}
+
+TEST(ParameterOptions, SectionNamesMustBeFoundAgain) {
+    for (const char* name : {"a", "a b", "老书", "[x", "a#b"})
+        EXPECT_TRUE(IsSectionName(name)) << name;
+    for (const char* name : {"", " a", "a ", "a]b", "a\nb", "a\r"})
+        EXPECT_FALSE(IsSectionName(name)) << name;
+}
+
+TEST(ParameterOptions, PathListsAreLinesOrNulSeparated) {
+    using Paths = std::vector<std::string>;
+    EXPECT_EQ(SplitPathList("a\r\nb c\n\nd", false), (Paths{"a", "b c", "d"}));
+    EXPECT_EQ(SplitPathList("\xEF\xBB\xBF"
+                            "a\n",
+                            false),
+              Paths{"a"});
+    EXPECT_EQ(SplitPathList(std::string_view("a\nb\0\0c\r\0", 8), true), (Paths{"a\nb", "c\r"}));
+    EXPECT_EQ(SplitPathList("", false), Paths{});
+    EXPECT_EQ(SplitPathList("\n\n\r\n", false), Paths{});
+}
+
+TEST(ParameterOptions, ExtensionsStandInListOrder) {
+    EXPECT_EQ(ExtensionPosition("auto"), 0);
+    EXPECT_EQ(ExtensionPosition("JPG"), 1);
+    EXPECT_EQ(ExtensionPosition("webp"), 7);
+    for (const char* text : {"", ".jpg", "jpeg", "tiff"})
+        EXPECT_EQ(ExtensionPosition(text), std::nullopt) << text;
+}
+
+TEST(Arguments, ComeBackAsTheyWereTyped) {
+    const char* words[] = {"velloran", "[a]", "++", "{}", "%%", "\x01\x01", "", "-s", "x=[1]"};
+    const std::vector<std::string> back = Unguard(GuardArguments(9, words));
+    for (std::size_t i = 0; i < back.size(); ++i)
+        EXPECT_EQ(back[i], words[i + 1]);
+}
+
+TEST(ProgressText, TellsDoneTotalRateTimeLeftAndPath) {
+    EXPECT_EQ(BarText({10, 40, 5.0, "a/b.png"}, 0),
+              "[#####...............] 10/40 2.0/s, 0:15 left a/b.png");
+    EXPECT_EQ(BarText({0, 40, 0.0, ""}, 0), "[....................] 0/40");
+    EXPECT_EQ(BarText({1, 7201, 1.0, ""}, 0), "[....................] 1/7201 1.0/s, 2:00:00 left");
+}
+
+TEST(ProgressText, ALongPathLosesItsFront) {
+    // 34 columns stand before the path; six are left, of which wide characters take two each.
+    const std::string whole = BarText({1, 2, 1.0, ""}, 0);
+    const std::size_t columns = whole.size() + 2 + 6;
+    EXPECT_EQ(BarText({1, 2, 1.0, "folder/page01"}, columns), whole + " page01");
+    EXPECT_EQ(BarText({1, 2, 1.0, "甲乙丙丁"}, columns), whole + " 乙丙丁");
+    EXPECT_EQ(BarText({1, 2, 1.0, "x甲乙丙丁"}, columns - 1), whole + " 丙丁");
+}
+
+}  // namespace
+}  // namespace velloran::cli

@@ -1,0 +1,169 @@
+// describe, params, info and detect: commands that write nothing but their answer.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <nlohmann/json.hpp>
+
+#include "RunProgram.h"
+#include "support/TempFolder.h"
+
+namespace velloran::test {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::vector<std::string> KeysOf(const Json& object) {
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : object.items())
+        keys.push_back(key);
+    return keys;
+}
+
+TEST(Describe, EndsItsLinesInLineFeedsAlone) {
+    const Outcome outcome = RunProgram({"describe", "-s", "PARA_CONTRAST=120"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out.find('\r'), std::string::npos);
+    EXPECT_EQ(LinesOf(outcome.out).front(), "对比度: 120");
+    EXPECT_EQ(outcome.out.back(), '\n');
+}
+
+TEST(Describe, LaterOptionsWin) {
+    const Outcome outcome =
+        RunProgram({"describe", "-s", "PARA_GAMMA=1", "--set", "PARA_GAMMA=130"});
+    EXPECT_EQ(LinesOf(outcome.out).front(), "Gamma校正: 130");
+}
+
+TEST(Describe, CropSummaryIsOneLine) {
+    const Outcome outcome = RunProgram({"describe", "--crop-summary", "-s",
+                                        "PARA_CROPPING_P_LEFT=15", "-s", "PARA_FIND_CNT_BOX=1"});
+    EXPECT_EQ(outcome.out, "左1.5%, 自动裁边\n");
+}
+
+TEST(Params, ListsAll134InOrder) {
+    const std::vector<std::string> lines = LinesOf(RunProgram({"params"}).out);
+    ASSERT_EQ(lines.size(), 134U);
+    EXPECT_EQ(lines[0].substr(0, 28), "0\tPARA_BRIGHTNESS\t100\t0..200");
+    EXPECT_EQ(lines[133].substr(0, 26), "133\tJPG_PROGRESSIVE\t1\t0..1");
+}
+
+TEST(Params, JsonHasTheSevenKeys) {
+    const Json all = Json::parse(RunProgram({"params", "--json"}).out);
+    ASSERT_EQ(all.size(), 134U);
+    const std::vector<std::string> keys = {"index", "name", "default", "min",
+                                           "max",   "list", "meaning"};
+    for (const Json& row : all)
+        EXPECT_EQ(KeysOf(row), keys);
+    EXPECT_EQ(all[6]["name"], "PARA_QUALITY");
+    EXPECT_EQ(all[6]["default"], 70);
+    EXPECT_EQ(all[6]["min"], 10);
+    EXPECT_EQ(all[6]["max"], 100);
+    EXPECT_TRUE(all[6]["list"].is_null());
+    EXPECT_EQ(all[96]["default"], -1);
+    EXPECT_TRUE(all[96]["min"].is_null());
+    EXPECT_EQ(all[48]["list"], Json({"(无)", "左旋", "右旋", "颠倒", "镜像", "翻转"}));
+    EXPECT_FALSE(all[48]["meaning"].get<std::string>().empty());
+}
+
+TEST(Info, TellsNineFieldsALine) {
+    const TempFolder folder;
+    WritePage(folder / "a.png", 40, 30);
+    const Outcome outcome = RunProgram({"info", "a.png"}, {.folder = folder.Path()});
+    EXPECT_EQ(outcome.status, 0);
+    const std::string& line = outcome.out;
+    EXPECT_EQ(line.substr(0, line.find("\t8\t")), "a.png\t5\tPNG\t40\t30");
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\t'), 8);
+    EXPECT_EQ(line.substr(line.size() - 7), "\t96\t96\n");
+}
+
+TEST(Info, JsonHasTheElevenKeys) {
+    const TempFolder folder;
+    WritePage(folder / "grey.bmp", 17, 5);
+    WritePage(folder / "colour.jpg", 16, 8, /*color=*/true);
+    WriteAll(folder / "broken.png", "\x89PNG\r\n");
+    const Outcome outcome = RunProgram({"info", "--json", "grey.bmp", "colour.jpg", "broken.png"},
+                                       {.folder = folder.Path()});
+    EXPECT_EQ(outcome.status, 1);
+    const Json all = Json::parse(outcome.out);
+    ASSERT_EQ(all.size(), 3U);
+    const std::vector<std::string> keys = {"path",    "type", "typeName", "width", "height", "bpp",
+                                           "colours", "xDpi", "yDpi",     "grey",  "error"};
+    for (const Json& file : all)
+        EXPECT_EQ(KeysOf(file), keys);
+    EXPECT_EQ(all[0]["type"], 4);
+    EXPECT_EQ(all[0]["width"], 17);
+    EXPECT_EQ(all[0]["height"], 5);
+    EXPECT_EQ(all[0]["bpp"], 8);
+    EXPECT_EQ(all[0]["colours"], 256);
+    EXPECT_EQ(all[0]["grey"], true);
+    EXPECT_TRUE(all[0]["error"].is_null());
+    EXPECT_EQ(all[1]["bpp"], 24);
+    EXPECT_EQ(all[1]["colours"], 0);
+    EXPECT_EQ(all[1]["grey"], false);
+    EXPECT_EQ(all[2]["error"], "文件读取失败。");
+    EXPECT_EQ(outcome.err, "broken.png: 文件读取失败。\n");
+}
+
+TEST(Info, EachUnreadableFileIsNamedAndTheOthersAreTold) {
+    const TempFolder folder;
+    WritePage(folder / "a.png");
+    WriteAll(folder / "empty.png", "");
+    std::filesystem::create_directory(folder / "folder.png");
+    const Outcome outcome = RunProgram({"info", "missing.png", "empty.png", "folder.png", "a.png"},
+                                       {.folder = folder.Path()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(LinesOf(outcome.out).size(), 1U);
+    EXPECT_EQ(outcome.err,
+              "missing.png: 文件读取失败。\nempty.png: 文件读取失败。\nfolder.png: "
+              "文件读取失败。\n");
+}
+
+TEST(Info, PathsThatAreNoTextPass) {
+    const TempFolder folder;
+    WritePage(folder / "a.png");
+    const std::string name = "b\xFF\xFE \n\".png";
+    std::filesystem::rename(folder / "a.png", folder / name);
+    const Outcome plain = RunProgram({"info", name}, {.folder = folder.Path()});
+    EXPECT_EQ(plain.status, 0);
+    EXPECT_EQ(plain.out.substr(0, name.size()), name);
+    const Json all =
+        Json::parse(RunProgram({"info", "--json", name}, {.folder = folder.Path()}).out);
+    EXPECT_EQ(all[0]["path"], "b\uFFFD\uFFFD \n\".png");
+}
+
+TEST(Info, AThousandFilesTakeTwoSeconds) {
+    const TempFolder folder;
+    std::vector<std::string> arguments = {"info"};
+    WritePage(folder / "0.png");
+    for (int i = 1; i < 1000; ++i)
+        std::filesystem::copy_file(folder / "0.png", folder / (std::to_string(i) + ".png"));
+    for (int i = 0; i < 1000; ++i)
+        arguments.push_back(std::to_string(i) + ".png");
+    const auto start = std::chrono::steady_clock::now();
+    const Outcome outcome = RunProgram(arguments, {.folder = folder.Path()});
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_EQ(LinesOf(outcome.out).size(), 1000U);
+}
+
+TEST(Detect, GoesByContentThenByName) {
+    const TempFolder folder;
+    WritePage(folder / "a.png");
+    std::filesystem::rename(folder / "a.png", folder / "a.jpg");
+    EXPECT_EQ(RunProgram({"detect", "a.jpg"}, {.folder = folder.Path()}).out, "5\ta.jpg\n");
+    EXPECT_EQ(RunProgram({"detect", "--by-name", "a.jpg"}, {.folder = folder.Path()}).out,
+              "1\ta.jpg\n");
+}
+
+TEST(Detect, AFileThatCannotBeOpenedIsKnownByItsName) {
+    const TempFolder folder;
+    const Outcome outcome =
+        RunProgram({"detect", "gone.png", "gone.xyz"}, {.folder = folder.Path()});
+    EXPECT_EQ(outcome.out, "5\tgone.png\n0\tgone.xyz\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "gone.png: 打开失败\ngone.xyz: 打开失败\n");
+    EXPECT_EQ(RunProgram({"detect", "--by-name", "gone.png"}).status, 0);
+}
+
+}  // namespace
+}  // namespace velloran::test
