@@ -27,6 +27,12 @@ CDibImage ColouredPalette() {
     return image;
 }
 
+/// A page as a loader gives it: it knows how many bits its file had.
+CDibImage AsLoaded(CDibImage image) {
+    image.Source().sourceColours = static_cast<std::uint32_t>(image.GetBpp());
+    return image;
+}
+
 TEST(SaveRules, DpiIsKeptInItsLimits) {
     CParaBlock block;
     for (const auto& [value, expected] :
@@ -79,7 +85,7 @@ class SavedDocument : public testing::Test {
 };
 
 TEST_F(SavedDocument, HoldsTheResultOfThePipelineAndTheDocumentStays) {
-    const CDibImage document = test::Filled(9, 7, 8, 10);
+    const CDibImage document = AsLoaded(test::Filled(9, 7, 8, 10));
     block_.SetPara(PARA_CONTRAST, 50);
     block_.SetPara(PARA_DPI, 150);
     const SaveResult result = SaveDocument(folder_ / "a.png", document, block_);
@@ -99,7 +105,7 @@ TEST_F(SavedDocument, RefusedDepthEndsBeforeThePipeline) {
     SaveRun run;
     run.label = [&](Text) { ++labelsTold; };
     const SaveResult result =
-        SaveDocument(folder_ / "a.jpg", test::Filled(9, 7, 8, 10), block_, run);
+        SaveDocument(folder_ / "a.jpg", AsLoaded(test::Filled(9, 7, 8, 10)), block_, run);
     EXPECT_EQ(result.outcome, SaveOutcome::kRefused);
     EXPECT_EQ(result.message, labels::kReducedTargets);
     EXPECT_EQ(labelsTold, 0);
@@ -107,15 +113,18 @@ TEST_F(SavedDocument, RefusedDepthEndsBeforeThePipeline) {
 }
 
 TEST_F(SavedDocument, PaletteThatTheRunLeftIsCaughtAfterThePipeline) {
-    block_.SetPara(PARA_COLOR, 0);
-    const SaveResult result = SaveDocument(folder_ / "a.jpg", ColouredPalette(), block_);
+    SaveRun run;
+    run.stop = kStopBeforeLevels;  // no step up to here changes the depth
+    const SaveResult result =
+        SaveDocument(folder_ / "a.jpg", AsLoaded(ColouredPalette()), block_, run);
     EXPECT_EQ(result.outcome, SaveOutcome::kRefused);
     EXPECT_EQ(result.message, labels::kReducedTargets);
     EXPECT_TRUE(folder_.AllNames().empty());
 }
 
 TEST_F(SavedDocument, UnwritableNameIsToldInItsOwnWords) {
-    const SaveResult result = SaveDocument(folder_ / "a.j2k", test::Filled(9, 7, 24, 10), block_);
+    const SaveResult result =
+        SaveDocument(folder_ / "a.j2k", AsLoaded(test::Filled(9, 7, 24, 10)), block_);
     EXPECT_EQ(result.outcome, SaveOutcome::kFailed);
     EXPECT_EQ(result.message,
               Text(u"抱歉，保存的文件名只能以jpg、jp2、png、bmp或tif为扩展名，请更正。"));
@@ -124,7 +133,7 @@ TEST_F(SavedDocument, UnwritableNameIsToldInItsOwnWords) {
 
 TEST_F(SavedDocument, FailedWriteSaysSoAndWhy) {
     const SaveResult result =
-        SaveDocument(folder_ / "absent" / "a.png", test::Filled(9, 7, 24, 10), block_);
+        SaveDocument(folder_ / "absent" / "a.png", AsLoaded(test::Filled(9, 7, 24, 10)), block_);
     EXPECT_EQ(result.outcome, SaveOutcome::kFailed);
     EXPECT_EQ(result.message, Text(u"文件存盘失败。"));
     EXPECT_EQ(result.error.cause, FileError::Cause::kStorage);
@@ -144,7 +153,7 @@ TEST_F(SavedDocument, StoppedRunWritesNothing) {
     run.cancel = [](void*) { return 1; };
     block_.SetPara(PARA_NEGATE, 1);
     const SaveResult result =
-        SaveDocument(folder_ / "a.png", test::Filled(9, 7, 24, 10), block_, run);
+        SaveDocument(folder_ / "a.png", AsLoaded(test::Filled(9, 7, 24, 10)), block_, run);
     EXPECT_EQ(result.outcome, SaveOutcome::kStopped);
     EXPECT_EQ(result.message, Text());
     EXPECT_EQ(test::ReadAll(folder_ / "a.png"), "old");
@@ -155,8 +164,9 @@ TEST_F(SavedDocument, LabelsAreToldToWhoAsks) {
     SaveRun run;
     run.label = [&](Text label) { told.emplace_back(label); };
     block_.SetPara(PARA_NEGATE, 1);
-    ASSERT_EQ(SaveDocument(folder_ / "a.png", test::Filled(9, 7, 24, 10), block_, run).outcome,
-              SaveOutcome::kSaved);
+    ASSERT_EQ(
+        SaveDocument(folder_ / "a.png", AsLoaded(test::Filled(9, 7, 24, 10)), block_, run).outcome,
+        SaveOutcome::kSaved);
     EXPECT_NE(std::find(told.begin(), told.end(), u"反白"), told.end());
 }
 
@@ -164,15 +174,16 @@ TEST_F(SavedDocument, StopCodeZeroSavesThePageAsItIs) {
     SaveRun run;
     run.stop = kStopNothing;
     block_.SetPara(PARA_CONTRAST, 0);
-    ASSERT_EQ(SaveDocument(folder_ / "a.png", test::Filled(9, 7, 8, 10), block_, run).outcome,
-              SaveOutcome::kSaved);
+    ASSERT_EQ(
+        SaveDocument(folder_ / "a.png", AsLoaded(test::Filled(9, 7, 8, 10)), block_, run).outcome,
+        SaveOutcome::kSaved);
     CDibImage saved;
     ASSERT_TRUE(LoadImageFile(folder_ / "a.png", saved));
     test::ExpectSamePixels(saved, test::Filled(9, 7, 8, 10));
 }
 
 TEST_F(SavedDocument, GifCropComesFromTheBlocksTargetRule) {
-    CDibImage document = test::Filled(40, 30, 8, 255);
+    CDibImage document = AsLoaded(test::Filled(40, 30, 8, 255));
     test::SetIndex(document, 7, 5, 0);
     ASSERT_EQ(SaveDocument(folder_ / "whole.gif", document, block_).outcome, SaveOutcome::kSaved);
     TargetRule rule;
