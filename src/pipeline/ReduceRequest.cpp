@@ -1,22 +1,15 @@
 #include "pipeline/ReduceRequest.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <limits>
 
 #include "core/DibImage.h"
 #include "core/Rounding.h"
+#include "reduce/ReducePlan.h"
 
 namespace velloran {
 namespace {
-
-/// Positions of the greys, black and white among them, in the list of colour depths.
-constexpr std::array kGrayTargets{1, 4, 5, 6, 7, 15, 16, 17};
-
-bool IsGrayTarget(std::int32_t color) {
-    return std::find(kGrayTargets.begin(), kGrayTargets.end(), color) != kGrayTargets.end();
-}
 
 bool IsCut(const LayoutRequest& layout) {
     return layout.cutLeft != 0 || layout.cutRight != 0 || layout.cutTop != 0 ||
@@ -31,7 +24,7 @@ std::uint32_t ProtectedColor(const ParaValues& values, const CDibImage& image,
     const std::uint32_t red = fill & 255, green = fill >> 8 & 255, blue = fill >> 16 & 255;
     if (red == green && green == blue)
         return fill;
-    if (image.GetBpp() != 8 && !IsGrayTarget(values[PARA_COLOR]))
+    if (image.GetBpp() != 8 && !IsGrayDepth(values[PARA_COLOR]))
         return fill;
     const std::uint32_t gray = LumaOf(blue, green, red);
     layout.fillColor = gray | gray << 8 | gray << 16;

@@ -99,7 +99,7 @@ constexpr Step kSteps[] = {
     {27, kStepAdjustSharpen, kWhenRun, AnySet<PARA_ADJUST_SHARPEN_PERCENT>, PassOn,
         DescribeAdjustSharpen},
     {28, kStepUsm, kWhenRun, AnySet<PARA_USM_TIMES>, PassOn, DescribeUsm},
-    {29, kStepColorReduction, kAlways, Always, RequestReduction, DescribeColorReduction},
+    {29, kStepColorReduction, kAlways, Always, ReduceColors, DescribeColorReduction},
     {30, kStepPlaceOnPage, kAlways, Always, PassOn, DescribeNothing},
 };
 // clang-format on

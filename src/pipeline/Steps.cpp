@@ -4,6 +4,7 @@
 #include "pipeline/MaskFill.h"
 #include "pipeline/ReduceRequest.h"
 #include "pipeline/RunState.h"
+#include "reduce/DecreaseBpp.h"
 #include "tone/AutoLevels.h"
 #include "tone/PixelMap.h"
 
@@ -107,8 +108,9 @@ void AdjustLevelsPost(RunState& state) {
     AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS_POST));
 }
 
-void RequestReduction(RunState& state) {
+void ReduceColors(RunState& state) {
     state.reduce = MakeReduceRequest(state.values, *state.image, state.layout);
+    DecreaseBpp(*state.image, state.isPreview, state.reduce);
 }
 
 }  // namespace velloran

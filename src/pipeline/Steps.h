@@ -32,7 +32,7 @@ void MapPixels(RunState& state);
 /// Step 19.
 void AdjustLevelsPost(RunState& state);
 
-/// Step 29: what the reduction is asked for, with the protected colour.
-void RequestReduction(RunState& state);
+/// Step 29: the colour reduction with the protected colour; a preview keeps its depth.
+void ReduceColors(RunState& state);
 
 }  // namespace velloran

@@ -1,0 +1,152 @@
+#include "reduce/CountColors.h"
+
+#include <array>
+#include <bit>
+#include <cstring>
+#include <new>
+
+#include "core/PixelMemory.h"
+
+namespace velloran {
+namespace {
+
+constexpr std::size_t kSetWords = (std::size_t{1} << 24) / 64;
+
+/// A bit for each 24-bit colour.
+class ColorSet {
+ public:
+    ColorSet() : memory_(MakePixelBuffer(kSetWords * 8)) {
+        std::memset(memory_.get(), 0, kSetWords * 8);
+    }
+
+    void Add(std::uint32_t color) { Words()[color >> 6] |= std::uint64_t{1} << (color & 63); }
+    bool Has(std::uint32_t color) const { return (Words()[color >> 6] >> (color & 63) & 1) != 0; }
+    int Count() const {
+        int count = 0;
+        for (std::size_t i = 0; i < kSetWords; ++i)
+            count += std::popcount(Words()[i]);
+        return count;
+    }
+    /// Calls `use` for each colour in ascending order.
+    template <typename Use>
+    void ForEach(Use&& use) const {
+        for (std::size_t i = 0; i < kSetWords; ++i)
+            for (std::uint64_t rest = Words()[i]; rest != 0; rest &= rest - 1)
+                use(static_cast<std::uint32_t>(i * 64) +
+                    static_cast<std::uint32_t>(std::countr_zero(rest)));
+    }
+
+    /// All colours 0xRRGGBB of a 24-bit image.
+    void AddAll(const CDibImage& image) {
+        std::uint32_t last = 0xFFFFFFFF;
+        for (int y = 0; y < image.GetHeight(); ++y) {
+            const std::uint8_t* pixel = image.GetBits(y);
+            for (int x = 0; x < image.GetWidth(); ++x, pixel += 3) {
+                const std::uint32_t color =
+                    std::uint32_t{pixel[2]} << 16 | std::uint32_t{pixel[1]} << 8 | pixel[0];
+                if (color != last)
+                    Add(color);
+                last = color;
+            }
+        }
+    }
+
+ private:
+    std::uint64_t* Words() { return reinterpret_cast<std::uint64_t*>(memory_.get()); }
+    const std::uint64_t* Words() const {
+        return reinterpret_cast<const std::uint64_t*>(memory_.get());
+    }
+
+    PixelBuffer memory_;
+};
+
+/// Which indices a palette image uses.
+std::array<bool, 256> UsedIndices(const CDibImage& image) {
+    std::array<bool, 256> used{};
+    for (int y = 0; y < image.GetHeight(); ++y) {
+        const std::uint8_t* row = image.GetBits(y);
+        for (int x = 0; x < image.GetWidth(); ++x)
+            switch (image.GetBpp()) {
+                case 8:
+                    used[row[x]] = true;
+                    break;
+                case 4:
+                    used[row[x / 2] >> (x % 2 == 0 ? 4 : 0) & 15] = true;
+                    break;
+                default:
+                    used[row[x / 8] >> (7 - x % 8) & 1] = true;
+            }
+    }
+    return used;
+}
+
+ExactPalette ExactColors(const CDibImage& image, int count, std::uint32_t reservedColor) {
+    ExactPalette exact;
+    ColorSet colors;
+    colors.AddAll(image);
+    int total = colors.Count();
+    if (reservedColor != 0xFFFFFFFF) {
+        const std::uint32_t reserved =
+            (reservedColor & 255) << 16 | (reservedColor & 0xFF00) | (reservedColor >> 16 & 255);
+        exact.reservedFound = colors.Has(reserved);
+        colors.Add(reserved);
+        total += exact.reservedFound ? 0 : 1;
+    }
+    if (total <= count)
+        colors.ForEach([&](std::uint32_t color) {
+            exact.palette.push_back({static_cast<std::uint8_t>(color),
+                                     static_cast<std::uint8_t>(color >> 8),
+                                     static_cast<std::uint8_t>(color >> 16), 0});
+        });
+    return exact;
+}
+
+ExactPalette ExactLevels(const CDibImage& image, int count, std::uint32_t reservedColor) {
+    ExactPalette exact;
+    std::array<bool, 256> used = UsedIndices(image);
+    if (reservedColor != 0xFFFFFFFF) {
+        exact.reservedFound = used[reservedColor & 255];
+        used[reservedColor & 255] = true;
+    }
+    for (std::size_t level = 0; level < used.size(); ++level)
+        if (used[level]) {
+            const auto gray = static_cast<std::uint8_t>(level);
+            exact.palette.push_back({gray, gray, gray, 0});
+        }
+    if (exact.palette.size() > static_cast<std::size_t>(count))
+        exact.palette.clear();
+    return exact;
+}
+
+}  // namespace
+
+int CountColors(const CDibImage& image) {
+    if (!image.IsValid())
+        return 0;
+    if (image.GetBpp() == 24) {
+        try {
+            ColorSet colors;
+            colors.AddAll(image);
+            return colors.Count();
+        } catch (const std::bad_alloc&) {
+            return 0;
+        }
+    }
+    int count = 0;
+    for (const bool used : UsedIndices(image))
+        count += used ? 1 : 0;
+    return count;
+}
+
+ExactPalette CollectExactPalette(const CDibImage& image, int count, std::uint32_t reservedColor) {
+    try {
+        if (image.IsValid() && image.GetBpp() == 24)
+            return ExactColors(image, count, reservedColor);
+        if (image.IsGrayScale())
+            return ExactLevels(image, count, reservedColor);
+    } catch (const std::bad_alloc&) {
+    }
+    return {};
+}
+
+}  // namespace velloran

@@ -1,0 +1,131 @@
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "core/GrayDepth.h"
+#include "reduce/ApplyPalette.h"
+
+namespace velloran {
+namespace {
+
+struct Tap {
+    int x, y, weight;
+};
+
+/// Where an error goes, and what the weights add up to.
+struct Diffusion {
+    const Tap* taps;
+    std::size_t count;
+    int sum, rows;
+};
+
+constexpr Tap kFloydSteinbergTaps[] = {{1, 0, 7}, {-1, 1, 3}, {0, 1, 5}, {1, 1, 1}};
+constexpr Tap kJarvisTaps[] = {{1, 0, 7}, {2, 0, 5},  {-2, 1, 3}, {-1, 1, 5}, {0, 1, 7}, {1, 1, 5},
+                               {2, 1, 3}, {-2, 2, 1}, {-1, 2, 3}, {0, 2, 5},  {1, 2, 3}, {2, 2, 1}};
+constexpr Diffusion kFloydSteinbergDiffusion{kFloydSteinbergTaps, 4, 16, 2};
+constexpr Diffusion kJarvisDiffusion{kJarvisTaps, 12, 48, 3};
+constexpr int kMargin = 2;
+
+/// Level i of n, evenly spaced over 0..255 and rounded.
+int LevelAt(int i, int levels) {
+    return (i * 255 * 2 + (levels - 1)) / (2 * (levels - 1));
+}
+
+/// For each sample value the nearest of the evenly spaced levels.
+std::array<std::uint8_t, 256> EvenLevels(int levels) {
+    std::array<std::uint8_t, 256> table{};
+    for (int value = 0; value < 256; ++value) {
+        const int i = (value * (levels - 1) * 2 + 255) / 510;
+        table[static_cast<std::size_t>(value)] = static_cast<std::uint8_t>(LevelAt(i, levels));
+    }
+    return table;
+}
+
+/// From the top row down, left to right, errors as integers in units of the weights' sum.
+void Diffuse(PlaneView plane, const Diffusion& diffusion, int levels) {
+    const std::array<std::uint8_t, 256> nearest = EvenLevels(levels);
+    const std::size_t rowLength = static_cast<std::size_t>(plane.width) + 2 * kMargin;
+    std::vector<std::vector<std::int32_t>> errors(static_cast<std::size_t>(diffusion.rows),
+                                                  std::vector<std::int32_t>(rowLength, 0));
+    for (int y = 0; y < plane.height; ++y) {
+        std::uint8_t* row = plane.Row(y).data();
+        for (int x = 0; x < plane.width; ++x) {
+            const std::size_t at = static_cast<std::size_t>(x) + kMargin;
+            const std::int32_t wanted = std::clamp(row[x] + errors[0][at] / diffusion.sum, 0, 255);
+            row[x] = nearest[static_cast<std::size_t>(wanted)];
+            const std::int32_t error = wanted - row[x];
+            for (std::size_t i = 0; i < diffusion.count; ++i) {
+                const Tap& tap = diffusion.taps[i];
+                errors[static_cast<std::size_t>(tap.y)][at + static_cast<std::size_t>(tap.x)] +=
+                    error * tap.weight;
+            }
+        }
+        std::fill(errors[0].begin(), errors[0].end(), 0);
+        std::rotate(errors.begin(), errors.begin() + 1, errors.end());
+    }
+}
+
+/// Rank 0..63 of a place in the 8 x 8 ordered matrix: the bits of x ^ y and y, interleaved from
+/// the lowest up.
+int BayerRank(int x, int y) {
+    int rank = 0;
+    for (int bit = 0; bit < 3; ++bit) {
+        rank = rank << 1 | ((x ^ y) >> bit & 1);
+        rank = rank << 1 | (y >> bit & 1);
+    }
+    return rank;
+}
+
+void OrderedDither(PlaneView plane) {
+    std::array<std::array<int, 8>, 8> threshold;
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x)
+            // The middle of the rank's share of 0..255: of 64 places, value * 64 / 256 turn white.
+            threshold[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] =
+                BayerRank(x, y) * 4 + 2;
+#pragma omp parallel for schedule(static)
+    for (int y = 0; y < plane.height; ++y) {
+        std::uint8_t* row = plane.Row(y).data();
+        const auto& line = threshold[static_cast<std::size_t>(y) % 8];
+        for (int x = 0; x < plane.width; ++x)
+            row[x] = row[x] >= line[static_cast<std::size_t>(x) % 8] ? 255 : 0;
+    }
+}
+
+void MapLevelsToIndices(CDibImage& image, const Palette& palette) {
+    const std::array<std::uint8_t, 256> index = NearestLevels(palette);
+    const PlaneView plane = ViewOf(image);
+#pragma omp parallel for schedule(static)
+    for (int y = 0; y < plane.height; ++y)
+        for (std::uint8_t& sample : plane.Row(y))
+            sample = index[sample];
+}
+
+}  // namespace
+
+bool ReduceLevels(CDibImage& image, const Palette& palette, bool keepDepth, int bwDitherMethod) {
+    if (palette.empty() || image.GetPalette() == nullptr || EnsureGrayOrRgb(image) == 0)
+        return false;
+    if (image.GetBpp() != 8 && ConvertToGray(image) == 0)  // the palette held colours
+        return false;
+    const int levels = std::max(static_cast<int>(palette.size()), 2);
+    try {
+        const PlaneView plane = TopDownViewOf(image);
+        if (levels == 2 && bwDitherMethod == kBayer)
+            OrderedDither(plane);
+        else if (levels == 2 && bwDitherMethod != kFloydSteinberg)
+            Diffuse(plane, kJarvisDiffusion, levels);
+        else
+            Diffuse(plane, kFloydSteinbergDiffusion, levels);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    if (!keepDepth)
+        MapLevelsToIndices(image, palette);
+    return true;
+}
+
+}  // namespace velloran
