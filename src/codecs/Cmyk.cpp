@@ -28,7 +28,7 @@ constexpr std::array<std::int64_t, kCount / 2> Blend(const std::array<std::int64
                                                      std::int64_t ink) {
     std::array<std::int64_t, kCount / 2> to{};
     for (std::size_t i = 0; i < kCount / 2; ++i)
-        to[i] = from[2 * i] * (255 - ink) + from[2 * i + 1] * ink;
+        to[i] = from[2 * i] * 255 + (from[2 * i + 1] - from[2 * i]) * ink;
     return to;
 }
 
