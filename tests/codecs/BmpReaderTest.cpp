@@ -366,6 +366,10 @@ TEST(BmpReader, WhatIsNoPageIsRefused) {
                             .pixels = "Huffman!"}));
 }
 
+TEST(BmpReader, ASizeThatTheFileCannotHoldIsRefused) {
+    ExpectRefused(BuildBmp({.width = 20000, .height = 20000, .pixels = std::string(100'000, 'x')}));
+}
+
 TEST(BmpReader, InfoTellsWhatTheFileHolds) {
     std::vector<Rgb> ramp;
     for (int i = 0; i < 256; ++i)

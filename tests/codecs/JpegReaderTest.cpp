@@ -217,6 +217,19 @@ TEST(JpegReader, SizesAboveAGigapixelAreRefused) {
     EXPECT_EQ(error.detail, "Picture too large");
 }
 
+TEST(JpegReader, ASizeThatTheFileCannotHoldIsRefused) {
+    std::string file = test::EncodePlain(test::Scene(8, 8, 3));
+    const std::size_t frame = file.find("\xFF\xC0");
+    for (const std::size_t at : {5U, 7U}) {  // height, width: 20000
+        file[frame + at] = '\x4E';
+        file[frame + at + 1] = '\x20';
+    }
+    CDibImage image;
+    FileError error;
+    EXPECT_FALSE(Load(file, image, &error));
+    EXPECT_EQ(error.detail, "Picture too large for its file");
+}
+
 TEST(JpegReader, AFloodOfScansIsRefused) {
     PlainOptions options;
     options.adjust = [](jpeg_compress_struct& jpeg) { jpeg_simple_progression(&jpeg); };
