@@ -3,6 +3,8 @@
 // How many threads a parallel loop may use, and which one runs: for scratch that each thread holds
 // for itself, made before the loop.
 
+#include <cstdint>
+
 #ifdef _OPENMP
 #include <omp.h>
 #endif
@@ -25,6 +27,11 @@ inline int ThreadNumber() {
 #else
     return 0;
 #endif
+}
+
+/// Below so many samples, waking a thread costs more than the work.
+constexpr bool IsWorthThreads(std::int64_t samples) {
+    return samples >= 1 << 16;
 }
 
 }  // namespace velloran

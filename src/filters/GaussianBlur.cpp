@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/PixelMemory.h"
 #include "core/Refusal.h"
-#include "imaging/BorderedCopy.h"
 #include "imaging/Convolve.h"
 
 namespace velloran {
@@ -57,9 +57,12 @@ int SeparableFilter(PlaneView pixels, const GaussianKernel& kernel) {
     return RefuseWhenOutOfMemory([&] {
         if (kernel.taps.size() < 2)
             return 1;  // one tap is the picture itself
-        const BorderedCopy source(pixels, 0);
-        FilterColumns(source.View(), kernel.taps, kernel.sum, pixels);
-        FilterRows(pixels, kernel.taps, kernel.sum, pixels);
+        const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(pixels.width) * pixels.channels;
+        const PixelBuffer memory = MakePixelBuffer(static_cast<std::size_t>(stride) *
+                                                   static_cast<std::size_t>(pixels.height));
+        const PlaneView between{memory.get(), pixels.width, pixels.height, pixels.channels, stride};
+        FilterColumns(pixels, kernel.taps, kernel.sum, between);
+        FilterRows(between, kernel.taps, kernel.sum, pixels);
         return 1;
     });
 }

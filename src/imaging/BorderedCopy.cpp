@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/Threads.h"
+
 namespace velloran {
 namespace {
 
@@ -26,7 +28,7 @@ BorderedCopy::BorderedCopy(ConstPlaneView source, BorderWidths border) {
     view_ = {memory_.get(), width, height, source.channels, stride};
     if (source.width == 0 || source.height == 0)
         return;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(stride * height))
     for (int y = 0; y < height; ++y) {
         const int from = std::clamp(y - border.top, 0, source.height - 1);
         const std::span<const std::uint8_t> row = source.Row(from);

@@ -1,115 +1,120 @@
 #include "imaging/Convolve.h"
 
-#include <algorithm>
-#include <cstdlib>
+#include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "core/Rounding.h"
 #include "core/SimdTarget.h"
-#include "core/Threads.h"
+#include "imaging/TapGroups.h"
+#include "imaging/Tiles.h"
 
 namespace velloran {
 namespace {
 
-/// Sums beyond this could lose their last digit as floats.
-constexpr std::int64_t kExactFloat = 1 << 22;
-
-/// Quotients of sums by a divisor, rounded to nearest. The quarter of a step keeps exact quotients
-/// on the right side of the truncation; the next quotient below is half a step away.
-struct Quotient {
-    float step, offset;
-    explicit Quotient(std::int32_t divisor)
-        : step(1.0F / (2.0F * static_cast<float>(divisor))),
-          offset(static_cast<float>(divisor) + 0.5F) {}
-};
-
 VELLORAN_SIMD_CLONES
-void AddProducts(const std::uint8_t* samples, std::int32_t weight, int count, std::int32_t* sums) {
+void Widen(const std::uint8_t* samples, int count, std::uint16_t* out) {
     for (int i = 0; i < count; ++i)
-        sums[i] += weight * samples[i];
+        out[i] = samples[i];
 }
 
 VELLORAN_SIMD_CLONES
-void DivideSums(const std::int32_t* sums, int count, float step, float offset, std::uint8_t* out) {
-    for (int i = 0; i < count; ++i) {
-        const float quotient = (2.0F * static_cast<float>(sums[i]) + offset) * step;
-        const float limited = quotient < 0.0F ? 0.0F : (quotient > 255.0F ? 255.0F : quotient);
-        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
-    }
+void Widen(const std::uint8_t* samples, int count, float* out) {
+    for (int i = 0; i < count; ++i)
+        out[i] = static_cast<float>(samples[i]);
 }
 
 /// The slow way for weights of any size.
-void DivideExactly(const std::int64_t* sums, int count, std::int64_t divisor, std::uint8_t* out) {
+void SumExactly(std::span<const Tap> taps, std::int64_t divisor, const std::uint16_t* samples,
+                int count, std::uint8_t* out) {
     for (int i = 0; i < count; ++i) {
-        const std::int64_t sum = sums[i];
+        std::int64_t sum = 0;
+        for (const Tap& tap : taps)
+            sum += std::int64_t{tap.weight} * samples[i + tap.offset];
         out[i] = sum <= 0 ? 0 : ClampToByte(sum / divisor + (sum % divisor * 2 >= divisor ? 1 : 0));
     }
 }
 
-bool FitsFloats(std::span<const std::int32_t> weights, std::int32_t divisor) {
-    std::int64_t sum = divisor;
-    for (const std::int32_t weight : weights)
-        sum += std::abs(std::int64_t{weight}) * 255;
-    return sum < kExactFloat;
-}
-
-/// A row of sums for each thread.
-template <typename Sum>
-std::vector<std::vector<Sum>> RowPerThread(std::size_t length) {
-    return std::vector<std::vector<Sum>>(static_cast<std::size_t>(MaxThreads()),
-                                         std::vector<Sum>(length));
-}
-
-/// Calls `tapOf(y, i)` for the samples that weight i meets in output row y.
-template <typename TapOf>
-void WeightedRows(std::span<const std::int32_t> weights, std::int32_t divisor, PlaneView target,
-                  TapOf&& tapOf) {
-    const int count = target.width * target.channels;
-    if (FitsFloats(weights, divisor)) {
-        auto rows = RowPerThread<std::int32_t>(static_cast<std::size_t>(count));
-        const Quotient quotient(divisor);
-#pragma omp parallel for schedule(static)
-        for (int y = 0; y < target.height; ++y) {
-            auto& sums = rows[static_cast<std::size_t>(ThreadNumber())];
-            std::fill(sums.begin(), sums.end(), 0);
-            for (std::size_t i = 0; i < weights.size(); ++i)
-                if (weights[i] != 0)
-                    AddProducts(tapOf(y, static_cast<int>(i)), weights[i], count, sums.data());
-            DivideSums(sums.data(), count, quotient.step, quotient.offset, target.Row(y).data());
-        }
+template <typename LayOut>
+void SumInTiles(const TileShape& shape, std::span<const Tap> taps, std::int32_t divisor,
+                PlaneView target, LayOut&& layOut) {
+    if (TapGroups::CanHold(taps, divisor)) {
+        const TapGroups groups(taps, divisor);
+        const SumTaps sum = BestSumTaps();
+        ForEachTile<std::uint16_t>(shape, target, layOut,
+                                   [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+                                       sum(groups, samples, count, out);
+                                   });
         return;
     }
-    auto rows = RowPerThread<std::int64_t>(static_cast<std::size_t>(count));
-#pragma omp parallel for schedule(static)
-    for (int y = 0; y < target.height; ++y) {
-        auto& sums = rows[static_cast<std::size_t>(ThreadNumber())];
-        std::fill(sums.begin(), sums.end(), 0);
-        for (std::size_t i = 0; i < weights.size(); ++i) {
-            const std::uint8_t* samples = tapOf(y, static_cast<int>(i));
-            for (int x = 0; x < count; ++x)
-                sums[static_cast<std::size_t>(x)] += std::int64_t{weights[i]} * samples[x];
+    ForEachTile<std::uint16_t>(shape, target, layOut,
+                               [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+                                   SumExactly(taps, divisor, samples, count, out);
+                               });
+}
+
+/// The samples of a kernel of `size` x `size` weights in a tile.
+template <typename Weight>
+std::vector<std::pair<std::int32_t, Weight>> PlacesOf(std::span<const Weight> weights, int size,
+                                                      int channels, int stride) {
+    std::vector<std::pair<std::int32_t, Weight>> places;
+    for (int y = 0; y < size; ++y)
+        for (int x = 0; x < size; ++x)
+            places.emplace_back(y * stride + x * channels,
+                                weights[static_cast<std::size_t>(y * size + x)]);
+    return places;
+}
+
+template <typename Sample>
+auto LayOutOf(ConstPlaneView source) {
+    return [source](int y, int first, int count, Sample* samples) {
+        Widen(source.Row(y).data() + first, count, samples);
+    };
+}
+
+constexpr int kFloatBlock = 32;
+
+/// The sums of `kFloatBlock` samples stay in registers from the first weight to the last.
+VELLORAN_SIMD_CLONES
+void SumFloats(const std::pair<std::int32_t, float>* taps, std::size_t tapCount,
+               const float* samples, int count, std::uint8_t* out) {
+    using Floats [[gnu::vector_size(32)]] = float;
+    constexpr int kLanes = 8, kParts = kFloatBlock / kLanes;
+    for (int x = 0; x < count; x += kFloatBlock) {
+        Floats sums[kParts] = {};
+        for (std::size_t k = 0; k < tapCount; ++k) {
+            const float* from = samples + x + taps[k].first;
+            for (int part = 0; part < kParts; ++part) {
+                Floats values;
+                std::memcpy(&values, from + part * kLanes, sizeof values);
+                sums[part] += taps[k].second * values;
+            }
         }
-        DivideExactly(sums.data(), count, divisor, target.Row(y).data());
+        float whole[kFloatBlock];
+        std::memcpy(whole, sums, sizeof whole);
+        for (int i = 0; i < kFloatBlock && x + i < count; ++i) {
+            const float value = whole[i] + 0.5F;
+            const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
+            out[x + i] = static_cast<std::uint8_t>(static_cast<int>(limited));
+        }
     }
 }
 
-VELLORAN_SIMD_CLONES
-void AddFloatProducts(const std::uint8_t* samples, float weight, int count, float* sums) {
-    for (int i = 0; i < count; ++i)
-        sums[i] += weight * static_cast<float>(samples[i]);
-}
-
-VELLORAN_SIMD_CLONES
-void RoundSums(const float* sums, int count, std::uint8_t* out) {
-    for (int i = 0; i < count; ++i) {
-        const float value = sums[i] + 0.5F;
-        const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
-        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
+/// The weights as integers, empty where one of them is none or sums might not be exact.
+std::vector<std::int32_t> WholeWeights(std::span<const float> weights) {
+    std::vector<std::int32_t> whole;
+    for (const float weight : weights) {
+        if (!(std::abs(weight) <= 255.0F) || weight != std::trunc(weight))
+            return {};
+        whole.push_back(static_cast<std::int32_t>(weight));
     }
+    return whole;
 }
 
 /// Row or column -1 - i is i, folded again while it lies outside.
 int Reflect(int index, int size) {
+    if (index >= 0 && index < size)
+        return index;
     const std::int64_t period = std::int64_t{2} * size;
     std::int64_t at = (index % period + period) % period;
     if (at >= size)
@@ -117,62 +122,78 @@ int Reflect(int index, int size) {
     return static_cast<int>(at);
 }
 
+/// A run of whole pixels of a row that may begin and end outside.
+void LayOutReflected(std::span<const std::uint8_t> row, int channels, int firstPixel, int pixels,
+                     std::uint16_t* samples) {
+    const int width = static_cast<int>(row.size()) / channels;
+    const auto outside = [&](int from, int to) {
+        for (int i = from; i < to; ++i)
+            Widen(row.data() + static_cast<std::ptrdiff_t>(Reflect(i, width)) * channels, channels,
+                  samples + static_cast<std::ptrdiff_t>(i - firstPixel) * channels);
+    };
+    const int end = firstPixel + pixels;
+    const int from = std::clamp(0, firstPixel, end), to = std::clamp(width, from, end);
+    outside(firstPixel, from);
+    Widen(row.data() + static_cast<std::ptrdiff_t>(from) * channels, (to - from) * channels,
+          samples + static_cast<std::ptrdiff_t>(from - firstPixel) * channels);
+    outside(to, end);
+}
+
 }  // namespace
 
 void ConvolveInt(ConstPlaneView source, std::span<const std::int32_t> weights, int size,
                  std::int32_t divisor, PlaneView target) {
-    WeightedRows(weights, divisor, target, [&](int y, int i) {
-        return source.Row(y + i / size).data() +
-               static_cast<std::ptrdiff_t>(i % size) * source.channels;
-    });
+    const TileShape shape =
+        ShapeOfTiles((size - 1) * target.channels, size - 1, sizeof(std::uint16_t), kSumBlock);
+    std::vector<Tap> taps;
+    for (const auto& [offset, weight] : PlacesOf(weights, size, target.channels, shape.stride))
+        taps.push_back({offset, weight});
+    SumInTiles(shape, taps, divisor, target, LayOutOf<std::uint16_t>(source));
 }
 
 void ConvolveFloat(ConstPlaneView source, std::span<const float> weights, int size,
                    PlaneView target) {
-    const int count = target.width * target.channels;
-    auto rows = RowPerThread<float>(static_cast<std::size_t>(count));
-#pragma omp parallel for schedule(static)
-    for (int y = 0; y < target.height; ++y) {
-        auto& sums = rows[static_cast<std::size_t>(ThreadNumber())];
-        std::fill(sums.begin(), sums.end(), 0.0F);
-        for (int ky = 0; ky < size; ++ky)
-            for (int kx = 0; kx < size; ++kx)
-                AddFloatProducts(
-                    source.Row(y + ky).data() + static_cast<std::ptrdiff_t>(kx) * source.channels,
-                    weights[static_cast<std::size_t>(ky * size + kx)], count, sums.data());
-        RoundSums(sums.data(), count, target.Row(y).data());
+    // Float sums of such weights are exact, so the quicker integers give the same.
+    if (const std::vector<std::int32_t> whole = WholeWeights(weights); !whole.empty()) {
+        ConvolveInt(source, whole, size, 1, target);
+        return;
     }
+    const TileShape shape =
+        ShapeOfTiles((size - 1) * target.channels, size - 1, sizeof(float), kFloatBlock);
+    const auto taps = PlacesOf(weights, size, target.channels, shape.stride);
+    ForEachTile<float>(shape, target, LayOutOf<float>(source),
+                       [&](const float* samples, int count, std::uint8_t* out) {
+                           SumFloats(taps.data(), taps.size(), samples, count, out);
+                       });
 }
 
 void FilterColumns(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
                    PlaneView target) {
-    const int reach = static_cast<int>(taps.size() / 2);
-    WeightedRows(taps, divisor, target, [&](int y, int i) {
-        return source.Row(Reflect(y + i - reach, source.height)).data();
-    });
+    const int length = static_cast<int>(taps.size()), reach = length / 2;
+    const TileShape shape = ShapeOfTiles(0, length - 1, sizeof(std::uint16_t), kSumBlock);
+    std::vector<Tap> places;
+    for (int k = 0; k < length; ++k)
+        places.push_back({k * shape.stride, taps[static_cast<std::size_t>(k)]});
+    SumInTiles(
+        shape, places, divisor, target, [&](int y, int first, int count, std::uint16_t* samples) {
+            Widen(source.Row(Reflect(y - reach, source.height)).data() + first, count, samples);
+        });
 }
 
 void FilterRows(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
                 PlaneView target) {
-    const int reach = static_cast<int>(taps.size() / 2), channels = source.channels;
-    std::vector<std::vector<std::uint8_t>> rows(
-        static_cast<std::size_t>(MaxThreads()),
-        std::vector<std::uint8_t>(static_cast<std::size_t>(source.width + 2 * reach) * channels));
-    std::vector<int> filled(rows.size(), -1);
-    WeightedRows(taps, divisor, target, [&](int y, int i) {
-        // The first tap of a row lays out the row with its reflections.
-        const auto thread = static_cast<std::size_t>(ThreadNumber());
-        std::vector<std::uint8_t>& row = rows[thread];
-        if (filled[thread] != y) {
-            filled[thread] = y;
-            const std::uint8_t* from = source.Row(y).data();
-            for (int x = -reach; x < source.width + reach; ++x)
-                std::copy_n(from + static_cast<std::ptrdiff_t>(Reflect(x, source.width)) * channels,
-                            channels,
-                            row.begin() + static_cast<std::ptrdiff_t>(x + reach) * channels);
-        }
-        return row.data() + static_cast<std::ptrdiff_t>(i) * channels;
-    });
+    const int length = static_cast<int>(taps.size()), reach = length / 2;
+    const int channels = target.channels;
+    TileShape shape = ShapeOfTiles((length - 1) * channels, 0, sizeof(std::uint16_t), kSumBlock);
+    shape.width -= shape.width % channels;  // tiles begin with whole pixels
+    std::vector<Tap> places;
+    for (int k = 0; k < length; ++k)
+        places.push_back({k * channels, taps[static_cast<std::size_t>(k)]});
+    SumInTiles(shape, places, divisor, target,
+               [&](int y, int first, int count, std::uint16_t* samples) {
+                   LayOutReflected(source.Row(y), channels, first / channels - reach,
+                                   count / channels, samples);
+               });
 }
 
 }  // namespace velloran

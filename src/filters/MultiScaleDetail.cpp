@@ -1,0 +1,70 @@
+#include "filters/MultiScaleDetail.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "core/DibImage.h"
+#include "core/GrayDepth.h"
+#include "core/PixelMemory.h"
+#include "core/Refusal.h"
+#include "core/SimdTarget.h"
+#include "filters/SmoothPlane.h"
+
+namespace velloran {
+namespace {
+
+/// A copy of the picture, the top row first, smoothed.
+class SmoothedCopy {
+ public:
+    SmoothedCopy(ConstPlaneView topDown, double radius) {
+        const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(topDown.width) * topDown.channels;
+        memory_ = MakePixelBuffer(static_cast<std::size_t>(stride) *
+                                  static_cast<std::size_t>(topDown.height));
+        view_ = {memory_.get(), topDown.width, topDown.height, topDown.channels, stride};
+#pragma omp parallel for schedule(static)
+        for (int y = 0; y < topDown.height; ++y)
+            std::copy_n(topDown.Row(y).data(), topDown.Row(y).size(), view_.Row(y).data());
+        SmoothRowsAndColumns(view_, radius);
+    }
+
+    const std::uint8_t* Row(int y) const {
+        return view_.Row(y).data();
+    }
+
+ private:
+    PixelBuffer memory_;
+    PlaneView view_;
+};
+
+VELLORAN_SIMD_CLONES
+void EnhanceRow(const std::uint8_t* fine, const std::uint8_t* middle, const std::uint8_t* coarse,
+                int count, std::uint8_t* row) {
+    for (int i = 0; i < count; ++i) {
+        const int sample = row[i], detail = sample - fine[i];
+        const int weighted = fine[i] + (detail < 0 ? 3 * detail : detail);
+        // Truncated toward zero; a shift would go down.
+        const int change = (2 * weighted - middle[i] - coarse[i]) / 4;
+        const int value = sample + change;
+        row[i] = static_cast<std::uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
+    }
+}
+
+}  // namespace
+
+int MultiScaleDetail(CDibImage& image, int radius) {
+    if (image.GetWidth() < 4 || image.GetHeight() < 4 || radius < 1 || EnsureGrayOrRgb(image) == 0)
+        return 0;
+    return RefuseWhenOutOfMemory([&] {
+        const PlaneView pixels = TopDownViewOf(image);
+        const SmoothedCopy fine(pixels, radius), middle(pixels, 2.0 * radius),
+            coarse(pixels, 4.0 * radius);
+        // Row padding would come out as it is: its smoothings equal it.
+#pragma omp parallel for schedule(static)
+        for (int y = 0; y < pixels.height; ++y)
+            EnhanceRow(fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
+                       pixels.Row(y).data());
+        return 1;
+    });
+}
+
+}  // namespace velloran

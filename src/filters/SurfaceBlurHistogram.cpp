@@ -1,0 +1,202 @@
+#include "filters/SurfaceBlurHistogram.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+#include "core/DibImage.h"
+#include "core/PixelMemory.h"
+#include "core/Rounding.h"
+#include "core/Threads.h"
+#include "filters/SurfaceBlurForms.h"
+
+namespace velloran {
+namespace {
+
+/// The counts of a strip stay in the cache of a processor, those of a whole row would not.
+constexpr int kStripColumns = 512;
+/// Each band of rows counts its first window anew.
+constexpr int kBandRows = 256;
+
+LevelWeights LinearWeights(int threshold) {
+    LevelWeights weights;
+    weights.reach = TruncToInt(threshold * 2.5);
+    for (int d = -255; d <= 255; ++d)
+        weights.table[static_cast<std::size_t>(d + 255)] =
+            static_cast<std::int16_t>(std::max(0, 2500 - std::abs(d) * 1000 / threshold));
+    return weights;
+}
+
+LevelWeights EqualWeights(int threshold) {
+    LevelWeights weights;
+    weights.reach = threshold;
+    for (int d = -threshold; d <= threshold; ++d)
+        weights.table[static_cast<std::size_t>(d + 255)] = 1;
+    return weights;
+}
+
+/// Indices of a side extended by `radius` at both ends, the edge sample not repeated.
+std::vector<int> MirrorIndexes(int size, int radius) {
+    std::vector<int> indexes;
+    indexes.reserve(static_cast<std::size_t>(size) + static_cast<std::size_t>(2 * radius));
+    for (int x = -radius; x < size + radius; ++x) {
+        int index = x;
+        if (x < 0)
+            for (index = -x; index >= size;)
+                index -= size;
+        else if (x >= size)
+            for (index = 2 * size - x - 2; index < 0;)
+                index += size;
+        indexes.push_back(index);
+    }
+    return indexes;
+}
+
+/// One pass from `source` to `target`.
+struct Pass {
+    ConstPlaneView source;
+    PlaneView target;
+    const LevelWeights& weights;
+    BlurHistogramRow blurRow;
+    int radius;
+    std::vector<int> columns, rows;    // mirrored, from -radius on
+    std::vector<ColumnCounts> counts;  // of each thread
+
+    Pass(ConstPlaneView from, PlaneView to, const LevelWeights& levelWeights, int windowRadius,
+         BlurHistogramRow kernel)
+        : source(from),
+          target(to),
+          weights(levelWeights),
+          blurRow(kernel),
+          radius(windowRadius),
+          columns(MirrorIndexes(from.width, windowRadius)),
+          rows(MirrorIndexes(from.height, windowRadius)) {
+        const int widest = std::min(from.width, kStripColumns) + 2 * windowRadius;
+        for (int thread = 0; thread < MaxThreads(); ++thread)
+            counts.emplace_back(widest);
+    }
+
+    const std::uint8_t* MirroredRow(int y, int channel) const {
+        return source.Row(rows[static_cast<std::size_t>(y + radius)]).data() + channel;
+    }
+};
+
+/// A channel of some rows of some columns.
+struct Tile {
+    int channel, left, width, top, bottom;
+};
+
+void AddRow(const Pass& pass, const Tile& tile, int y, ColumnCounts& counts) {
+    const std::uint8_t* row = pass.MirroredRow(y, tile.channel);
+    const int* column = pass.columns.data() + tile.left;
+    for (int i = 0; i < tile.width + 2 * pass.radius; ++i)
+        counts.Add(i, row[static_cast<std::ptrdiff_t>(column[i]) * pass.source.channels]);
+}
+
+/// Moves the window from row y - 1 to row y.
+void MoveToRow(const Pass& pass, const Tile& tile, int y, ColumnCounts& counts) {
+    const std::uint8_t* out = pass.MirroredRow(y - pass.radius - 1, tile.channel);
+    const std::uint8_t* in = pass.MirroredRow(y + pass.radius, tile.channel);
+    const int* column = pass.columns.data() + tile.left;
+    for (int i = 0; i < tile.width + 2 * pass.radius; ++i) {
+        const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(column[i]) * pass.source.channels;
+        counts.Remove(i, out[at]);
+        counts.Add(i, in[at]);
+    }
+}
+
+void BlurTile(const Pass& pass, const Tile& tile, ColumnCounts& counts) {
+    counts.Clear(tile.width + 2 * pass.radius);
+    for (int y = tile.top - pass.radius; y <= tile.top + pass.radius; ++y)
+        AddRow(pass, tile, y, counts);
+    const std::ptrdiff_t first =
+        static_cast<std::ptrdiff_t>(tile.left) * pass.source.channels + tile.channel;
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        if (y > tile.top)
+            MoveToRow(pass, tile, y, counts);
+        pass.blurRow({&counts, &pass.weights, pass.source.Row(y).data() + first,
+                      pass.target.Row(y).data() + first, pass.source.channels, tile.width,
+                      pass.radius});
+    }
+}
+
+/// Tiles share nothing but the source, and the sums are integers: their order does not matter.
+void RunPass(Pass& pass) {
+    const int strips = (pass.source.width + kStripColumns - 1) / kStripColumns;
+    const int bands = (pass.source.height + kBandRows - 1) / kBandRows;
+    const int tiles = strips * bands * pass.source.channels;
+#pragma omp parallel for schedule(dynamic)
+    for (int i = 0; i < tiles; ++i) {
+        const int channel = i % pass.source.channels, place = i / pass.source.channels;
+        const int left = place % strips * kStripColumns, top = place / strips * kBandRows;
+        BlurTile(pass,
+                 {channel, left, std::min(kStripColumns, pass.source.width - left), top,
+                  std::min(top + kBandRows, pass.source.height)},
+                 pass.counts[static_cast<std::size_t>(ThreadNumber())]);
+    }
+}
+
+void CopyRows(ConstPlaneView from, PlaneView to) {
+#pragma omp parallel for schedule(static)
+    for (int y = 0; y < to.height; ++y)
+        std::copy_n(from.Row(y).data(), to.Row(y).size(), to.Row(y).data());
+}
+
+void BlurWithWeights(CDibImage& image, int radius, const LevelWeights& weights, int times) {
+    const PlaneView pixels = ViewOf(image);
+    const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(pixels.width) * pixels.channels;
+    const PixelBuffer memory =
+        MakePixelBuffer(static_cast<std::size_t>(stride) * static_cast<std::size_t>(pixels.height));
+    const PlaneView before{memory.get(), pixels.width, pixels.height, pixels.channels, stride};
+    const BlurHistogramRow vectors = BlurHistogramRowAvx2();
+    Pass pass(before, pixels, weights, radius, vectors ? vectors : BlurHistogramRowPlain);
+    for (int i = 0; i < times; ++i) {
+        CopyRows(pixels, before);
+        RunPass(pass);
+    }
+}
+
+}  // namespace
+
+void BlurHistogramRowPlain(const HistogramRow& row) {
+    const ColumnCounts& counts = *row.counts;
+    const LevelWeights& weights = *row.weights;
+    std::uint16_t window[kLevelGroups * kGroupLevels] = {};
+    const auto change = [&](int column, int by) {
+        for (int group = 0; group < kLevelGroups; ++group) {
+            const std::uint8_t* levels = counts.Levels(group, column);
+            std::uint16_t* out = window + group * kGroupLevels;
+            for (int i = 0; i < kGroupLevels; ++i)
+                out[i] = static_cast<std::uint16_t>(out[i] + by * levels[i]);
+        }
+    };
+    for (int column = 0; column < 2 * row.radius; ++column)
+        change(column, 1);
+    for (int x = 0; x < row.count; ++x) {
+        change(x + 2 * row.radius, 1);
+        if (x > 0)
+            change(x - 1, -1);
+        const int center = row.source[static_cast<std::ptrdiff_t>(x) * row.step];
+        const int low = std::max(center - weights.reach, 0);
+        const int high = std::min(center + weights.reach, 255);
+        std::uint32_t den = 0, num = 0;
+        for (int level = low; level <= high; ++level) {
+            const auto share =
+                static_cast<std::uint32_t>(window[level] * weights.Of(level - center));
+            den += share;
+            num += share * static_cast<std::uint32_t>(level);
+        }
+        row.target[static_cast<std::ptrdiff_t>(x) * row.step] =
+            static_cast<std::uint8_t>((num + den / 2) / den);
+    }
+}
+
+void BlurByHistograms(CDibImage& image, int radius, int threshold, int times) {
+    BlurWithWeights(image, radius, LinearWeights(threshold), times);
+}
+
+void BlurSelectiveMean(CDibImage& image, int radius, int threshold, int times) {
+    BlurWithWeights(image, radius, EqualWeights(threshold), times);
+}
+
+}  // namespace velloran

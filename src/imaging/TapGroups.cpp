@@ -1,0 +1,160 @@
+#include "imaging/TapGroups.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <utility>
+
+#include "core/SimdTarget.h"
+
+namespace velloran {
+namespace {
+
+/// Sums and half the divisor stay below this: floats then hold them with two binary places, and the
+/// error of the product by the step (2^-23 of it) is less than the quarter of the step that the
+/// offset keeps clear.
+constexpr std::int64_t kExactQuotients = 1 << 21;
+
+VELLORAN_SIMD_CLONES
+void AddSamples(const std::uint16_t* samples, std::int16_t* sums) {
+    for (int i = 0; i < kSumBlock; ++i)
+        sums[i] = static_cast<std::int16_t>(sums[i] + samples[i]);
+}
+
+VELLORAN_SIMD_CLONES
+void AddProducts(const std::int16_t* samples, std::int32_t weight, std::int32_t* sums) {
+    for (int i = 0; i < kSumBlock; ++i)
+        sums[i] += weight * samples[i];
+}
+
+VELLORAN_SIMD_CLONES
+void Divide(const std::int32_t* sums, int count, float step, float offset, std::uint8_t* out) {
+    for (int i = 0; i < count; ++i) {
+        const float quotient = (static_cast<float>(sums[i]) + offset) * step;
+        const float limited = quotient < 0.0F ? 0.0F : (quotient > 255.0F ? 255.0F : quotient);
+        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
+    }
+}
+
+void AddProducts(const std::uint16_t* samples, std::span<const std::int32_t> offsets,
+                 std::int32_t weight, std::int32_t* sums) {
+    std::int16_t together[kSumBlock] = {};
+    for (const std::int32_t offset : offsets)
+        AddSamples(samples + offset, together);
+    AddProducts(together, weight, sums);
+}
+
+template <int kCount>
+void AddSteps(std::span<const TapStep<kCount>> steps, const std::uint16_t* samples,
+              std::int32_t* sums) {
+    for (const TapStep<kCount>& step : steps) {
+        AddProducts(samples, step.first, step.firstWeight, sums);
+        AddProducts(samples, step.second, step.secondWeight, sums);
+    }
+}
+
+void SumTapsPlain(const TapGroups& taps, const std::uint16_t* samples, int count,
+                  std::uint8_t* out) {
+    for (int x = 0; x < count; x += kSumBlock) {
+        std::int32_t sums[kSumBlock] = {};
+        AddSteps(taps.Fours(), samples + x, sums);
+        AddSteps(taps.Twos(), samples + x, sums);
+        AddSteps(taps.Ones(), samples + x, sums);
+        Divide(sums, std::min(kSumBlock, count - x), taps.Step(), taps.Offset(), out + x);
+    }
+}
+
+/// Takes runs of `kCount` taps of one weight out of `sorted`, two runs a step; where the runs are
+/// an odd number, the last one stands beside itself with weight 0.
+template <int kCount>
+std::vector<TapStep<kCount>> TakeSteps(std::vector<Tap>& sorted) {
+    std::vector<Tap> left;
+    std::vector<TapStep<kCount>> steps;
+    bool isHalf = false;
+    for (std::size_t i = 0; i < sorted.size();) {
+        const std::size_t last = i + kCount - 1;
+        if (last >= sorted.size() || sorted[last].weight != sorted[i].weight) {
+            left.push_back(sorted[i++]);
+            continue;
+        }
+        TapStep<kCount> step{};
+        if (isHalf)
+            step = steps.back();
+        for (std::size_t k = 0; k < kCount; ++k, ++i) {
+            step.second[k] = sorted[i].offset;
+            if (!isHalf)
+                step.first[k] = sorted[i].offset;
+        }
+        const auto weight = static_cast<std::int16_t>(sorted[last].weight);
+        (isHalf ? step.secondWeight : step.firstWeight) = weight;
+        if (isHalf)
+            steps.back() = step;
+        else
+            steps.push_back(step);
+        isHalf = !isHalf;
+    }
+    sorted = std::move(left);
+    return steps;
+}
+
+bool Always() {
+    return true;
+}
+
+#if defined(__x86_64__)
+bool HasAvx2() {
+    return __builtin_cpu_supports("avx2") != 0;
+}
+#endif
+
+constexpr SumWay kSumWays[] = {
+    {"plain", Always, SumTapsPlain},
+#if defined(__x86_64__)
+    {"avx2", HasAvx2, SumTapsAvx2},
+#endif
+};
+
+SumTaps FindBestSumTaps() {
+    SumTaps best = SumTapsPlain;
+    for (const SumWay& way : kSumWays)
+        if (way.isSupported())
+            best = way.sum;
+    return best;
+}
+
+}  // namespace
+
+bool TapGroups::CanHold(std::span<const Tap> taps, std::int32_t divisor) {
+    std::int64_t most = divisor;
+    for (const Tap& tap : taps) {
+        if (tap.weight != static_cast<std::int16_t>(tap.weight))
+            return false;
+        most += std::abs(std::int64_t{tap.weight}) * std::numeric_limits<std::uint8_t>::max();
+    }
+    return divisor > 0 && most < kExactQuotients;
+}
+
+TapGroups::TapGroups(std::span<const Tap> taps, std::int32_t divisor)
+    : step_(1.0F / static_cast<float>(divisor)),
+      offset_(static_cast<float>(divisor) * 0.5F + 0.25F) {
+    std::vector<Tap> sorted;
+    for (const Tap& tap : taps)
+        if (tap.weight != 0)
+            sorted.push_back(tap);
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const Tap& a, const Tap& b) { return a.weight < b.weight; });
+    fours_ = TakeSteps<4>(sorted);
+    twos_ = TakeSteps<2>(sorted);
+    ones_ = TakeSteps<1>(sorted);
+}
+
+std::span<const SumWay> SumWays() {
+    return kSumWays;
+}
+
+SumTaps BestSumTaps() {
+    static const SumTaps best = FindBestSumTaps();
+    return best;
+}
+
+}  // namespace velloran
