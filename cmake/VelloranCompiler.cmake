@@ -22,6 +22,10 @@ target_compile_options(velloran_flags INTERFACE
     -Wextra-semi
     # Results must not hang on what the compiler contracts.
     -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # This compiler warns of overlaps inside its own std::string, where there are none.
+    target_compile_options(velloran_flags INTERFACE -Wno-restrict)
+endif()
 if(VELLORAN_WERROR)
     target_compile_options(velloran_flags INTERFACE -Werror)
 endif()

@@ -22,6 +22,7 @@
 #include "cli/StopSignal.h"
 #include "core/Labels.h"
 #include "core/ParaBlock.h"
+#include "core/PixelMemory.h"
 #include "core/TargetRule.h"
 #include "core/Text.h"
 
@@ -147,6 +148,7 @@ class BatchCommand {
 
     int Convert(const BatchEvents& events) {
         const double cpuAtStart = CpuSeconds();
+        KeepFreedMemory();
         const BatchResult result = RunBatch(request_, events);
         const std::optional<int> early = StatusBefore(result);
         if (early == kWrongUsage || (early && result.end == BatchResult::End::kDeclined))

@@ -1,8 +1,10 @@
 #pragma once
 
+// What the program tells the shell.
+
 namespace velloran::cli {
 
-/// What the program tells the shell. A stop by a signal is 128 and the signal's number.
+/// A stop by a signal is 128 and the signal's number.
 enum ExitStatus : int {
     kDone = 0,
     kFileFailed = 1,  // a file could not be read or converted; another try will not help

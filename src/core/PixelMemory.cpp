@@ -8,6 +8,9 @@
 #ifdef __linux__
 #include <sys/mman.h>
 #endif
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace velloran {
 namespace {
@@ -131,6 +134,13 @@ void ReleaseKeptPixels() noexcept {
             GiveBack(head);
         head = nullptr;
     }
+}
+
+void KeepFreedMemory() noexcept {
+#ifdef __GLIBC__
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);  // the largest that the library takes
+    mallopt(M_TRIM_THRESHOLD, 128 << 20);
+#endif
 }
 
 PixelBuffer MakePixelBuffer(std::size_t bytes) {

@@ -23,6 +23,11 @@ struct PixelDeleter {
     void operator()(void* block) const noexcept { FreePixels(block); }
 };
 
+/// Asks the C library to keep what is freed, so that the large buffers of the codecs' libraries are
+/// not faulted in anew for each file. For programs that convert many files; works for the whole
+/// process and does nothing where the C library has no such wish.
+void KeepFreedMemory() noexcept;
+
 /// Owner of scratch of page size.
 using PixelBuffer = std::unique_ptr<std::uint8_t[], PixelDeleter>;
 

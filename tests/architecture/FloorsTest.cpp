@@ -104,16 +104,18 @@ TEST(Floors, AClimbingLinkIsFound) {
 TEST(Floors, OnlyImagingIncludesOpenCv) {
     for (const SourceFile& file : ReadSourceTree())
         for (const std::string& line : file.lines)
-            if (line.find("#include <opencv") != std::string::npos)
+            if (line.find("#include <opencv") != std::string::npos) {
                 EXPECT_EQ(file.folder, "imaging") << file.name;
+            }
 }
 
 TEST(Floors, OnlyWindowsIncludeQt) {
     static const std::regex qt(R"(^\s*#\s*include\s*<Q[A-Z])");
     for (const SourceFile& file : ReadSourceTree())
         for (const std::string& line : file.lines)
-            if (std::regex_search(line, qt))
+            if (std::regex_search(line, qt)) {
                 EXPECT_EQ(file.folder, "app") << file.name;
+            }
 }
 
 }  // namespace

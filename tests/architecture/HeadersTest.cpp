@@ -13,14 +13,16 @@ bool IsHeader(const SourceFile& file) {
 
 TEST(Headers, BeginWithPragmaOnce) {
     for (const SourceFile& file : ReadSourceTree())
-        if (IsHeader(file))
+        if (IsHeader(file)) {
             EXPECT_TRUE(!file.lines.empty() && file.lines[0] == "#pragma once") << file.name;
+        }
 }
 
 TEST(Headers, SayFirstWhatTheyAreFor) {
     for (const SourceFile& file : ReadSourceTree())
-        if (IsHeader(file))
+        if (IsHeader(file)) {
             EXPECT_TRUE(file.lines.size() > 2 && file.lines[2].starts_with("// ")) << file.name;
+        }
 }
 
 TEST(Headers, NeverOpenAWholeNamespace) {
