@@ -20,7 +20,7 @@ namespace {
 /// A file that was 1-bit or 4-bit and is still within its depth returns to that depth.
 int DepthOfSource(const CDibImage& image, bool previewing, int sourceBpp) {
     const int unchanged = image.GetBpp() == 8 ? kGray256 : kRgb24;
-    if (previewing || sourceBpp < 0 || sourceBpp > 8)
+    if (previewing || sourceBpp < 1 || sourceBpp > 8)
         return unchanged;
     const int count = CountColors(image);
     if (count == 0 || count > 1 << sourceBpp)

@@ -184,6 +184,7 @@ Palette NeuralPalette(const CDibImage& image, int colors) {
         Network network(colors);
         Learn(network, image.GetBpp() == 24 ? image : widened);
         Palette palette;
+        palette.reserve(static_cast<std::size_t>(colors));
         for (std::size_t i = 0; i < static_cast<std::size_t>(colors); ++i) {
             const auto level = [&](std::size_t c) {
                 return static_cast<std::uint8_t>(

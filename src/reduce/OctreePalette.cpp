@@ -17,6 +17,7 @@ std::uint8_t Mean(std::uint64_t sum, std::uint64_t count) {
 template <typename Leaves>
 Palette GroupNeighbors(const Leaves& leaves, std::size_t colors) {
     Palette palette;
+    palette.reserve(colors);
     for (std::size_t j = 0; j < colors; ++j) {
         std::uint64_t blue = 0, green = 0, red = 0, reserved = 0, pixels = 0;
         for (std::size_t i = leaves.size() * j / colors; i < leaves.size() * (j + 1) / colors;
@@ -150,6 +151,7 @@ Palette CQuantizer::ReadPalette() const {
     if (leaves.size() > wanted)
         return GroupNeighbors(leaves, wanted);
     Palette palette;
+    palette.reserve(wanted);
     for (const LeafColor& leaf : leaves)
         palette.push_back(leaf.color);
     return palette;

@@ -205,6 +205,7 @@ Palette WuPalette(const CDibImage& image, int colors) {
         std::array<Box, 256> boxes;
         const int count = CutBoxes(table, boxes, colors);
         Palette palette;
+        palette.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             const Moments moments = table.Of(boxes[static_cast<std::size_t>(i)]);
             const auto mean = [&](std::int64_t sum) {

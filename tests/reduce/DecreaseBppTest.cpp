@@ -111,7 +111,7 @@ constexpr SourceCase kSourceCases[] = {
     {"EightBitsWith256ColorsWrites8Bits", 8, 256, 8},
     {"EightBitsWith257ColorsStays24Bits", 8, 257, 24},
     {"EightBitsWith16ColorsWritesThose16", 8, 16, 4},
-    {"UnknownDepthWithTwoColorsStays", 0, 2, 24},
+    {"UnknownDepthStays", 0, 1, 24},
     {"TrueColorStays", 24, 2, 24},
     {"NegativeDepthStays", -3, 1, 24},
     {"AbsurdDepthStays", 2000000000, 1, 24},
