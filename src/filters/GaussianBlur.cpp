@@ -53,23 +53,26 @@ GaussianKernel MakeFiveTaps(float sigma) {
     return TapsOf(sigma, 2, scale);
 }
 
-int SeparableFilter(PlaneView pixels, const GaussianKernel& kernel) {
+int SeparableFilter(PlaneView pixels, const GaussianKernel& kernel, const MixSamples& mix) {
     return RefuseWhenOutOfMemory([&] {
-        if (kernel.taps.size() < 2)
-            return 1;  // one tap is the picture itself
+        if (pixels.width < 1 || pixels.height < 1)
+            return 0;
         const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(pixels.width) * pixels.channels;
         const PixelBuffer memory = MakePixelBuffer(static_cast<std::size_t>(stride) *
                                                    static_cast<std::size_t>(pixels.height));
         const PlaneView between{memory.get(), pixels.width, pixels.height, pixels.channels, stride};
         FilterColumns(pixels, kernel.taps, kernel.sum, between);
-        FilterRows(between, kernel.taps, kernel.sum, pixels);
+        if (mix)
+            FilterRowsMixed(between, kernel.taps, kernel.sum, pixels, mix);
+        else
+            FilterRows(between, kernel.taps, kernel.sum, pixels);
         return 1;
     });
 }
 
-int GaussianBlurInPlace(PlaneView pixels, float sigma) {
+int GaussianBlurInPlace(PlaneView pixels, float sigma, const MixSamples& mix) {
     return RefuseWhenOutOfMemory(
-        [&] { return SeparableFilter(pixels, MakeGaussianKernel(sigma)); });
+        [&] { return SeparableFilter(pixels, MakeGaussianKernel(sigma), mix); });
 }
 
 }  // namespace velloran

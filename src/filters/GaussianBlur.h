@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/PlaneView.h"
+#include "imaging/Convolve.h"
 
 namespace velloran {
 
@@ -22,9 +23,10 @@ GaussianKernel MakeGaussianKernel(float sigma);
 /// Five taps in thousandths of the whole.
 GaussianKernel MakeFiveTaps(float sigma);
 
-/// Columns, then rows, in place. 0, pixels unchanged, without memory.
-int SeparableFilter(PlaneView pixels, const GaussianKernel& kernel);
+/// Columns, then rows, in place. With `mix` the new samples are made by it from the filtered ones
+/// and the old. 0, pixels unchanged, without memory.
+int SeparableFilter(PlaneView pixels, const GaussianKernel& kernel, const MixSamples& mix = {});
 
-int GaussianBlurInPlace(PlaneView pixels, float sigma);
+int GaussianBlurInPlace(PlaneView pixels, float sigma, const MixSamples& mix = {});
 
 }  // namespace velloran

@@ -5,17 +5,17 @@
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
-#include "imaging/BorderedCopy.h"
 #include "imaging/MinMax.h"
 
 namespace velloran {
 namespace {
 
+/// By level; the same both ways.
 struct LevelWindow {
-    int side, anchor, border;
+    int side, anchor;
 };
 
-constexpr std::array<LevelWindow, 4> kWindows = {{{2, 1, 1}, {3, 1, 1}, {4, 2, 2}, {5, 2, 2}}};
+constexpr std::array<LevelWindow, 4> kWindows = {{{2, 1}, {3, 1}, {4, 2}, {5, 2}}};
 constexpr int kSmallestSide = 6;
 
 using WindowFilter = void (*)(ConstPlaneView, Window, PlaneView);
@@ -27,17 +27,14 @@ int FilterAtLevel(CDibImage& image, int level, WindowFilter filter) {
         return 0;
     return RefuseWhenOutOfMemory([&] {
         const LevelWindow& window = kWindows[static_cast<std::size_t>(level - 1)];
+        CDibImage filtered;
+        if (filtered.Create(image.GetWidth(), image.GetHeight(), image.GetBpp()) == nullptr)
+            return 0;
+        filtered.SetGrayPalette();
         // Seen from the top, so that an even window reaches up and not down.
-        const PlaneView pixels = TopDownViewOf(image);
-        const BorderedCopy source(pixels, window.border);
-        ConstPlaneView from = source.View();
-        // The window of the first pixel begins `anchor` before it.
-        const int skipped = window.border - window.anchor;
-        from.first += skipped * from.stride + std::ptrdiff_t{skipped} * from.channels;
-        from.width -= skipped;
-        from.height -= skipped;
-        filter(from, {window.side, window.side, window.anchor, window.anchor}, pixels);
-        return 1;
+        filter(TopDownViewOf(image), {window.side, window.side, window.anchor, window.anchor},
+               TopDownViewOf(filtered));
+        return image.TakePixels(filtered) ? 1 : 0;
     });
 }
 

@@ -1,15 +1,14 @@
 #include "filters/UnsharpMask.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
+#include <optional>
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
-#include "core/Rounding.h"
 #include "filters/GaussianBlur.h"
-#include "filters/Resample.h"
+#include "filters/UsmMixer.h"
+#include "imaging/Resize.h"
 
 namespace velloran {
 namespace {
@@ -19,48 +18,59 @@ constexpr int kMostTimes = 3;
 constexpr float kBoxRadius = 40.0F, kHalfRadius = 20.0F;
 constexpr int kBoxSide = 1000, kHalfFromSide = 2001;
 
-/// Blurs at the working size, and brings the result back.
-bool BlurForMask(CDibImage& image, float radius) {
-    const BoxSize size{image.GetWidth(), image.GetHeight()};
-    const BoxSize working = UsmWorkingSize(size, radius);
-    if (working == size)
-        return GaussianBlurInPlace(ViewOf(image), radius) != 0;
-    const float sigma = static_cast<float>(working.width) * radius / static_cast<float>(size.width);
-    return ResizeToLinear(image, working.width, working.height) != 0 &&
-           GaussianBlurInPlace(ViewOf(image), sigma) != 0 &&
-           ResizeToLinear(image, size.width, size.height) != 0;
+/// A side of a thin picture may vanish where the other is reduced; one pixel stays.
+BoxSize NotEmpty(BoxSize size) {
+    return {std::max(size.width, 1), std::max(size.height, 1)};
 }
 
-/// `pixels` holds the blurred samples and takes the new ones.
-void CombineRows(const UsmTable& table, ConstPlaneView source, PlaneView pixels) {
-#pragma omp parallel for schedule(static)
-    for (int y = 0; y < pixels.height; ++y) {
-        const std::uint8_t* from = source.Row(y).data();
-        std::uint8_t* to = pixels.Row(y).data();
-        const int count = pixels.width * pixels.channels;
-        for (int x = 0; x < count; ++x)
-            to[x] = table[from[x]][to[x]];
+/// The blur of a reduced copy, in the image's size and depth; empty without memory.
+CDibImage BlurReduced(const CDibImage& image, BoxSize working, float radius) {
+    CDibImage reduced, whole;
+    if (reduced.Create(working.width, working.height, image.GetBpp()) == nullptr ||
+        whole.Create(image.GetWidth(), image.GetHeight(), image.GetBpp()) == nullptr)
+        return {};
+    whole.SetGrayPalette();
+    const float sigma =
+        static_cast<float>(working.width) * radius / static_cast<float>(image.GetWidth());
+    ResizeLinear(ViewOf(image), ViewOf(reduced));
+    if (GaussianBlurInPlace(ViewOf(reduced), sigma) == 0)
+        return {};
+    ResizeLinear(ViewOf(static_cast<const CDibImage&>(reduced)), ViewOf(whole));
+    return whole;
+}
+
+/// One round; `mixer` is null where the blur itself is wanted.
+int BlurOrSharpen(CDibImage& image, float radius, const UsmMixer* mixer) {
+    const BoxSize size{image.GetWidth(), image.GetHeight()};
+    const BoxSize working = UsmWorkingSize(size, radius);
+    if (working == size) {
+        MixSamples mix;
+        if (mixer != nullptr)
+            mix = [mixer](const std::uint8_t* blurred, int count, std::uint8_t* row) {
+                mixer->Mix(blurred, count, row);
+            };
+        return GaussianBlurInPlace(ViewOf(image), radius, mix);
     }
+    CDibImage blurred = BlurReduced(image, working, radius);
+    if (!blurred.IsValid())
+        return 0;
+    if (mixer == nullptr)
+        return image.TakePixels(blurred) ? 1 : 0;
+    const PlaneView pixels = ViewOf(image), from = ViewOf(blurred);
+#pragma omp parallel for schedule(static)
+    for (int y = 0; y < pixels.height; ++y)
+        mixer->Mix(from.Row(y).data(), pixels.width * pixels.channels, pixels.Row(y).data());
+    return 1;
 }
 
 }  // namespace
 
 BoxSize UsmWorkingSize(BoxSize size, float radius) {
     if (radius >= kBoxRadius)
-        return FitIntoBox(size, {kBoxSide, kBoxSide});
+        return NotEmpty(FitIntoBox(size, {kBoxSide, kBoxSide}));
     if (radius >= kHalfRadius && (size.width >= kHalfFromSide || size.height >= kHalfFromSide))
-        return {std::max(size.width / 2, 1), std::max(size.height / 2, 1)};
+        return NotEmpty({size.width / 2, size.height / 2});
     return size;
-}
-
-void MakeUsmTable(int amount, int threshold, UsmTable& table) {
-    for (int source = 0; source < 256; ++source)
-        for (int blurred = 0; blurred < 256; ++blurred) {
-            const int difference = source - blurred;
-            table[static_cast<std::size_t>(source)][static_cast<std::size_t>(blurred)] =
-                std::abs(difference) > threshold ? ClampToByte(source + difference * amount / 100)
-                                                 : static_cast<std::uint8_t>(source);
-        }
 }
 
 int UnsharpMask(CDibImage& image, int amount, float radius, int threshold, int times,
@@ -74,21 +84,15 @@ int UnsharpMask(CDibImage& image, int amount, float radius, int threshold, int t
     if (image.GetWidth() < kSmallestSide || image.GetHeight() < kSmallestSide)
         return 0;
     return RefuseWhenOutOfMemory([&] {
-        std::unique_ptr<UsmTable> table;
-        if (!blurOnly) {
-            table = std::make_unique<UsmTable>();
-            MakeUsmTable(amount, threshold, *table);
-        }
+        std::optional<UsmMixer> mixer;
+        if (!blurOnly)
+            mixer.emplace(amount, threshold);
         if (EnsureGrayOrRgb(image) == 0)
             return 0;
-        for (int i = 0; i < times; ++i) {
-            CDibImage blurred(image);
-            if (!blurred.IsValid() || !BlurForMask(blurred, radius))
+        // A round that fails leaves what the rounds before it made.
+        for (int i = 0; i < times; ++i)
+            if (BlurOrSharpen(image, radius, mixer ? &*mixer : nullptr) == 0)
                 return i == 0 ? 0 : 1;
-            if (!blurOnly)
-                CombineRows(*table, ViewOf(static_cast<const CDibImage&>(image)), ViewOf(blurred));
-            image.TakePixels(blurred);
-        }
         return 1;
     });
 }

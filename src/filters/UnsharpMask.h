@@ -2,9 +2,6 @@
 
 // Unsharp mask, and the Gaussian blur step that shares its routine.
 
-#include <array>
-#include <cstdint>
-
 #include "filters/FitIntoBox.h"
 
 namespace velloran {
@@ -17,12 +14,7 @@ class CDibImage;
 int UnsharpMask(CDibImage& image, int amount, float radius, int threshold, int times,
                 bool blurOnly);
 
-/// The size that a blur of this radius works at.
+/// The size that a blur of this radius works at; its sides are at least 1.
 BoxSize UsmWorkingSize(BoxSize size, float radius);
-
-/// New sample by [source][blurred].
-using UsmTable = std::array<std::array<std::uint8_t, 256>, 256>;
-/// `amount` 1..500, `threshold` as compared (already halved).
-void MakeUsmTable(int amount, int threshold, UsmTable& table);
 
 }  // namespace velloran

@@ -35,22 +35,38 @@ void SumExactly(std::span<const Tap> taps, std::int64_t divisor, const std::uint
     }
 }
 
-template <typename LayOut>
+/// Calls `store(sum, samples, count, out)` for each row of a tile, where `sum` makes the results.
+template <typename LayOut, typename Store>
 void SumInTiles(const TileShape& shape, std::span<const Tap> taps, std::int32_t divisor,
-                PlaneView target, LayOut&& layOut) {
+                PlaneView target, LayOut&& layOut, Store&& store) {
     if (TapGroups::CanHold(taps, divisor)) {
         const TapGroups groups(taps, divisor);
-        const SumTaps sum = BestSumTaps();
+        const SumTaps sumTaps = BestSumTaps();
+        const auto sum = [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+            sumTaps(groups, samples, count, out);
+        };
         ForEachTile<std::uint16_t>(shape, target, layOut,
                                    [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-                                       sum(groups, samples, count, out);
+                                       store(sum, samples, count, out);
                                    });
         return;
     }
+    const auto sum = [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+        SumExactly(taps, divisor, samples, count, out);
+    };
     ForEachTile<std::uint16_t>(shape, target, layOut,
                                [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-                                   SumExactly(taps, divisor, samples, count, out);
+                                   store(sum, samples, count, out);
                                });
+}
+
+template <typename LayOut>
+void SumInTiles(const TileShape& shape, std::span<const Tap> taps, std::int32_t divisor,
+                PlaneView target, LayOut&& layOut) {
+    SumInTiles(shape, taps, divisor, target, layOut,
+               [](auto&& sum, const std::uint16_t* samples, int count, std::uint8_t* out) {
+                   sum(samples, count, out);
+               });
 }
 
 /// The samples of a kernel of `size` x `size` weights in a tile.
@@ -139,6 +155,28 @@ void LayOutReflected(std::span<const std::uint8_t> row, int channels, int firstP
     outside(to, end);
 }
 
+/// What both ways of filtering rows share.
+struct RowFilter {
+    RowFilter(std::span<const std::int32_t> weights, int channels)
+        : shape(ShapeOfTiles((static_cast<int>(weights.size()) - 1) * channels, 0,
+                             sizeof(std::uint16_t), kSumBlock)) {
+        shape.width -= shape.width % channels;  // tiles begin with whole pixels
+        for (std::size_t k = 0; k < weights.size(); ++k)
+            taps.push_back({static_cast<std::int32_t>(k) * channels, weights[k]});
+    }
+
+    auto LayOutOf(ConstPlaneView source) const {
+        const int reach = static_cast<int>(taps.size() / 2);
+        return [source, reach](int y, int first, int count, std::uint16_t* samples) {
+            LayOutReflected(source.Row(y), source.channels, first / source.channels - reach,
+                            count / source.channels, samples);
+        };
+    }
+
+    TileShape shape;
+    std::vector<Tap> taps;
+};
+
 }  // namespace
 
 void ConvolveInt(ConstPlaneView source, std::span<const std::int32_t> weights, int size,
@@ -182,17 +220,18 @@ void FilterColumns(ConstPlaneView source, std::span<const std::int32_t> taps, st
 
 void FilterRows(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
                 PlaneView target) {
-    const int length = static_cast<int>(taps.size()), reach = length / 2;
-    const int channels = target.channels;
-    TileShape shape = ShapeOfTiles((length - 1) * channels, 0, sizeof(std::uint16_t), kSumBlock);
-    shape.width -= shape.width % channels;  // tiles begin with whole pixels
-    std::vector<Tap> places;
-    for (int k = 0; k < length; ++k)
-        places.push_back({k * channels, taps[static_cast<std::size_t>(k)]});
-    SumInTiles(shape, places, divisor, target,
-               [&](int y, int first, int count, std::uint16_t* samples) {
-                   LayOutReflected(source.Row(y), channels, first / channels - reach,
-                                   count / channels, samples);
+    const RowFilter filter(taps, target.channels);
+    SumInTiles(filter.shape, filter.taps, divisor, target, filter.LayOutOf(source));
+}
+
+void FilterRowsMixed(ConstPlaneView source, std::span<const std::int32_t> taps,
+                     std::int32_t divisor, PlaneView target, const MixSamples& mix) {
+    const RowFilter filter(taps, target.channels);
+    SumInTiles(filter.shape, filter.taps, divisor, target, filter.LayOutOf(source),
+               [&](auto&& sum, const std::uint16_t* samples, int count, std::uint8_t* out) {
+                   std::uint8_t filtered[kMostTileWidth];
+                   sum(samples, count, filtered);
+                   mix(filtered, count, out);
                });
 }
 

@@ -4,6 +4,7 @@
 // threads. The kernel is laid on the picture as stored: row-major, not mirrored.
 
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "core/PlaneView.h"
@@ -30,5 +31,13 @@ void FilterColumns(ConstPlaneView source, std::span<const std::int32_t> taps, st
                    PlaneView target);
 void FilterRows(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
                 PlaneView target);
+
+/// Makes the new samples of a target from filtered ones and from those that it holds.
+using MixSamples =
+    std::function<void(const std::uint8_t* filtered, int count, std::uint8_t* target)>;
+
+/// FilterRows with `mix` in place of storing; called for parts of rows, from several threads.
+void FilterRowsMixed(ConstPlaneView source, std::span<const std::int32_t> taps,
+                     std::int32_t divisor, PlaneView target, const MixSamples& mix);
 
 }  // namespace velloran

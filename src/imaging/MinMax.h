@@ -6,14 +6,15 @@
 
 namespace velloran {
 
+/// At most kMostWindowSide pixels a side.
 struct Window {
     int width = 1, height = 1;
     int anchorX = 0, anchorY = 0;  // position of the output sample in the window
 };
+inline constexpr int kMostWindowSide = 64;
 
-/// `source` is the bordered copy of `target` with anchorX pixels on the left, anchorY rows before
-/// the first, and width - 1 - anchorX, height - 1 - anchorY at the other sides (or more: `source`
-/// starts at the window's corner of the target's first pixel). Rows in parallel.
+/// Beyond the edges lies the nearest sample. `source` and `target` have equal sizes and must not
+/// overlap. Rows in parallel. Throw std::bad_alloc.
 void MinFilter(ConstPlaneView source, Window window, PlaneView target);
 void MaxFilter(ConstPlaneView source, Window window, PlaneView target);
 

@@ -103,6 +103,10 @@ void ResizeArea(ConstFloatView source, FloatView target) {
     ResampleBy(AreaAxis, source, target);
 }
 
+void ResizeArea(ConstPlaneView source, FloatView target) {
+    ResampleBy(AreaAxis, source, target);
+}
+
 void ResizeLinear(ConstPlaneView source, PlaneView target) {
     ResampleBy(LinearAxis, source, target);
 }

@@ -16,6 +16,7 @@ void ResizeLanczos(ConstPlaneView source, PlaneView target);
 /// must not be larger than the source in either direction.
 void ResizeArea(ConstPlaneView source, PlaneView target);
 void ResizeArea(ConstFloatView source, FloatView target);
+void ResizeArea(ConstPlaneView source, FloatView target);  // not rounded
 
 /// Bilinear between the two nearest samples each way.
 void ResizeLinear(ConstPlaneView source, PlaneView target);

@@ -44,10 +44,10 @@ void AddProducts(const std::uint16_t* samples, std::span<const std::int32_t> off
     AddProducts(together, weight, sums);
 }
 
-template <int kCount>
-void AddSteps(std::span<const TapStep<kCount>> steps, const std::uint16_t* samples,
+template <int kFirst, int kSecond>
+void AddSteps(std::span<const TapStep<kFirst, kSecond>> steps, const std::uint16_t* samples,
               std::int32_t* sums) {
-    for (const TapStep<kCount>& step : steps) {
+    for (const auto& step : steps) {
         AddProducts(samples, step.first, step.firstWeight, sums);
         AddProducts(samples, step.second, step.secondWeight, sums);
     }
@@ -59,41 +59,59 @@ void SumTapsPlain(const TapGroups& taps, const std::uint16_t* samples, int count
         std::int32_t sums[kSumBlock] = {};
         AddSteps(taps.Fours(), samples + x, sums);
         AddSteps(taps.Twos(), samples + x, sums);
+        AddSteps(taps.TwoAndOne(), samples + x, sums);
         AddSteps(taps.Ones(), samples + x, sums);
         Divide(sums, std::min(kSumBlock, count - x), taps.Step(), taps.Offset(), out + x);
     }
 }
 
-/// Takes runs of `kCount` taps of one weight out of `sorted`, two runs a step; where the runs are
-/// an odd number, the last one stands beside itself with weight 0.
+/// Taps of one weight.
 template <int kCount>
-std::vector<TapStep<kCount>> TakeSteps(std::vector<Tap>& sorted) {
+struct TapRun {
+    std::int32_t offsets[kCount];
+    std::int16_t weight;
+};
+
+/// Takes runs of `kCount` taps of one weight out of `sorted`.
+template <int kCount>
+std::vector<TapRun<kCount>> TakeRuns(std::vector<Tap>& sorted) {
     std::vector<Tap> left;
-    std::vector<TapStep<kCount>> steps;
-    bool isHalf = false;
+    std::vector<TapRun<kCount>> runs;
     for (std::size_t i = 0; i < sorted.size();) {
         const std::size_t last = i + kCount - 1;
         if (last >= sorted.size() || sorted[last].weight != sorted[i].weight) {
             left.push_back(sorted[i++]);
             continue;
         }
-        TapStep<kCount> step{};
-        if (isHalf)
-            step = steps.back();
-        for (std::size_t k = 0; k < kCount; ++k, ++i) {
-            step.second[k] = sorted[i].offset;
-            if (!isHalf)
-                step.first[k] = sorted[i].offset;
-        }
-        const auto weight = static_cast<std::int16_t>(sorted[last].weight);
-        (isHalf ? step.secondWeight : step.firstWeight) = weight;
-        if (isHalf)
-            steps.back() = step;
-        else
-            steps.push_back(step);
-        isHalf = !isHalf;
+        TapRun<kCount>& run = runs.emplace_back();
+        run.weight = static_cast<std::int16_t>(sorted[i].weight);
+        for (std::int32_t& offset : run.offsets)
+            offset = sorted[i++].offset;
     }
     sorted = std::move(left);
+    return runs;
+}
+
+template <int kFirst, int kSecond>
+TapStep<kFirst, kSecond> StepOf(const TapRun<kFirst>& first, const TapRun<kSecond>& second,
+                                std::int16_t secondWeight) {
+    TapStep<kFirst, kSecond> step;
+    std::copy_n(first.offsets, kFirst, step.first);
+    std::copy_n(second.offsets, kSecond, step.second);
+    step.firstWeight = first.weight;
+    step.secondWeight = secondWeight;
+    return step;
+}
+
+/// Two runs a step; the last of an odd number stands beside itself with weight 0.
+template <int kCount>
+std::vector<TapStep<kCount, kCount>> StepsOf(const std::vector<TapRun<kCount>>& runs) {
+    std::vector<TapStep<kCount, kCount>> steps;
+    for (std::size_t i = 0; i < runs.size(); i += 2) {
+        const bool isLast = i + 1 == runs.size();
+        const TapRun<kCount>& second = runs[isLast ? i : i + 1];
+        steps.push_back(StepOf(runs[i], second, isLast ? std::int16_t{0} : second.weight));
+    }
     return steps;
 }
 
@@ -143,9 +161,16 @@ TapGroups::TapGroups(std::span<const Tap> taps, std::int32_t divisor)
             sorted.push_back(tap);
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const Tap& a, const Tap& b) { return a.weight < b.weight; });
-    fours_ = TakeSteps<4>(sorted);
-    twos_ = TakeSteps<2>(sorted);
-    ones_ = TakeSteps<1>(sorted);
+    fours_ = StepsOf(TakeRuns<4>(sorted));
+    std::vector<TapRun<2>> twos = TakeRuns<2>(sorted);
+    std::vector<TapRun<1>> ones = TakeRuns<1>(sorted);
+    if (twos.size() % 2 != 0 && ones.size() % 2 != 0) {
+        twoAndOne_.push_back(StepOf(twos.back(), ones.back(), ones.back().weight));
+        twos.pop_back();
+        ones.pop_back();
+    }
+    twos_ = StepsOf(twos);
+    ones_ = StepsOf(ones);
 }
 
 std::span<const SumWay> SumWays() {

@@ -15,10 +15,10 @@ struct Tap {
     std::int32_t weight = 0;
 };
 
-/// Two sums of `kCount` samples each, each with its own weight.
-template <int kCount>
+/// A sum of `kFirst` samples and one of `kSecond`, each with its own weight.
+template <int kFirst, int kSecond>
 struct TapStep {
-    std::int32_t first[kCount], second[kCount];  // offsets
+    std::int32_t first[kFirst], second[kSecond];  // offsets
     std::int16_t firstWeight, secondWeight;
 };
 
@@ -30,11 +30,12 @@ class TapGroups {
     /// `divisor` is positive and the taps pass CanHold. Throws std::bad_alloc.
     TapGroups(std::span<const Tap> taps, std::int32_t divisor);
 
-    /// The sum in three parts: samples that share their weight by fours, by twos, and those left
-    /// over.
-    std::span<const TapStep<4>> Fours() const { return fours_; }
-    std::span<const TapStep<2>> Twos() const { return twos_; }
-    std::span<const TapStep<1>> Ones() const { return ones_; }
+    /// The sum in parts: samples that share their weight by fours and by twos, those that do not,
+    /// and a two beside a one where both are left over.
+    std::span<const TapStep<4, 4>> Fours() const { return fours_; }
+    std::span<const TapStep<2, 2>> Twos() const { return twos_; }
+    std::span<const TapStep<2, 1>> TwoAndOne() const { return twoAndOne_; }
+    std::span<const TapStep<1, 1>> Ones() const { return ones_; }
 
     // Quotients rounded to nearest as truncated floats: (sum + Offset) * Step. The quarter in the
     // offset keeps exact quotients on the right side of the truncation; the next quotient below is
@@ -43,15 +44,16 @@ class TapGroups {
     float Offset() const { return offset_; }
 
  private:
-    std::vector<TapStep<4>> fours_;
-    std::vector<TapStep<2>> twos_;
-    std::vector<TapStep<1>> ones_;
+    std::vector<TapStep<4, 4>> fours_;
+    std::vector<TapStep<2, 2>> twos_;
+    std::vector<TapStep<2, 1>> twoAndOne_;
+    std::vector<TapStep<1, 1>> ones_;
     float step_, offset_;
 };
 
 /// Samples that a way of summing works on at once. `samples` must be readable, at every offset, up
 /// to the next multiple of it.
-inline constexpr int kSumBlock = 32;
+inline constexpr int kSumBlock = 64;
 
 /// out[i] = the sum at samples + i divided, rounded to nearest and limited to 0..255. Samples are
 /// 0..255.

@@ -2,7 +2,6 @@
 
 #include <immintrin.h>
 
-#include <algorithm>
 #include <cstring>
 
 #include "imaging/TapGroups.h"
@@ -13,52 +12,41 @@
 namespace velloran {
 namespace {
 
-struct Block {
-    __m256i a, b;  // samples 0 to 15, 16 to 31
-};
+constexpr int kRegisters = 4;  // of 16 samples
+static_assert(kRegisters * 16 == kSumBlock);
 
 /// Products in the order of the unpacking: within each half register the lower four samples of
 /// eight, then the upper four.
 struct Sums {
-    __m256i aLow, aHigh, bLow, bHigh;
+    __m256i low[kRegisters], high[kRegisters];
 };
 
-[[gnu::target("avx2"), gnu::always_inline]] inline __m256i LoadSamples(const std::uint16_t* from) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
-}
-
 template <int kCount>
-[[gnu::target("avx2"), gnu::always_inline]] inline Block SumOf(const std::uint16_t* samples,
-                                                               const std::int32_t* offsets) {
-    Block sum{LoadSamples(samples + offsets[0]), LoadSamples(samples + offsets[0] + 16)};
-    for (int k = 1; k < kCount; ++k) {
-        sum.a = _mm256_add_epi16(sum.a, LoadSamples(samples + offsets[k]));
-        sum.b = _mm256_add_epi16(sum.b, LoadSamples(samples + offsets[k] + 16));
-    }
+[[gnu::target("avx2"), gnu::always_inline]] inline __m256i SumOf(const std::uint16_t* samples,
+                                                                 const std::int32_t* offsets) {
+    __m256i sum = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples + offsets[0]));
+    for (int k = 1; k < kCount; ++k)
+        sum = _mm256_add_epi16(
+            sum, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples + offsets[k])));
     return sum;
 }
 
-[[gnu::target("avx2"), gnu::always_inline]] inline void AddProducts(const Block& first,
-                                                                    const Block& second,
-                                                                    __m256i weights, Sums& sums) {
-    const auto add = [weights](__m256i & sum, __m256i pairs) __attribute__((target("avx2"))) {
-        sum = _mm256_add_epi32(sum, _mm256_madd_epi16(pairs, weights));
-    };
-    add(sums.aLow, _mm256_unpacklo_epi16(first.a, second.a));
-    add(sums.aHigh, _mm256_unpackhi_epi16(first.a, second.a));
-    add(sums.bLow, _mm256_unpacklo_epi16(first.b, second.b));
-    add(sums.bHigh, _mm256_unpackhi_epi16(first.b, second.b));
-}
-
-template <int kCount>
+template <int kFirst, int kSecond>
 [[gnu::target("avx2"), gnu::always_inline]] inline void AddSteps(
-    std::span<const TapStep<kCount>> steps, const std::uint16_t* samples, Sums& sums) {
-    for (const TapStep<kCount>& step : steps) {
-        const auto low = static_cast<std::uint16_t>(step.firstWeight);
-        const auto high = static_cast<std::uint16_t>(step.secondWeight);
-        const std::uint32_t both = low | static_cast<std::uint32_t>(high) << 16;
-        AddProducts(SumOf<kCount>(samples, step.first), SumOf<kCount>(samples, step.second),
-                    _mm256_set1_epi32(static_cast<int>(both)), sums);
+    std::span<const TapStep<kFirst, kSecond>> steps, const std::uint16_t* samples, Sums& sums) {
+    for (const auto& step : steps) {
+        const auto lower = static_cast<std::uint16_t>(step.firstWeight);
+        const auto upper = static_cast<std::uint16_t>(step.secondWeight);
+        const __m256i weights =
+            _mm256_set1_epi32(static_cast<int>(lower | static_cast<std::uint32_t>(upper) << 16));
+        for (int i = 0; i < kRegisters; ++i) {
+            const __m256i first = SumOf<kFirst>(samples + 16 * i, step.first);
+            const __m256i second = SumOf<kSecond>(samples + 16 * i, step.second);
+            sums.low[i] = _mm256_add_epi32(
+                sums.low[i], _mm256_madd_epi16(_mm256_unpacklo_epi16(first, second), weights));
+            sums.high[i] = _mm256_add_epi32(
+                sums.high[i], _mm256_madd_epi16(_mm256_unpackhi_epi16(first, second), weights));
+        }
     }
 }
 
@@ -69,30 +57,35 @@ template <int kCount>
         _mm256_mul_ps(_mm256_add_ps(_mm256_cvtepi32_ps(sums), offset), step));
 }
 
+/// Bytes of 32 samples; packing undoes the order of the unpacking.
+[[gnu::target("avx2"), gnu::always_inline]] inline __m256i Quotients(const Sums& sums, int i,
+                                                                     __m256 step, __m256 offset) {
+    const __m256i a =
+        _mm256_packs_epi32(Divide(sums.low[i], step, offset), Divide(sums.high[i], step, offset));
+    const __m256i b = _mm256_packs_epi32(Divide(sums.low[i + 1], step, offset),
+                                         Divide(sums.high[i + 1], step, offset));
+    return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
+}
+
 }  // namespace
 
 [[gnu::target("avx2")]] void SumTapsAvx2(const TapGroups& taps, const std::uint16_t* samples,
                                          int count, std::uint8_t* out) {
     const __m256 step = _mm256_set1_ps(taps.Step()), offset = _mm256_set1_ps(taps.Offset());
     for (int x = 0; x < count; x += kSumBlock) {
-        const __m256i zero = _mm256_setzero_si256();
-        Sums sums{zero, zero, zero, zero};
+        Sums sums;
+        for (int i = 0; i < kRegisters; ++i)
+            sums.low[i] = sums.high[i] = _mm256_setzero_si256();
         AddSteps(taps.Fours(), samples + x, sums);
         AddSteps(taps.Twos(), samples + x, sums);
+        AddSteps(taps.TwoAndOne(), samples + x, sums);
         AddSteps(taps.Ones(), samples + x, sums);
-        // Packing undoes the order of the unpacking.
-        const __m256i a =
-            _mm256_packs_epi32(Divide(sums.aLow, step, offset), Divide(sums.aHigh, step, offset));
-        const __m256i b =
-            _mm256_packs_epi32(Divide(sums.bLow, step, offset), Divide(sums.bHigh, step, offset));
-        const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
-        if (count - x >= kSumBlock) {
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + x), bytes);
-        } else {
-            std::uint8_t last[kSumBlock];
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(last), bytes);
+        std::uint8_t last[kSumBlock];
+        std::uint8_t* const to = count - x >= kSumBlock ? out + x : last;
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), Quotients(sums, 0, step, offset));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + 32), Quotients(sums, 2, step, offset));
+        if (to == last)
             std::memcpy(out + x, last, static_cast<std::size_t>(count - x));
-        }
     }
 }
 

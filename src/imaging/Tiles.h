@@ -14,6 +14,8 @@
 
 namespace velloran {
 
+inline constexpr int kMostTileWidth = 2048;  // samples
+
 struct TileShape {
     int width = 0, rows = 0;            // of results; width in samples
     int extraWidth = 0, extraRows = 0;  // further samples that they depend on
@@ -23,14 +25,14 @@ struct TileShape {
 /// A shape for results that depend on `extraWidth` more samples and `extraRows` more rows. The
 /// stride leaves room for reading `block` samples at a time.
 inline TileShape ShapeOfTiles(int extraWidth, int extraRows, int sampleBytes, int block) {
-    constexpr int kTileBytes = 24 * 1024, kLeastWidth = 64, kMostWidth = 2048;
+    constexpr int kTileBytes = 24 * 1024, kLeastWidth = 64;
     TileShape shape;
     shape.extraWidth = extraWidth;
     shape.extraRows = extraRows;
     // Rows of results that share what is laid out for each of them.
     shape.rows = std::clamp(2 * extraRows, 1, 128);
     const int fitting = kTileBytes / sampleBytes / (shape.rows + extraRows) - extraWidth;
-    shape.width = std::clamp(fitting / block * block, kLeastWidth, kMostWidth);
+    shape.width = std::clamp(fitting / block * block, kLeastWidth, kMostTileWidth);
     shape.stride = shape.width + (extraWidth + block - 1) / block * block;
     return shape;
 }
