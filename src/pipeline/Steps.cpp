@@ -1,5 +1,9 @@
 #include "pipeline/Steps.h"
 
+#include "core/Rounding.h"
+#include "filters/AdjustSharpen.h"
+#include "filters/MultiScaleDetail.h"
+#include "filters/SurfaceBlur.h"
 #include "pipeline/Layout.h"
 #include "pipeline/MaskFill.h"
 #include "pipeline/ReduceRequest.h"
@@ -42,6 +46,11 @@ int ComposePixelMap(const RunState& state, PixelMap& map) {
                               state.Value(PARA_CURVE_2), state.Value(PARA_CURVE_3), map);
     changed |= MapGamma(state.Value(PARA_GAMMA), map);
     return changed;
+}
+
+/// value * factor + offset, limited to what an int holds.
+int Scaled(std::int32_t value, int factor, int offset) {
+    return TruncToInt(static_cast<double>(value) * factor + offset);
 }
 
 }  // namespace
@@ -104,8 +113,24 @@ void MapPixels(RunState& state) {
     ApplyPixelMap(map, *state.image);
 }
 
+void EnhanceDetail(RunState& state) {
+    MultiScaleDetail(*state.image, state.Value(PARA_ADJUST_MULTI_SCALE_R));
+}
+
 void AdjustLevelsPost(RunState& state) {
     AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS_POST));
+}
+
+void BlurSurfaces(RunState& state) {
+    const int radius = Scaled(state.Value(PARA_SURFACE_BLUR_RADIUS), 1, 1);
+    const int threshold = Scaled(state.Value(PARA_SURFACE_BLUR_THRESHOLD), 1, 2);
+    SurfaceBlur(*state.image, radius, threshold, state.Value(PARA_SURFACE_BLUR_TIMES),
+                state.Value(PARA_SURFACE_BLUR_ALGRITHOM));
+}
+
+void SharpenAdjusted(RunState& state) {
+    AdjustSharpen(*state.image, state.Value(PARA_ADJUST_SHARPEN_PERCENT),
+                  Scaled(state.Value(PARA_ADJUST_SHARPEN_SIZE), 2, 7));
 }
 
 void ReduceColors(RunState& state) {

@@ -29,8 +29,17 @@ bool HasPixelMapping(const RunState& state);
 /// Step 16: one table of all stages, applied once.
 void MapPixels(RunState& state);
 
+/// Step 18: multi-scale detail.
+void EnhanceDetail(RunState& state);
+
 /// Step 19.
 void AdjustLevelsPost(RunState& state);
+
+/// Step 24: the surface blur; radius and threshold are counted from 1 and 2 in their parameters.
+void BlurSurfaces(RunState& state);
+
+/// Step 27: the adjustable sharpening; the parameter of its size counts odd sizes from 7.
+void SharpenAdjusted(RunState& state);
 
 /// Step 29: the colour reduction with the protected colour; a preview keeps its depth.
 void ReduceColors(RunState& state);
