@@ -11,30 +11,42 @@ namespace velloran {
 namespace {
 
 constexpr std::size_t kColors = std::size_t{1} << 24;
-constexpr int kFar = 512;  // farther from any level than levels are from each other
-constexpr int kBlock = 16;
+// Behind the last entry: more than any squared length of a colour minus twice a product.
+constexpr std::int32_t kFar = 400000 * 256;
 
-/// Squared distances of a block of entries.
+/// The smallest of 256 * (|entry|^2 - 2 entry * color) + index: in the order of the distance from
+/// the colour, whose own length is the same for all, and then of the index.
 VELLORAN_SIMD_CLONES
-void Distances(const std::int16_t* blue, const std::int16_t* green, const std::int16_t* red, int b,
-               int g, int r, std::int32_t* distance) {
-    for (int i = 0; i < kBlock; ++i) {
-        const int db = blue[i] - b, dg = green[i] - g, dr = red[i] - r;
-        distance[i] = db * db + dg * dg + dr * dr;
-    }
+std::int32_t SmallestKey(const NearestColor::Entries& entries, int count, int blue, int green,
+                         int red) {
+    constexpr int kLanes = 8;
+    std::int32_t least[kLanes];
+    for (std::int32_t& lane : least)
+        lane = std::numeric_limits<std::int32_t>::max();
+    for (int first = 0; first < count; first += kLanes)
+        for (int i = 0; i < kLanes; ++i) {
+            const auto at = static_cast<std::size_t>(first + i);
+            const std::int32_t product =
+                entries.blue[at] * blue + entries.green[at] * green + entries.red[at] * red;
+            const std::int32_t key = entries.base[at] - product * 512;
+            least[i] = key < least[i] ? key : least[i];
+        }
+    return *std::min_element(least, least + kLanes);
 }
 
 }  // namespace
 
 NearestColor::NearestColor(const Palette& palette)
     : count_(static_cast<int>(std::min<std::size_t>(palette.size(), 256))) {
-    blue_.fill(kFar);
-    green_.fill(kFar);
-    red_.fill(kFar);
+    entries_.base.fill(kFar);
     for (std::size_t i = 0; i < static_cast<std::size_t>(count_); ++i) {
-        blue_[i] = palette[i].blue;
-        green_[i] = palette[i].green;
-        red_[i] = palette[i].red;
+        const PaletteEntry& entry = palette[i];
+        entries_.blue[i] = entry.blue;
+        entries_.green[i] = entry.green;
+        entries_.red[i] = entry.red;
+        entries_.base[i] =
+            (entry.blue * entry.blue + entry.green * entry.green + entry.red * entry.red) * 256 +
+            static_cast<std::int32_t>(i);
     }
     index_.reset(static_cast<std::uint8_t*>(AllocatePixels(kColors)));
     solved_.reset(static_cast<std::uint8_t*>(AllocatePixels(kColors / 8)));
@@ -60,19 +72,7 @@ std::uint8_t NearestColor::Find(std::uint32_t color) {
 }
 
 std::uint8_t NearestColor::Search(int blue, int green, int red) const {
-    std::int32_t least = std::numeric_limits<std::int32_t>::max();
-    int nearest = 0;
-    std::array<std::int32_t, kBlock> distance;
-    for (int first = 0; first < count_ && least > 0; first += kBlock) {
-        Distances(&blue_[static_cast<std::size_t>(first)], &green_[static_cast<std::size_t>(first)],
-                  &red_[static_cast<std::size_t>(first)], blue, green, red, distance.data());
-        for (int i = 0; i < kBlock; ++i)
-            if (distance[static_cast<std::size_t>(i)] < least) {
-                least = distance[static_cast<std::size_t>(i)];
-                nearest = first + i;
-            }
-    }
-    return static_cast<std::uint8_t>(nearest);
+    return static_cast<std::uint8_t>(SmallestKey(entries_, count_, blue, green, red) & 255);
 }
 
 }  // namespace velloran

@@ -13,6 +13,12 @@ namespace velloran {
 
 class NearestColor {
  public:
+    /// Channels apart, padded to whole vectors with entries that never win.
+    struct Entries {
+        alignas(32) std::array<std::int32_t, 256> blue{}, green{}, red{};
+        alignas(32) std::array<std::int32_t, 256> base{};  // 256 * squared length + index
+    };
+
     /// The cache of 18 MiB is made here; without memory for it each colour is searched anew, with
     /// the same results.
     explicit NearestColor(const Palette& palette);
@@ -32,8 +38,7 @@ class NearestColor {
     std::uint8_t Find(std::uint32_t color);
     std::uint8_t Search(int blue, int green, int red) const;
 
-    // Channels apart, padded to whole vectors with entries that never win.
-    alignas(32) std::array<std::int16_t, 256> blue_, green_, red_;
+    Entries entries_;
     int count_;
     PixelBuffer index_;   // by colour
     PixelBuffer solved_;  // a bit by colour

@@ -23,19 +23,21 @@ constexpr int kLanes = 8;
 
 /// Neurons side by side, channels apart, so that the search runs over vectors of them. What lies
 /// behind the last neuron is so far away that it never wins.
+///
+/// The published network holds a bias beside each frequency. Whatever a frequency loses or gains,
+/// its bias gains or loses 1024 times, so bias = 1024 * (firstFreq - freq), and is not held.
 struct Network {
     alignas(32) std::array<std::array<std::int32_t, kMaxNeurons>, 3> channel;
-    alignas(32) std::array<std::int32_t, kMaxNeurons> freq, bias;
-    int count;
+    alignas(32) std::array<std::int32_t, kMaxNeurons> freq;
+    int count, firstFreq;
 
-    explicit Network(int neurons) : count(neurons) {
+    explicit Network(int neurons) : count(neurons), firstFreq(65536 / neurons) {
         for (int i = 0; i < kMaxNeurons; ++i) {
             const auto at = static_cast<std::size_t>(i);
             const bool used = i < neurons;
             for (auto& values : channel)
                 values[at] = used ? (i << 12) / neurons : 1 << 27;
-            freq[at] = used ? 65536 / neurons : 0;
-            bias[at] = 0;
+            freq[at] = used ? firstFreq : 0;
         }
     }
 };
@@ -50,8 +52,8 @@ const Lanes& At(const std::int32_t* from) {
 
 // Inlined always: vectors must not cross a call between code for different processors.
 [[gnu::always_inline]] inline void AddDistance(Lanes& sum, const Lanes& a, const Lanes& b) {
-    const Lanes difference = a - b, sign = difference >> 31;
-    sum += (difference ^ sign) - sign;
+    const Lanes difference = a - b;
+    sum += difference < 0 ? -difference : difference;
 }
 
 /// The lane with the smallest value, the smallest neuron winning ties.
@@ -69,6 +71,7 @@ Winners Contest(Network& network, int blue, int green, int red) {
     constexpr std::int32_t kFar = std::numeric_limits<std::int32_t>::max();
     const Lanes zero{};
     const Lanes b = zero + blue, g = zero + green, r = zero + red;
+    const Lanes firstFreq = zero + network.firstFreq;
     Lanes neuron{0, 1, 2, 3, 4, 5, 6, 7};
     Lanes least = zero + kFar, leastBiased = zero + kFar, best = zero, bestBiased = zero;
     for (int i = 0; i < network.count; i += kLanes, neuron += kLanes) {
@@ -76,59 +79,60 @@ Winners Contest(Network& network, int blue, int green, int red) {
         AddDistance(distance, At(&network.channel[0][i]), b);
         AddDistance(distance, At(&network.channel[1][i]), g);
         AddDistance(distance, At(&network.channel[2][i]), r);
-        Lanes& bias = *reinterpret_cast<Lanes*>(&network.bias[i]);
         Lanes& freq = *reinterpret_cast<Lanes*>(&network.freq[i]);
-        const Lanes biased = distance - (bias >> 12);
+        const Lanes biased = distance - ((firstFreq - freq) >> 2);  // bias >> 12
         const Lanes nearer = distance < least, nearerBiased = biased < leastBiased;
         least = nearer ? distance : least;
         best = nearer ? neuron : best;
         leastBiased = nearerBiased ? biased : leastBiased;
         bestBiased = nearerBiased ? neuron : bestBiased;
-        const Lanes share = freq >> 10;
-        freq -= share;
-        bias += share << 10;
+        freq -= freq >> 10;
     }
     const Winners winners{FirstOfSmallest(least, best), FirstOfSmallest(leastBiased, bestBiased)};
     network.freq[static_cast<std::size_t>(winners.best)] += 64;
-    network.bias[static_cast<std::size_t>(winners.best)] -= 65536;
     return winners;
 }
 
-void MoveNeuron(Network& network, int neuron, const std::array<int, 3>& input, int strength,
-                int divisor) {
+void MoveWinner(Network& network, int neuron, const std::array<int, 3>& input, int alpha) {
     for (std::size_t c = 0; c < 3; ++c) {
         std::int32_t& value = network.channel[c][static_cast<std::size_t>(neuron)];
-        value -= static_cast<std::int32_t>(std::int64_t{strength} * (value - input[c]) / divisor);
+        value -= alpha * (value - input[c]) / kInitialAlpha;
     }
 }
 
-/// How far the neighbours of a winner move, by their distance from it.
+/// How far the neighbours of a winner move, by their distance from it: power[kMaxNeurons + d] for
+/// neuron winner + d, and 0 for the winner itself, so that one run covers both sides.
 struct Neighborhood {
     int reach = 0;
-    std::array<int, kMaxNeurons> power{};
+    std::array<std::int32_t, 2 * kMaxNeurons> power{};
 
     void Update(int radius, int alpha) {
         reach = radius >> kRadiusShift;
         if (reach <= 1)
             reach = 0;
         const int square = reach * reach;
-        for (int i = 0; i < reach; ++i)
-            power[static_cast<std::size_t>(i)] = alpha * (((square - i * i) * 256) / square);
+        for (int i = 1; i < reach; ++i) {
+            const int strength = alpha * (((square - i * i) * 256) / square);
+            power[static_cast<std::size_t>(kMaxNeurons + i)] = strength;
+            power[static_cast<std::size_t>(kMaxNeurons - i)] = strength;
+        }
     }
 };
 
+VELLORAN_SIMD_CLONES
+void MoveRun(std::int32_t* values, const std::int32_t* power, int count, int input) {
+    for (int i = 0; i < count; ++i)
+        values[i] -= power[i] * (values[i] - input) / 262144;  // below 2^31: 262144 * 4080
+}
+
 void MoveNeighbors(Network& network, int neuron, const Neighborhood& near,
                    const std::array<int, 3>& input) {
-    const int low = std::max(neuron - near.reach, -1);
+    const int low = std::max(neuron - near.reach, -1) + 1;
     const int high = std::min(neuron + near.reach, network.count);
-    int up = neuron + 1, down = neuron - 1;
-    for (std::size_t i = 1; up < high || down > low; ++i) {
-        const int strength = near.power[i];
-        if (up < high)
-            MoveNeuron(network, up++, input, strength, 262144);
-        if (down > low)
-            MoveNeuron(network, down--, input, strength, 262144);
-    }
+    for (std::size_t c = 0; c < 3; ++c)
+        MoveRun(&network.channel[c][static_cast<std::size_t>(low)],
+                &near.power[static_cast<std::size_t>(kMaxNeurons + low - neuron)], high - low,
+                input[c]);
 }
 
 /// Three times a prime that the length is no multiple of.
@@ -155,7 +159,7 @@ void Learn(Network& network, const CDibImage& image) {
             image.GetBits(static_cast<int>(position / rowBytes)) + position % rowBytes;
         const std::array<int, 3> input{pixel[0] * 16, pixel[1] * 16, pixel[2] * 16};
         const int winner = Contest(network, input[0], input[1], input[2]).bestBias;
-        MoveNeuron(network, winner, input, alpha, kInitialAlpha);
+        MoveWinner(network, winner, input, alpha);
         if (near.reach != 0)
             MoveNeighbors(network, winner, near, input);
         position += step;

@@ -1,0 +1,113 @@
+// Palettes of a colour page and their application, beside copies of that page.
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+
+#include "PlainNetwork.h"
+#include "core/DibImage.h"
+#include "reduce/ApplyPalette.h"
+#include "reduce/CountColors.h"
+#include "reduce/PaletteMakers.h"
+#include "support/BesideOpenCv.h"
+#include "support/Page.h"
+
+namespace velloran::bench {
+namespace {
+
+constexpr int kColorBits = 24;
+
+enum PageKind { kScanned, kNoise };
+
+CDibImage PageOf(PageKind kind) {
+    return kind == kNoise ? NoisePage(kColorBits) : ScannedPage(kColorBits);
+}
+
+void OnOneThread(benchmark::internal::Benchmark* bench) {
+    bench->ArgName("threads")->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
+void FloorCopyColorPage(benchmark::State& state) {
+    const CDibImage page = ScannedPage(kColorBits);
+    CDibImage copy = page;
+    Measure(state, page, [&] {
+        std::memcpy(copy.GetBits(0), page.GetBits(0),
+                    static_cast<std::size_t>(page.GetEffWidth()) *
+                        static_cast<std::size_t>(page.GetHeight()));
+    });
+}
+BENCHMARK(FloorCopyColorPage)->Apply(OnOneThread);
+
+template <PageKind kKind>
+void CountPage(benchmark::State& state) {
+    const CDibImage page = PageOf(kKind);
+    Measure(state, page, [&] { benchmark::DoNotOptimize(CountColors(page)); });
+}
+BENCHMARK(CountPage<kScanned>)->Apply(OnOneThread);
+BENCHMARK(CountPage<kNoise>)->Apply(OnOneThread);
+
+template <Palette (*kMaker)(const CDibImage&, int), int kColors, PageKind kKind>
+void Make(benchmark::State& state) {
+    const CDibImage page = PageOf(kKind);
+    Measure(state, page, [&] { benchmark::DoNotOptimize(kMaker(page, kColors)); });
+}
+BENCHMARK(Make<OctreePalette, 256, kScanned>)->Apply(OnOneThread);
+BENCHMARK(Make<OctreePalette, 256, kNoise>)->Apply(OnOneThread);
+BENCHMARK(Make<MedianCutPalette, 256, kScanned>)->Apply(OnOneThread);
+BENCHMARK(Make<MedianCutPalette, 256, kNoise>)->Apply(OnOneThread);
+BENCHMARK(Make<WuPalette, 256, kScanned>)->Apply(OnOneThread);
+BENCHMARK(Make<WuPalette, 256, kNoise>)->Apply(OnOneThread);
+
+// The network looks at each pixel against all entries: a small page tells as much.
+constexpr int kNetworkSide = 200;
+
+void MakeNeural(benchmark::State& state) {
+    const CDibImage page = ScannedPage(kColorBits, kNetworkSide, kNetworkSide);
+    Measure(state, page, [&] { benchmark::DoNotOptimize(NeuralPalette(page, 256)); });
+}
+BENCHMARK(MakeNeural)->Apply(OnOneThread);
+
+void FloorPlainNetwork(benchmark::State& state) {
+    const CDibImage page = ScannedPage(kColorBits, kNetworkSide, kNetworkSide);
+    Measure(state, page, [&] {
+        PlainNetwork network(256);
+        network.Learn(page);
+        benchmark::DoNotOptimize(network.Value(0));
+    });
+}
+BENCHMARK(FloorPlainNetwork)->Apply(OnOneThread);
+
+template <PageKind kKind>
+void PackNearest256(benchmark::State& state) {
+    const CDibImage page = PageOf(kKind);
+    const Palette palette = OctreePalette(page, 256);
+    const BothThreads threads(1);
+    for (auto _ : state) {
+        state.PauseTiming();
+        CDibImage image(page);
+        state.ResumeTiming();
+        PackNearest(image, 8, palette);
+    }
+    CountBytes(state, page);
+}
+BENCHMARK(PackNearest256<kScanned>)->Apply(OnOneThread);
+BENCHMARK(PackNearest256<kNoise>)->Apply(OnOneThread);
+
+template <PageKind kKind>
+void Diffuse16(benchmark::State& state) {
+    const CDibImage page = PageOf(kKind);
+    const Palette palette = OctreePalette(page, 16);
+    const BothThreads threads(1);
+    for (auto _ : state) {
+        state.PauseTiming();
+        CDibImage image(page);
+        state.ResumeTiming();
+        DiffusePalette(image, palette, /*keepDepth=*/false);
+    }
+    CountBytes(state, page);
+}
+BENCHMARK(Diffuse16<kScanned>)->Apply(OnOneThread);
+BENCHMARK(Diffuse16<kNoise>)->Apply(OnOneThread);
+
+}  // namespace
+}  // namespace velloran::bench
