@@ -6,6 +6,8 @@
 
 #include "core/DibImage.h"
 #include "core/SimdTarget.h"
+#include "core/Threads.h"
+#include "filters/SampleCount.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BorderedCopy.h"
 
@@ -154,10 +156,11 @@ void BlurDirect(CDibImage& image, int radius, int threshold, int times) {
     const PlaneView pixels = ViewOf(image);
     // The last block of a row may reach past the row.
     const BorderWidths border{radius, radius, radius + kBlock, radius};
+    [[maybe_unused]] const bool isWorthThreads = IsWorthThreads(SampleCount(pixels));
     for (int pass = 0; pass < times; ++pass) {
         const BorderedCopy copy(pixels, border);
         const ConstPlaneView source = copy.View();
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (isWorthThreads)
         for (int y = 0; y < pixels.height; ++y)
             BlurRow({source.Row(y).data(), source.stride, source.channels, radius}, threshold,
                     weights, pixels.Row(y));

@@ -1,9 +1,15 @@
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
+#include <new>
+#include <vector>
 
 #include "core/DibImage.h"
 #include "core/PixelMemory.h"
+#include "core/Refusal.h"
 #include "core/SimdTarget.h"
+#include "core/Threads.h"
+#include "filters/SampleCount.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BoxMean.h"
 
@@ -12,12 +18,12 @@ namespace {
 
 /// Saturated, halves away from zero; the fraction is exact where adding 0.5 would round.
 VELLORAN_SIMD_CLONES
-void RoundRow(const float* values, int count, std::uint8_t* out) {
+void RoundRow(const float* values, int count, int step, std::uint8_t* out) {
     for (int i = 0; i < count; ++i) {
         const float limited = values[i] < 0.0F ? 0.0F : (values[i] > 255.0F ? 255.0F : values[i]);
         const int whole = static_cast<int>(limited);
         const int up = limited - static_cast<float>(whole) >= 0.5F ? 1 : 0;
-        out[i] = static_cast<std::uint8_t>(whole + up);
+        out[static_cast<std::ptrdiff_t>(i) * step] = static_cast<std::uint8_t>(whole + up);
     }
 }
 
@@ -40,97 +46,147 @@ void FitRow(int count, float eps, float* mean, float* squares) {
 }
 
 VELLORAN_SIMD_CLONES
-void ApplyRow(const float* slope, const std::uint8_t* samples, int count, float* offset) {
+void ApplyRow(const float* slope, const std::uint8_t* samples, int step, int count, float* offset) {
     for (int i = 0; i < count; ++i)
-        offset[i] = offset[i] + slope[i] * static_cast<float>(samples[i]);
+        offset[i] = offset[i] +
+                    slope[i] * static_cast<float>(samples[static_cast<std::ptrdiff_t>(i) * step]);
 }
 
-/// The planes of one channel. The means have planes of their own: a mean in place would copy.
-class GuidedPlane {
- public:
-    GuidedPlane(int width, int height)
-        : samples_(
-              MakePixelBuffer(static_cast<std::size_t>(width) * static_cast<std::size_t>(height))),
-          values_(width, height),
-          squares_(width, height),
-          meanValues_(width, height),
-          meanSquares_(width, height),
-          width_(width),
-          height_(height) {}
+/// Rows that are smoothed at a time. Around them twice the radius is needed: the line of each
+/// sample is fitted to the means around it, and the lines are averaged once more.
+constexpr int kBandRows = 256;
 
-    void Load(ConstPlaneView pixels, int channel) {
-#pragma omp parallel for schedule(static)
-        for (int y = 0; y < height_; ++y) {
-            const std::uint8_t* from = pixels.Row(y).data() + channel;
-            std::uint8_t* samples = Samples(y);
-            float* values = values_.View().Row(y).data();
-            for (int x = 0; x < width_; ++x) {
-                samples[x] = from[static_cast<std::ptrdiff_t>(x) * pixels.channels];
-                values[x] = static_cast<float>(samples[x]);
-            }
-        }
-    }
+/// Some rows of four planes, held by each thread.
+struct BandPlanes {
+    FloatPlane values, squares, meanValues, meanSquares;
 
-    void Store(int channel, PlaneView pixels) const {
-#pragma omp parallel for schedule(static)
-        for (int y = 0; y < height_; ++y) {
-            const std::uint8_t* samples = Samples(y);
-            std::uint8_t* to = pixels.Row(y).data() + channel;
-            for (int x = 0; x < width_; ++x)
-                to[static_cast<std::ptrdiff_t>(x) * pixels.channels] = samples[x];
-        }
-    }
-
-    /// The values go on unrounded into the next pass; the line is applied to the rounded samples.
-    void Smooth(int radius, float eps) {
-        const FloatView values = values_.View(), squares = squares_.View();
-        const FloatView meanValues = meanValues_.View(), meanSquares = meanSquares_.View();
-#pragma omp parallel for schedule(static)
-        for (int y = 0; y < height_; ++y)
-            SquareRow(values.Row(y).data(), width_, squares.Row(y).data());
-        BoxMean(values, radius, meanValues);
-        BoxMean(squares, radius, meanSquares);
-#pragma omp parallel for schedule(static)
-        for (int y = 0; y < height_; ++y)
-            FitRow(width_, eps, meanValues.Row(y).data(), meanSquares.Row(y).data());
-        BoxMean(meanSquares, radius, squares);
-        BoxMean(meanValues, radius, values);
-#pragma omp parallel for schedule(static)
-        for (int y = 0; y < height_; ++y) {
-            ApplyRow(squares.Row(y).data(), Samples(y), width_, values.Row(y).data());
-            RoundRow(values.Row(y).data(), width_, Samples(y));
-        }
-    }
-
- private:
-    std::uint8_t* Samples(int y) const {
-        return samples_.get() + static_cast<std::ptrdiff_t>(y) * width_;
-    }
-
-    PixelBuffer samples_;
-    FloatPlane values_, squares_, meanValues_, meanSquares_;
-    int width_, height_;
+    BandPlanes(int width, int height)
+        : values(width, height),
+          squares(width, height),
+          meanValues(width, height),
+          meanSquares(width, height) {}
 };
+
+FloatView RowsOf(FloatView plane, int first, int count) {
+    return {plane.first + first * plane.stride, plane.width, count, plane.channels, plane.stride};
+}
+
+struct Rows {
+    int first, last;  // last lies outside
+
+    int Count() const { return last - first; }
+    Rows Extended(int by, int height) const {
+        return {std::max(first - by, 0), std::min(last + by, height)};
+    }
+};
+
+/// One pass over one channel.
+struct GuidedPass {
+    ConstPlaneView samples;  // rounded, what the line is applied to
+    PlaneView result;        // may be `samples`, if `values` is there
+    int channel, radius;
+    float eps;
+    ConstFloatView values;  // unrounded from the pass before; none in the first
+    FloatView nextValues;   // for the pass behind; none in the last
+};
+
+void LoadRows(const GuidedPass& pass, Rows rows, FloatView values) {
+    for (int y = 0; y < rows.Count(); ++y) {
+        float* out = values.Row(y).data();
+        if (pass.values.first != nullptr) {
+            std::copy_n(pass.values.Row(rows.first + y).data(), values.width, out);
+            continue;
+        }
+        const std::uint8_t* from = pass.samples.Row(rows.first + y).data() + pass.channel;
+        for (int x = 0; x < values.width; ++x)
+            out[x] = from[static_cast<std::ptrdiff_t>(x) * pass.samples.channels];
+    }
+}
+
+void FinishRow(const GuidedPass& pass, int y, const float* slope, float* values) {
+    const int channels = pass.samples.channels, width = pass.samples.width;
+    ApplyRow(slope, pass.samples.Row(y).data() + pass.channel, channels, width, values);
+    RoundRow(values, width, channels, pass.result.Row(y).data() + pass.channel);
+    if (pass.nextValues.first != nullptr)
+        std::copy_n(values, width, pass.nextValues.Row(y).data());
+}
+
+/// Means near the ends of the rows at hand are wrong where the picture goes on, and not used.
+void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
+    const int height = pass.samples.height, width = pass.samples.width;
+    const Rows around = band.Extended(pass.radius, height);
+    const Rows all = around.Extended(pass.radius, height);
+    const FloatView values = RowsOf(planes.values.View(), 0, all.Count());
+    const FloatView squares = RowsOf(planes.squares.View(), 0, all.Count());
+    const FloatView meanValues = RowsOf(planes.meanValues.View(), 0, all.Count());
+    const FloatView meanSquares = RowsOf(planes.meanSquares.View(), 0, all.Count());
+    LoadRows(pass, all, values);
+    for (int y = 0; y < all.Count(); ++y)
+        SquareRow(values.Row(y).data(), width, squares.Row(y).data());
+    BoxMean(values, pass.radius, meanValues);
+    BoxMean(squares, pass.radius, meanSquares);
+    const int skipped = around.first - all.first;
+    const FloatView offsets = RowsOf(meanValues, skipped, around.Count());
+    const FloatView slopes = RowsOf(meanSquares, skipped, around.Count());
+    for (int y = 0; y < around.Count(); ++y)
+        FitRow(width, pass.eps, offsets.Row(y).data(), slopes.Row(y).data());
+    const FloatView meanSlopes = RowsOf(squares, 0, around.Count());
+    const FloatView meanOffsets = RowsOf(values, 0, around.Count());
+    BoxMean(slopes, pass.radius, meanSlopes);
+    BoxMean(offsets, pass.radius, meanOffsets);
+    for (int y = band.first; y < band.last; ++y)
+        FinishRow(pass, y, meanSlopes.Row(y - around.first).data(),
+                  meanOffsets.Row(y - around.first).data());
+}
+
+void RunPass(const GuidedPass& pass, std::vector<BandPlanes>& planes) {
+    const int height = pass.samples.height, bands = (height + kBandRows - 1) / kBandRows;
+    std::atomic<bool> isShort = false;
+#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pass.samples)))
+    for (int band = 0; band < bands; ++band) {
+        const int first = band * kBandRows;
+        // The means allocate, and no exception may leave the loop.
+        const int done = RefuseWhenOutOfMemory([&] {
+            SmoothBand(pass, {first, std::min(first + kBandRows, height)},
+                       planes[static_cast<std::size_t>(ThreadNumber())]);
+            return 1;
+        });
+        if (done == 0)
+            isShort = true;
+    }
+    if (isShort)
+        throw std::bad_alloc();
+}
 
 }  // namespace
 
 void BlurGuided(CDibImage& image, int radius, int threshold, int times) {
     const PlaneView pixels = ViewOf(image);
+    const int width = pixels.width, height = pixels.height;
     const auto eps =
         static_cast<float>(static_cast<double>(static_cast<float>(threshold * threshold)) * 0.7);
-    GuidedPlane plane(pixels.width, pixels.height);
-    // The image changes when all its channels are done: the means may run out of memory.
-    const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(pixels.width) * pixels.channels;
+    // The image changes when all is done: the means may run out of memory.
+    const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(width) * pixels.channels;
     const PixelBuffer memory =
-        MakePixelBuffer(static_cast<std::size_t>(stride) * static_cast<std::size_t>(pixels.height));
-    const PlaneView result{memory.get(), pixels.width, pixels.height, pixels.channels, stride};
-    for (int channel = 0; channel < pixels.channels; ++channel) {
-        plane.Load(pixels, channel);
-        for (int pass = 0; pass < times; ++pass)
-            plane.Smooth(radius, eps);
-        plane.Store(channel, result);
-    }
-    for (int y = 0; y < pixels.height; ++y)
+        MakePixelBuffer(static_cast<std::size_t>(stride) * static_cast<std::size_t>(height));
+    const PlaneView result{memory.get(), width, height, pixels.channels, stride};
+    std::vector<BandPlanes> planes;
+    for (int thread = 0; thread < MaxThreads(); ++thread)
+        planes.emplace_back(width, std::min(height, kBandRows + 4 * radius));
+    FloatPlane carried[2];
+    if (times > 1)
+        for (FloatPlane& plane : carried)
+            plane = FloatPlane(width, height);
+    for (int channel = 0; channel < pixels.channels; ++channel)
+        for (int pass = 0; pass < times; ++pass) {
+            const FloatView before = carried[pass % 2].View(),
+                            behind = carried[1 - pass % 2].View();
+            RunPass({pass == 0 ? pixels : result, result, channel, radius, eps,
+                     pass == 0 ? FloatView{} : before, pass == times - 1 ? FloatView{} : behind},
+                    planes);
+        }
+#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+    for (int y = 0; y < height; ++y)
         std::copy_n(result.Row(y).data(), stride, pixels.Row(y).data());
 }
 

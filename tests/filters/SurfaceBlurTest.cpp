@@ -69,7 +69,7 @@ TEST_P(SurfaceBlurEachForm, TakesMoreThanThreeTimesForThree) {
 
 TEST_P(SurfaceBlurEachForm, GivesTheSameBytesForAnyNumberOfThreads) {
     for (const int bpp : {8, 24}) {
-        const CDibImage image = test::Noise(131, 97, bpp);
+        const CDibImage image = test::Noise(301, 223, bpp);
         std::vector<CDibImage> results;
         for (const int count : {1, 2, 7}) {
             const test::Threads threads(count);
