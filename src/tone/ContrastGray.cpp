@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "core/DibImage.h"
+#include "core/GrayDepth.h"
+#include "core/Refusal.h"
+#include "core/Rounding.h"
+#include "filters/Resample.h"
+#include "tone/Channels.h"
+
+namespace velloran {
+namespace {
+
+constexpr double kSmallSide = 64.0;
+constexpr double kDeltaScale = 1.41, kLeastDelta = 0.05, kSigmaSquared = 0.0025;
+
+struct Difference {
+    double red, green, blue;
+    double Delta() const {
+        return std::sqrt(red * red + green * green + blue * blue) / kDeltaScale;
+    }
+};
+
+struct Weights {
+    double red = 0, green = 0, blue = 0;
+};
+
+std::vector<std::array<double, 3>> ColorsOf(const CDibImage& image) {
+    std::vector<std::array<double, 3>> colors;
+    for (int y = 0; y < image.GetHeight(); ++y) {
+        const std::uint8_t* pixel = image.GetBits(y);
+        for (int x = 0; x < image.GetWidth(); ++x, pixel += 3)
+            colors.push_back({pixel[2] / 255.0, pixel[1] / 255.0, pixel[0] / 255.0});
+    }
+    return colors;
+}
+
+/// Fisher and Yates, with a generator of our own: the same weights on every run.
+void Shuffle(std::vector<std::array<double, 3>>& colors) {
+    std::uint32_t state = 2463534242U;
+    for (std::size_t i = colors.size(); i > 1; --i) {
+        state ^= state << 13;
+        state ^= state >> 17;
+        state ^= state << 5;
+        std::swap(colors[i - 1], colors[state % i]);
+    }
+}
+
+Difference Between(const std::array<double, 3>& a, const std::array<double, 3>& b) {
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+
+void AddGlobalPairs(const CDibImage& small, std::vector<Difference>& differences) {
+    const auto colors = ColorsOf(small);
+    auto shuffled = colors;
+    Shuffle(shuffled);
+    for (std::size_t i = 0; i < colors.size(); ++i)
+        differences.push_back(Between(colors[i], shuffled[i]));
+}
+
+void AddLocalPairs(const CDibImage& image, std::vector<Difference>& differences) {
+    const auto colors = ColorsOf(image);
+    const auto width = static_cast<std::size_t>(image.GetWidth());
+    const auto height = static_cast<std::size_t>(image.GetHeight());
+    // Rows are stored from the bottom: the lower neighbour lies a row before.
+    for (std::size_t y = 1; y < height; ++y)
+        for (std::size_t x = 0; x + 1 < width; ++x) {
+            const auto& here = colors[y * width + x];
+            differences.push_back(Between(here, colors[y * width + x + 1]));
+            differences.push_back(Between(here, colors[(y - 1) * width + x]));
+        }
+}
+
+double ScoreOf(const Weights& weights, const std::vector<Difference>& differences) {
+    double sum = 0;
+    for (const Difference& d : differences) {
+        const double delta = d.Delta();
+        if (delta < kLeastDelta)
+            continue;
+        const double g = weights.red * d.red + weights.green * d.green + weights.blue * d.blue;
+        sum += std::log(std::exp(-(g + delta) * (g + delta) / kSigmaSquared) +
+                        std::exp(-(g - delta) * (g - delta) / kSigmaSquared));
+    }
+    return sum / static_cast<double>(differences.size());
+}
+
+Weights BestWeights(const std::vector<Difference>& differences) {
+    Weights best;
+    double bestScore = 0;
+    bool first = true;
+    for (int red = 0; red <= 10; ++red)
+        for (int green = 0; green <= 10 - red; ++green) {
+            const Weights weights{red / 10.0, green / 10.0, (10 - red - green) / 10.0};
+            const double score = ScoreOf(weights, differences);
+            if (first || score > bestScore) {
+                best = weights;
+                bestScore = score;
+                first = false;
+            }
+        }
+    return best;
+}
+
+int HalfAwayFromZero(double value) {
+    return static_cast<int>(std::max(1.0, std::floor(value + 0.5)));
+}
+
+Weights WeightsFor(const CDibImage& image) {
+    const double width = image.GetWidth(), height = image.GetHeight();
+    const double factor = kSmallSide / std::sqrt(width * height);
+    CDibImage small(image);
+    std::vector<Difference> differences;
+    if (!small.IsValid() ||
+        ResizeTo(small, HalfAwayFromZero(width * factor), HalfAwayFromZero(height * factor)) == 0)
+        throw std::bad_alloc();
+    AddGlobalPairs(small, differences);
+    if (ResizeTo(small, HalfAwayFromZero(small.GetWidth() / 2.0),
+                 HalfAwayFromZero(small.GetHeight() / 2.0)) == 0)
+        throw std::bad_alloc();
+    AddLocalPairs(small, differences);
+    return BestWeights(differences);
+}
+
+struct WeightTables {
+    std::array<double, 256> red, green, blue;
+    explicit WeightTables(const Weights& weights) {
+        for (std::size_t v = 0; v < 256; ++v) {
+            red[v] = weights.red * static_cast<double>(v);
+            green[v] = weights.green * static_cast<double>(v);
+            blue[v] = weights.blue * static_cast<double>(v);
+        }
+    }
+};
+
+}  // namespace
+
+int ContrastGray(CDibImage& image) {
+    if (!image.IsValid() || ConvertToRgb(image) == 0)
+        return 0;
+    return RefuseWhenOutOfMemory([&] {
+        const WeightTables tables(WeightsFor(image));
+        CDibImage gray;
+        if (gray.Create(image.GetWidth(), image.GetHeight(), 8) == nullptr)
+            return 0;
+        gray.SetGrayPalette();
+        const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
+        const PlaneView target = ViewOf(gray);
+#pragma omp parallel for schedule(static)
+        for (int y = 0; y < target.height; ++y) {
+            const std::uint8_t* pixel = source.Row(y).data();
+            std::uint8_t* out = target.Row(y).data();
+            for (int x = 0; x < target.width; ++x, pixel += 3)
+                out[x] = ClampToByte(RoundHalf(tables.red[pixel[2]] + tables.green[pixel[1]] +
+                                               tables.blue[pixel[0]]));
+        }
+        return image.TakePixels(gray) ? 1 : 0;
+    });
+}
+
+}  // namespace velloran

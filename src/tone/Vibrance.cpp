@@ -1,0 +1,58 @@
+#include "tone/Vibrance.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+
+#include "core/DibImage.h"
+#include "core/Rounding.h"
+
+namespace velloran {
+namespace {
+
+constexpr int kFarthest = 1000000;  // strengths beyond this change nothing more
+
+using SpreadTable = std::array<std::int32_t, 256>;
+
+SpreadTable MakeSpreadTable(int strength) {
+    SpreadTable table;
+    const float share = static_cast<float>(std::abs(strength)) * 0.01F;
+    for (int d = 0; d < 256; ++d)
+        table[static_cast<std::size_t>(d)] = TruncToInt(
+            static_cast<double>(static_cast<float>(d) * 16384.0F * share / 127.0F + 0.5F));
+    return table;
+}
+
+template <bool kMore>
+void SpreadRow(const SpreadTable& table, std::uint8_t* pixel, int width) {
+    for (int x = 0; x < width; ++x, pixel += 3) {
+        const int most = std::max({pixel[0], pixel[1], pixel[2]});
+        const int luma = (pixel[2] + 2 * pixel[1] + pixel[0]) >> 2;
+        const std::int64_t k = table[static_cast<std::size_t>(most - luma)];
+        for (int c = 0; c < 3; ++c) {
+            const std::int64_t move = ((most - pixel[c]) * k + 8192) >> 14;
+            pixel[c] = ClampToByte(kMore ? pixel[c] - move : pixel[c] + move);
+        }
+    }
+}
+
+}  // namespace
+
+int Vibrance(CDibImage& image, int amount) {
+    if (amount == 0 || !image.IsValid() || image.GetBpp() != 24)
+        return 0;
+    amount = std::clamp(amount, -kFarthest, kFarthest);
+    const SpreadTable table = MakeSpreadTable(amount >= 1 ? amount * 2 : amount);
+    const PlaneView pixels = ViewOf(image);
+#pragma omp parallel for schedule(static)
+    for (int y = 0; y < pixels.height; ++y) {
+        if (amount >= 1)
+            SpreadRow<true>(table, pixels.Row(y).data(), pixels.width);
+        else
+            SpreadRow<false>(table, pixels.Row(y).data(), pixels.width);
+    }
+    return 1;
+}
+
+}  // namespace velloran
