@@ -16,17 +16,16 @@ struct Tap {
 };
 
 /// Where an error goes, and what the weights add up to.
-struct Diffusion {
-    const Tap* taps;
-    std::size_t count;
-    int sum, rows;
+struct FloydSteinbergWeights {
+    static constexpr Tap kTaps[] = {{1, 0, 7}, {-1, 1, 3}, {0, 1, 5}, {1, 1, 1}};
+    static constexpr int kSum = 16, kRows = 2;
 };
-
-constexpr Tap kFloydSteinbergTaps[] = {{1, 0, 7}, {-1, 1, 3}, {0, 1, 5}, {1, 1, 1}};
-constexpr Tap kJarvisTaps[] = {{1, 0, 7}, {2, 0, 5},  {-2, 1, 3}, {-1, 1, 5}, {0, 1, 7}, {1, 1, 5},
-                               {2, 1, 3}, {-2, 2, 1}, {-1, 2, 3}, {0, 2, 5},  {1, 2, 3}, {2, 2, 1}};
-constexpr Diffusion kFloydSteinbergDiffusion{kFloydSteinbergTaps, 4, 16, 2};
-constexpr Diffusion kJarvisDiffusion{kJarvisTaps, 12, 48, 3};
+struct JarvisWeights {
+    static constexpr Tap kTaps[] = {{1, 0, 7},  {2, 0, 5}, {-2, 1, 3}, {-1, 1, 5},
+                                    {0, 1, 7},  {1, 1, 5}, {2, 1, 3},  {-2, 2, 1},
+                                    {-1, 2, 3}, {0, 2, 5}, {1, 2, 3},  {2, 2, 1}};
+    static constexpr int kSum = 48, kRows = 3;
+};
 constexpr int kMargin = 2;
 
 /// Level i of n, evenly spaced over 0..255 and rounded.
@@ -45,26 +44,25 @@ std::array<std::uint8_t, 256> EvenLevels(int levels) {
 }
 
 /// From the top row down, left to right, errors as integers in units of the weights' sum.
-void Diffuse(PlaneView plane, const Diffusion& diffusion, int levels) {
+template <typename Weights>
+void Diffuse(PlaneView plane, int levels) {
     const std::array<std::uint8_t, 256> nearest = EvenLevels(levels);
     const std::size_t rowLength = static_cast<std::size_t>(plane.width) + 2 * kMargin;
-    std::vector<std::vector<std::int32_t>> errors(static_cast<std::size_t>(diffusion.rows),
-                                                  std::vector<std::int32_t>(rowLength, 0));
+    std::vector<std::int32_t> errors(Weights::kRows * rowLength, 0);
+    std::array<std::int32_t*, Weights::kRows> rows;  // the present row and those below it
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i] = errors.data() + i * rowLength + kMargin;
     for (int y = 0; y < plane.height; ++y) {
         std::uint8_t* row = plane.Row(y).data();
         for (int x = 0; x < plane.width; ++x) {
-            const std::size_t at = static_cast<std::size_t>(x) + kMargin;
-            const std::int32_t wanted = std::clamp(row[x] + errors[0][at] / diffusion.sum, 0, 255);
+            const std::int32_t wanted = std::clamp(row[x] + rows[0][x] / Weights::kSum, 0, 255);
             row[x] = nearest[static_cast<std::size_t>(wanted)];
             const std::int32_t error = wanted - row[x];
-            for (std::size_t i = 0; i < diffusion.count; ++i) {
-                const Tap& tap = diffusion.taps[i];
-                errors[static_cast<std::size_t>(tap.y)][at + static_cast<std::size_t>(tap.x)] +=
-                    error * tap.weight;
-            }
+            for (const Tap& tap : Weights::kTaps)
+                rows[static_cast<std::size_t>(tap.y)][x + tap.x] += error * tap.weight;
         }
-        std::fill(errors[0].begin(), errors[0].end(), 0);
-        std::rotate(errors.begin(), errors.begin() + 1, errors.end());
+        std::fill_n(rows[0] - kMargin, rowLength, 0);
+        std::rotate(rows.begin(), rows.begin() + 1, rows.end());
     }
 }
 
@@ -117,9 +115,9 @@ bool ReduceLevels(CDibImage& image, const Palette& palette, bool keepDepth, int 
         if (levels == 2 && bwDitherMethod == kBayer)
             OrderedDither(plane);
         else if (levels == 2 && bwDitherMethod != kFloydSteinberg)
-            Diffuse(plane, kJarvisDiffusion, levels);
+            Diffuse<JarvisWeights>(plane, levels);
         else
-            Diffuse(plane, kFloydSteinbergDiffusion, levels);
+            Diffuse<FloydSteinbergWeights>(plane, levels);
     } catch (const std::bad_alloc&) {
         return false;
     }
