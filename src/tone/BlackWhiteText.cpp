@@ -152,12 +152,8 @@ int BlackWhitePlane(PlaneView plane) {
     const double pixels = static_cast<double>(plane.width) * plane.height;
     FinishTable(InkLevel(counts.background), PaperLevel(counts.result, pixels), *table);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
-    for (int y = 0; y < plane.height; ++y) {
-        const std::uint8_t* paper = background.Row(y);
-        std::uint8_t* sample = plane.Row(y).data();
-        for (int x = 0; x < plane.width; ++x)
-            sample[x] = (*table)[paper[x]][sample[x]];
-    }
+    for (int y = 0; y < plane.height; ++y)
+        MapPaperRow(*table, background.Row(y), plane.width, plane.Row(y).data());
     return 1;
 }
 

@@ -4,6 +4,7 @@
 // smooth map of the page once do not hold it in full size.
 
 #include <cstddef>
+#include <vector>
 
 #include "imaging/FloatView.h"
 #include "imaging/ResampleAxis.h"
@@ -24,9 +25,16 @@ class EnlargedRows {
     void Row(int y, float* scratch, float* row) const;
 
  private:
+    /// Pixels of a row that lie between the same two of the small picture.
+    struct Segment {
+        int begin, end, first;
+    };
+
     ConstFloatView small_;
-    int width_;
-    ResampleAxis across_, down_;
+    ResampleAxis down_;
+    std::vector<Segment> segments_;  // where they are long enough to be worth it
+    std::vector<int> first_;         // by pixel of a row
+    std::vector<float> weights_, otherWeights_;
 };
 
 }  // namespace velloran

@@ -1,7 +1,6 @@
 #include "tone/FrankleMcCannPasses.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdlib>
 
@@ -13,11 +12,14 @@ namespace {
 constexpr std::uint16_t kWhite = kRetinexWhite;
 
 /// No result is below its logarithm, so all of this fits 16 bits without a sign.
-inline std::uint16_t Meet(std::uint16_t log, std::uint16_t result, std::uint16_t otherLog,
-                          std::uint16_t otherResult) {
-    const auto rise = static_cast<std::uint16_t>(otherResult - otherLog);
+inline std::uint16_t MeetRise(std::uint16_t log, std::uint16_t result, std::uint16_t rise) {
     const auto reached = std::min(static_cast<std::uint16_t>(log + rise), kWhite);
     return static_cast<std::uint16_t>((result + reached + 1) >> 1);
+}
+
+inline std::uint16_t Meet(std::uint16_t log, std::uint16_t result, std::uint16_t otherLog,
+                          std::uint16_t otherResult) {
+    return MeetRise(log, result, static_cast<std::uint16_t>(otherResult - otherLog));
 }
 
 /// Pixels that do not wait for each other: what is written is not read later in the run.
@@ -30,19 +32,54 @@ void MeetRun(const std::uint16_t* log, std::uint16_t* result, const std::uint16_
 }
 
 /// From this shift on runs of `shift` pixels are worth a loop of their own.
-constexpr int kLongShift = 32;
+constexpr int kLongShift = 16;
 
-/// Rows whose chains run side by side where each is too short-linked to be fast.
-constexpr int kRowsTogether = 8;
+/// Chains that run side by side where each by itself would wait for its last pixel.
+constexpr int kChains = 8;
 
-void MeetShortChains(const RetinexPlanes& planes, int firstRow, int rows, int shift) {
-    const std::uint16_t* log = planes.logs + std::ptrdiff_t{firstRow} * planes.width;
-    std::uint16_t* result = planes.result + std::ptrdiff_t{firstRow} * planes.width;
-    for (int x = shift; x < planes.width; ++x)
-        for (int r = 0; r < rows; ++r) {
-            const std::ptrdiff_t at = std::ptrdiff_t{r} * planes.width + x;
-            result[at] = Meet(log[at], result[at], log[at - shift], result[at - shift]);
-        }
+/// kChains / kShift rows; each has kShift chains, and what a chain hands on stays in registers.
+template <int kShift>
+void MeetChains(const std::uint16_t* log, std::uint16_t* result, std::ptrdiff_t stride, int width) {
+    constexpr int kRows = kChains / kShift;
+    std::uint16_t rise[kRows][kShift];
+    for (int r = 0; r < kRows; ++r)
+        for (int i = 0; i < kShift; ++i)
+            rise[r][i] = static_cast<std::uint16_t>(result[r * stride + i] - log[r * stride + i]);
+    const auto meet = [&](int x, int r, int i) {
+        const std::ptrdiff_t at = r * stride + x + i;
+        result[at] = MeetRise(log[at], result[at], rise[r][i]);
+        rise[r][i] = static_cast<std::uint16_t>(result[at] - log[at]);
+    };
+    int x = kShift;
+    for (; x + kShift <= width; x += kShift)
+        for (int r = 0; r < kRows; ++r)
+            for (int i = 0; i < kShift; ++i)
+                meet(x, r, i);
+    for (int r = 0; r < kRows; ++r)
+        for (int i = 0; x + i < width; ++i)
+            meet(x, r, i);
+}
+
+void MeetRowSlowly(const std::uint16_t* log, std::uint16_t* result, int width, int shift) {
+    for (int x = shift; x < width; ++x)
+        result[x] = Meet(log[x], result[x], log[x - shift], result[x - shift]);
+}
+
+/// Shifts of 1, 2, 4 and 8, kChains rows or less.
+void MeetShortShift(const RetinexPlanes& planes, int firstRow, int rows, int shift) {
+    const std::ptrdiff_t stride = planes.width;
+    const std::uint16_t* log = planes.logs + firstRow * stride;
+    std::uint16_t* result = planes.result + firstRow * stride;
+    int row = 0;
+    for (const int together = kChains / shift; row + together <= rows; row += together) {
+        const auto meetChains = shift == 1   ? MeetChains<1>
+                                : shift == 2 ? MeetChains<2>
+                                : shift == 4 ? MeetChains<4>
+                                             : MeetChains<8>;
+        meetChains(log + row * stride, result + row * stride, stride, planes.width);
+    }
+    for (; row < rows; ++row)
+        MeetRowSlowly(log + row * stride, result + row * stride, planes.width, shift);
 }
 
 void MeetRowBefore(const RetinexPlanes& planes, int row, int shift) {
@@ -90,11 +127,11 @@ void MeetAlongRows(const RetinexPlanes& planes, int shift) {
     if (std::abs(shift) >= planes.width)
         return;
     if (shift > 0 && shift < kLongShift) {
-        const int groups = (planes.height + kRowsTogether - 1) / kRowsTogether;
+        const int groups = (planes.height + kChains - 1) / kChains;
 #pragma omp parallel for schedule(static) if (IsWorthThreads(planes))
         for (int group = 0; group < groups; ++group)
-            MeetShortChains(planes, group * kRowsTogether,
-                            std::min(kRowsTogether, planes.height - group * kRowsTogether), shift);
+            MeetShortShift(planes, group * kChains,
+                           std::min(kChains, planes.height - group * kChains), shift);
         return;
     }
 #pragma omp parallel for schedule(static) if (IsWorthThreads(planes))

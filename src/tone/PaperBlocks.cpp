@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "core/Rounding.h"
 #include "core/SimdTarget.h"
@@ -102,6 +103,24 @@ void MakePaperTable(int black, int magnitude, PaperTable& table) {
         for (int sample = 0; sample < 256; ++sample)
             table[static_cast<std::size_t>(background)][static_cast<std::size_t>(sample)] =
                 StretchToPaper(sample, black, background - magnitude);
+}
+
+void MapPaperRow(const PaperTable& table, const std::uint8_t* background, int count,
+                 std::uint8_t* samples) {
+    // Eight at a time: the look-ups are what it costs, not the loads and stores around them.
+    constexpr int kTogether = 8;
+    int x = 0;
+    for (; x + kTogether <= count; x += kTogether) {
+        std::uint64_t papers, from, mapped = 0;
+        std::memcpy(&papers, background + x, sizeof papers);
+        std::memcpy(&from, samples + x, sizeof from);
+        for (int i = 0; i < kTogether; ++i)
+            mapped |= std::uint64_t{table[papers >> (8 * i) & 255][from >> (8 * i) & 255]}
+                      << (8 * i);
+        std::memcpy(samples + x, &mapped, sizeof mapped);
+    }
+    for (; x < count; ++x)
+        samples[x] = table[background[x]][samples[x]];
 }
 
 }  // namespace velloran

@@ -41,4 +41,8 @@ using PaperTable = std::array<PixelMap, 256>;
 /// stretch from `black`. Where both are the same the sample stays.
 void MakePaperTable(int black, int magnitude, PaperTable& table);
 
+/// Samples of a row through the table, in place.
+void MapPaperRow(const PaperTable& table, const std::uint8_t* background, int count,
+                 std::uint8_t* samples);
+
 }  // namespace velloran

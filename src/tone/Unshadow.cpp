@@ -31,12 +31,8 @@ std::uint8_t ThresholdOf(const BlockSums& block, float pixels, float weight) {
 
 void MapByBackground(PaperBackground& background, const PaperTable& table, PlaneView plane) {
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
-    for (int y = 0; y < plane.height; ++y) {
-        const std::uint8_t* paper = background.Row(y);
-        std::uint8_t* sample = plane.Row(y).data();
-        for (int x = 0; x < plane.width; ++x)
-            sample[x] = table[paper[x]][sample[x]];
-    }
+    for (int y = 0; y < plane.height; ++y)
+        MapPaperRow(table, background.Row(y), plane.width, plane.Row(y).data());
 }
 
 }  // namespace
