@@ -252,7 +252,7 @@ bool CBaseImage::TakePixels(CBaseImage& from) noexcept {
     if (this == &from || ghost_ != nullptr || from.ghost_ != nullptr || !from.IsValid())
         return false;
     if (header_.width != from.header_.width || header_.height != from.header_.height) {
-        alpha_.reset();
+        alpha_ = std::move(from.alpha_);
         DeleteSelection();
     }
     TakeBlock(from);

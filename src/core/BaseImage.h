@@ -115,8 +115,9 @@ class CBaseImage {
     void Ghost(const CBaseImage& source);
 
     /// Takes over the block of `from` (size, depth, palette, rows) in place of this image's own and
-    /// leaves `from` empty. Fields, DPI and layers stay; planes stay where the size is the same.
-    /// False, both unchanged, when `from` is empty or the same object, or either is a ghost.
+    /// leaves `from` empty. Fields, DPI and layers stay; planes stay where the size is the same,
+    /// and where it is not, the alpha plane of `from` is taken over. False, both unchanged, when
+    /// `from` is empty or the same object, or either is a ghost.
     bool TakePixels(CBaseImage& from) noexcept;
 
     /// Copies an array of 1, 4, 8, 24 or 32 bits a pixel with rows `stride` bytes apart, the

@@ -4,6 +4,7 @@
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
+#include "core/Refusal.h"
 #include "filters/GaussianBlur.h"
 #include "filters/KernelDepth.h"
 #include "filters/KernelFilters.h"
@@ -87,8 +88,10 @@ int BlurLevel(CDibImage& image, int level) {
         return FilterAtLevel(image, kBlur[static_cast<std::size_t>(level - 1)]);
     if (IsSmallerThan(image, kSmallestSeparable) || EnsureGrayOrRgb(image) == 0)
         return 0;
-    return SeparableFilter(ViewOf(image),
-                           MakeFiveTaps(kBlurSigma[static_cast<std::size_t>(level - 6)]));
+    return RefuseWhenOutOfMemory([&] {
+        return SeparableFilter(ViewOf(image),
+                               MakeFiveTaps(kBlurSigma[static_cast<std::size_t>(level - 6)]));
+    });
 }
 
 }  // namespace velloran

@@ -1,11 +1,10 @@
 #include "filters/Resample.h"
 
-#include <cstring>
+#include <algorithm>
 #include <limits>
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
-#include "core/PixelMemory.h"
 #include "core/Refusal.h"
 #include "imaging/Resize.h"
 
@@ -18,26 +17,30 @@ ConstPlaneView AlphaView(const CBaseImage& image) {
     return {image.GetAlpha(), image.GetWidth(), image.GetHeight(), 1, image.GetWidth()};
 }
 
+void ScaleAlpha(const CDibImage& image, CDibImage& scaled, PlaneResizer resize) {
+    resize(AlphaView(image),
+           {scaled.GetAlpha(), scaled.GetWidth(), scaled.GetHeight(), 1, scaled.GetWidth()});
+}
+
+/// An empty image of the depth of `image`, with an alpha plane where it has one; false without
+/// memory.
+bool CreateScaled(const CDibImage& image, int width, int height, CDibImage& scaled) {
+    return scaled.Create(width, height, image.GetBpp()) != nullptr &&
+           (image.GetAlpha() == nullptr || scaled.CreateAlpha());
+}
+
 /// Replaces an 8-bit or 24-bit image by its scaled form, alpha with it.
 int Scale(CDibImage& image, int width, int height, PlaneResizer resize) {
     return RefuseWhenOutOfMemory([&] {
         CDibImage scaled;
-        if (scaled.Create(width, height, image.GetBpp()) == nullptr)
+        if (!CreateScaled(image, width, height, scaled))
             return 0;
         scaled.SetGrayPalette();
         const CDibImage& source = image;
         resize(ViewOf(source), ViewOf(scaled));
-        PixelBuffer alpha;
-        if (source.GetAlpha() != nullptr) {
-            alpha =
-                MakePixelBuffer(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-            resize(AlphaView(source), {alpha.get(), width, height, 1, width});
-        }
-        image.TakePixels(scaled);
-        if (alpha != nullptr && image.CreateAlpha())
-            std::memcpy(image.GetAlpha(), alpha.get(),
-                        static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-        return 1;
+        if (source.GetAlpha() != nullptr)
+            ScaleAlpha(source, scaled, resize);
+        return image.TakePixels(scaled) ? 1 : 0;
     });
 }
 
@@ -86,19 +89,19 @@ void PackNearest(const CDibImage& color, CDibImage& target) {
 }
 
 int ScaleAtLowDepth(CDibImage& image, int width, int height, PlaneResizer resize) {
-    CDibImage color(image);
-    if (!color.IsValid() || !color.IncreaseBpp24() || Scale(color, width, height, resize) == 0)
-        return 0;
-    CDibImage target;
-    if (target.Create(width, height, image.GetBpp()) == nullptr)
-        return 0;
-    for (int i = 0; i < image.GetPaletteCount(); ++i)
-        target.GetPalette()[i] = image.GetPalette()[i];
-    PackNearest(color, target);
-    const std::int32_t transparent = image.Fields().backgroundIndex;
-    image.TakePixels(target);
-    image.Fields().backgroundIndex = transparent;
-    return 1;
+    return RefuseWhenOutOfMemory([&] {
+        CDibImage color, scaled, target;
+        if (!color.Copy(image, /*copyPixels=*/true, /*copySelection=*/false, /*copyAlpha=*/false) ||
+            !color.IncreaseBpp24() || scaled.Create(width, height, color.GetBpp()) == nullptr ||
+            !CreateScaled(image, width, height, target))
+            return 0;
+        resize(ViewOf(static_cast<const CDibImage&>(color)), ViewOf(scaled));
+        std::copy_n(image.GetPalette(), image.GetPaletteCount(), target.GetPalette());
+        PackNearest(scaled, target);
+        if (image.GetAlpha() != nullptr)
+            ScaleAlpha(image, target, resize);
+        return image.TakePixels(target) ? 1 : 0;
+    });
 }
 
 }  // namespace
@@ -110,7 +113,7 @@ int ResizeTo(CDibImage& image, int width, int height, bool keepBits) {
         return 1;
     const bool shrinks = Shrinks(image, width, height);
     if (shrinks && (image.IsBW() || (keepBits && image.GetBpp() < 8)))
-        return ReduceBilevelAware(image, width, height, keepBits);
+        return ReduceBilevelAware(image, width, height);
     if (EnsureGrayOrRgb(image) == 0)
         return 0;
     return Scale(image, width, height,
@@ -127,14 +130,14 @@ int ResizeToLinear(CDibImage& image, int width, int height) {
     return Scale(image, width, height, ResizeLinear);
 }
 
-int ReduceBilevelAware(CDibImage& image, int width, int height, bool keepBits) {
+int ReduceBilevelAware(CDibImage& image, int width, int height, bool /*keepBits*/) {
     if (!CanScale(image, width, height))
         return 0;
     if (HasSize(image, width, height))
         return 1;
     const PlaneResizer resize =
         Shrinks(image, width, height) ? PlaneResizer(ResizeArea) : PlaneResizer(ResizeLinear);
-    if (image.GetBpp() < 8 && (keepBits || image.IsBW()))
+    if (image.GetBpp() < 8)
         return ScaleAtLowDepth(image, width, height, resize);
     if (EnsureGrayOrRgb(image) == 0)
         return 0;

@@ -16,8 +16,9 @@ int ResizeTo(CDibImage& image, int width, int height, bool keepBits = false);
 /// The same with linear interpolation both ways; 8 and 24 bits.
 int ResizeToLinear(CDibImage& image, int width, int height);
 
-/// Keeps 1-bit and 4-bit images at their depth: a shrunken bilevel pixel takes the tone that most
-/// of its area has, a palette index the one that covers most of it.
+/// Area averaging where both sides shrink, else linear. 1-bit and 4-bit images stay at their depth,
+/// with or without `keepBits`: each pixel takes the palette entry nearest to the mean colour that
+/// it covers, of two equally near ones the first. Other images as ResizeTo prepares them.
 int ReduceBilevelAware(CDibImage& image, int width, int height, bool keepBits = false);
 
 }  // namespace velloran

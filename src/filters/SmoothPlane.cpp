@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "core/DibImage.h"
@@ -10,6 +11,7 @@
 #include "core/Rounding.h"
 #include "core/SimdTarget.h"
 #include "core/Threads.h"
+#include "core/TransposePixels.h"
 
 namespace velloran {
 namespace {
@@ -20,63 +22,74 @@ int AlphaOf(int reach) {
     return TruncToInt((1 - std::exp(-2.3 / (reach + 1.0))) * 65536);
 }
 
-inline std::int32_t Follow(std::int32_t state, std::int32_t target, std::int32_t alpha) {
-    // The product of 16 and 15 bits and a sign passes 31 bits only in between.
-    return state + static_cast<std::int32_t>((std::int64_t{alpha} * (target - state)) >> 16);
-}
+/// alpha * difference >> 16 for an alpha of 16 bits without sign, in signed 16-bit factors: above
+/// 32767 it is the product by alpha - 65536, and the difference itself.
+struct Follower {
+    std::int16_t factor, mask;
 
-/// Channels of a row side by side: their chains do not wait for each other.
-template <int kChannels>
-void SmoothRow(std::uint8_t* row, int width, std::int32_t alpha, std::int32_t* line) {
-    std::int32_t state[kChannels];
-    for (int c = 0; c < kChannels; ++c)
-        state[c] = row[c] << kFraction;
-    for (int x = 0; x < width; ++x)
-        for (int c = 0; c < kChannels; ++c) {
-            state[c] = Follow(state[c], row[x * kChannels + c] << kFraction, alpha);
-            line[x * kChannels + c] = state[c];
-        }
-    for (int x = width - 1; x >= 0; --x)
-        for (int c = 0; c < kChannels; ++c) {
-            state[c] = Follow(state[c], line[x * kChannels + c], alpha);
-            row[x * kChannels + c] = static_cast<std::uint8_t>(state[c] >> kFraction);
-        }
-}
+    explicit Follower(int alpha)
+        : factor(static_cast<std::int16_t>(alpha < 32768 ? alpha : alpha - 65536)),
+          mask(static_cast<std::int16_t>(alpha < 32768 ? 0 : -1)) {}
 
-/// Columns run side by side through a strip of the plane, so that rows are read in order.
-constexpr int kStrip = 128;
+    std::int16_t Next(std::int16_t state, std::int16_t target) const {
+        const auto difference = static_cast<std::int16_t>(target - state);
+        const auto part = static_cast<std::int16_t>(difference * factor >> 16);
+        return static_cast<std::int16_t>(state + part + (difference & mask));
+    }
+};
+
+/// Lines that are smoothed side by side: sample i of all of them, then sample i + 1.
+constexpr int kLines = 32;
 
 VELLORAN_SIMD_CLONES
-void FollowRow(const std::uint8_t* row, int count, std::int32_t alpha, std::int32_t* state,
-               std::int16_t* kept) {
-    for (int i = 0; i < count; ++i) {
-        const std::int32_t difference = (row[i] << kFraction) - state[i];
-        // The same as one product shifted by 16, in halves that 32 bits hold.
-        state[i] += ((alpha >> 8) * difference + ((alpha & 255) * difference >> 8)) >> 8;
-        kept[i] = static_cast<std::int16_t>(state[i]);
+void SmoothLines(std::uint8_t* samples, int length, Follower follower, std::int16_t* kept) {
+    std::int16_t state[kLines];
+    for (int i = 0; i < kLines; ++i)
+        state[i] = static_cast<std::int16_t>(samples[i] << kFraction);
+    for (int k = 0; k < length; ++k, samples += kLines, kept += kLines)
+        for (int i = 0; i < kLines; ++i) {
+            const auto target = static_cast<std::int16_t>(samples[i] << kFraction);
+            state[i] = follower.Next(state[i], target);
+            kept[i] = state[i];
+        }
+    for (int k = 0; k < length; ++k) {
+        samples -= kLines;
+        kept -= kLines;
+        for (int i = 0; i < kLines; ++i) {
+            state[i] = follower.Next(state[i], kept[i]);
+            samples[i] = static_cast<std::uint8_t>(state[i] >> kFraction);
+        }
     }
 }
 
-VELLORAN_SIMD_CLONES
-void FollowBack(const std::int16_t* kept, int count, std::int32_t alpha, std::int32_t* state,
-                std::uint8_t* row) {
-    for (int i = 0; i < count; ++i) {
-        const std::int32_t difference = kept[i] - state[i];
-        state[i] += ((alpha >> 8) * difference + ((alpha & 255) * difference >> 8)) >> 8;
-        row[i] = static_cast<std::uint8_t>(state[i] >> kFraction);
-    }
+struct LinesScratch {
+    explicit LinesScratch(int length)
+        : samples(static_cast<std::size_t>(length) * kLines),
+          kept(static_cast<std::size_t>(length) * kLines) {}
+    std::vector<std::uint8_t> samples;
+    std::vector<std::int16_t> kept;
+};
+
+void SmoothColumns(PlaneView plane, int first, int count, Follower follower,
+                   LinesScratch& scratch) {
+    const auto bytes = static_cast<std::size_t>(count);
+    std::uint8_t* samples = scratch.samples.data();
+    for (int y = 0; y < plane.height; ++y, samples += kLines)
+        std::memcpy(samples, plane.Row(y).data() + first, bytes);
+    SmoothLines(scratch.samples.data(), plane.height, follower, scratch.kept.data());
+    samples = scratch.samples.data();
+    for (int y = 0; y < plane.height; ++y, samples += kLines)
+        std::memcpy(plane.Row(y).data() + first, samples, bytes);
 }
 
-void SmoothStrip(PlaneView plane, int first, int count, std::int32_t alpha, std::int32_t* state,
-                 std::int16_t* kept) {
-    for (int i = 0; i < count; ++i)
-        state[i] = plane.Row(0)[static_cast<std::size_t>(first + i)] << kFraction;
-    for (int y = 0; y < plane.height; ++y)
-        FollowRow(plane.Row(y).data() + first, count, alpha, state,
-                  kept + static_cast<std::ptrdiff_t>(y) * kStrip);
-    for (int y = plane.height - 1; y >= 0; --y)
-        FollowBack(kept + static_cast<std::ptrdiff_t>(y) * kStrip, count, alpha, state,
-                   plane.Row(y).data() + first);
+/// The rows of `band` become columns, and rows again.
+void SmoothRows(PlaneView band, Follower follower, LinesScratch& scratch) {
+    const int bits = 8 * band.channels;
+    TransposePixels({band.first, band.width, band.height, band.stride}, bits,
+                    scratch.samples.data(), kLines);
+    SmoothLines(scratch.samples.data(), band.width, follower, scratch.kept.data());
+    TransposePixels({scratch.samples.data(), band.height, band.width, kLines}, bits, band.first,
+                    band.stride);
 }
 
 }  // namespace
@@ -85,29 +98,24 @@ void SmoothRowsAndColumns(PlaneView topDown, double radius) {
     const int reach = RoundHalf(2 * radius);
     if (reach < 1 || topDown.width < 1 || topDown.height < 1)
         return;
-    const std::int32_t alpha = AlphaOf(reach);
-    const int count = topDown.width * topDown.channels;
-    const auto threads = static_cast<std::size_t>(MaxThreads());
-    std::vector<std::vector<std::int32_t>> lines(
-        threads, std::vector<std::int32_t>(static_cast<std::size_t>(std::max(count, kStrip))));
-    std::vector<std::vector<std::int16_t>> strips(
-        threads, std::vector<std::int16_t>(static_cast<std::size_t>(topDown.height) * kStrip));
-#pragma omp parallel for schedule(static)
-    for (int y = 0; y < topDown.height; ++y) {
-        std::int32_t* line = lines[static_cast<std::size_t>(ThreadNumber())].data();
-        if (topDown.channels == 3)
-            SmoothRow<3>(topDown.Row(y).data(), topDown.width, alpha, line);
-        else
-            SmoothRow<1>(topDown.Row(y).data(), topDown.width, alpha, line);
+    const Follower follower(AlphaOf(reach));
+    const int count = topDown.width * topDown.channels, rowsAtOnce = kLines / topDown.channels;
+    [[maybe_unused]] const bool inParallel = IsWorthThreads(std::int64_t{count} * topDown.height);
+    std::vector<LinesScratch> perThread(static_cast<std::size_t>(MaxThreads()),
+                                        LinesScratch(std::max(topDown.width, topDown.height)));
+    const int bands = (topDown.height - 1) / rowsAtOnce + 1;
+#pragma omp parallel for schedule(static) if (inParallel)
+    for (int i = 0; i < bands; ++i) {
+        PlaneView band = topDown;
+        band.first += std::ptrdiff_t{i} * rowsAtOnce * band.stride;
+        band.height = std::min(rowsAtOnce, topDown.height - i * rowsAtOnce);
+        SmoothRows(band, follower, perThread[static_cast<std::size_t>(ThreadNumber())]);
     }
-    const int stripCount = (count + kStrip - 1) / kStrip;
-#pragma omp parallel for schedule(static)
-    for (int strip = 0; strip < stripCount; ++strip) {
-        const auto thread = static_cast<std::size_t>(ThreadNumber());
-        const int first = strip * kStrip;
-        SmoothStrip(topDown, first, std::min(kStrip, count - first), alpha, lines[thread].data(),
-                    strips[thread].data());
-    }
+    const int strips = (count - 1) / kLines + 1;
+#pragma omp parallel for schedule(static) if (inParallel)
+    for (int i = 0; i < strips; ++i)
+        SmoothColumns(topDown, i * kLines, std::min(kLines, count - i * kLines), follower,
+                      perThread[static_cast<std::size_t>(ThreadNumber())]);
 }
 
 int SmoothPlane(CDibImage& image, double radius) {

@@ -19,10 +19,14 @@ class BorderedCopy {
         : BorderedCopy(source, BorderWidths{border, border, border, border}) {}
     BorderedCopy(ConstPlaneView source, BorderWidths border);
 
+    /// Takes another plane of the same shape in place of the first; nothing is allocated.
+    void Fill(ConstPlaneView source);
+
     /// The whole copy; the source's pixel (x, y) lies at (x + left, y + top).
     ConstPlaneView View() const { return view_; }
 
  private:
+    BorderWidths border_;
     PixelBuffer memory_;
     PlaneView view_;
 };

@@ -10,9 +10,18 @@ namespace velloran {
 namespace {
 
 VELLORAN_SIMD_CLONES
-void AddRow(const float* row, int count, double* sums) {
+void AddRow(const float* row, double times, int count, double* sums) {
     for (int i = 0; i < count; ++i)
-        sums[i] += static_cast<double>(row[i]);
+        sums[i] += times * static_cast<double>(row[i]);
+}
+
+/// How often a line of `size` meets the window of `radius` about `center`, where lines beyond the
+/// ends count as the end lines.
+int TimesInWindow(int line, std::int64_t center, std::int64_t radius, int size) {
+    const std::int64_t from = center - radius, to = center + radius;
+    const std::int64_t before = line == 0 ? std::max<std::int64_t>(0, -from) : 0;
+    const std::int64_t behind = line == size - 1 ? std::max<std::int64_t>(0, to - (size - 1)) : 0;
+    return static_cast<int>(before + behind + (line >= from && line <= to ? 1 : 0));
 }
 
 VELLORAN_SIMD_CLONES
@@ -25,19 +34,50 @@ void ExchangeRow(const float* in, const float* out, int count, double* sums) {
 /// on how many threads share them.
 constexpr int kBandRows = 128;
 
-/// The means of a row from its column sums, the border replicated.
-void MeansOfRow(const double* sums, int width, int channels, int radius, double share, float* out) {
-    const auto at = [&](int x, int c) {
-        return sums[static_cast<std::ptrdiff_t>(std::clamp(x, 0, width - 1)) * channels + c];
+/// The means of one channel of a row from its column sums, the border replicated.
+void MeansOfRow(const double* sums, int width, int channels, std::int64_t radius, double share,
+                float* out) {
+    const auto at = [&](std::int64_t x) {
+        return sums[std::clamp<std::int64_t>(x, 0, width - 1) * channels];
     };
-    for (int c = 0; c < channels; ++c) {
-        double sum = 0;
-        for (int x = -radius; x <= radius; ++x)
-            sum += at(x, c);
-        for (int x = 0; x < width; ++x) {
-            out[static_cast<std::ptrdiff_t>(x) * channels + c] = static_cast<float>(sum * share);
-            sum += at(x + radius + 1, c) - at(x - radius, c);
+    double sum = 0;
+    for (std::int64_t x = 0; x <= std::min<std::int64_t>(radius, width - 1); ++x)
+        sum += TimesInWindow(static_cast<int>(x), 0, radius, width) * at(x);
+    const auto slide = [&](int from, int to, auto&& change) {
+        for (int x = from; x < to; ++x) {
+            out[static_cast<std::ptrdiff_t>(x) * channels] = static_cast<float>(sum * share);
+            sum += change(x);
         }
+    };
+    const auto atEdge = [&](int x) { return at(x + radius + 1) - at(x - radius); };
+    const int inner = static_cast<int>(std::min<std::int64_t>(radius, width));
+    const int outer =
+        std::max(inner, static_cast<int>(std::max<std::int64_t>(0, width - 1 - radius)));
+    slide(0, inner, atEdge);
+    slide(inner, outer,
+          [&](int x) { return sums[(x + radius + 1) * channels] - sums[(x - radius) * channels]; });
+    slide(outer, width, atEdge);
+}
+
+/// Rows [first, last) of the means; `sums` is scratch of a row.
+void MeansOfBand(ConstFloatView source, int radius, int first, int last, double* sums,
+                 FloatView target) {
+    const int count = source.width * source.channels, lastRow = source.height - 1;
+    const double side = 2.0 * radius + 1, share = 1 / (side * side);
+    const auto row = [&](std::int64_t y) {
+        return source.Row(static_cast<int>(std::clamp<std::int64_t>(y, 0, lastRow))).data();
+    };
+    std::fill_n(sums, count, 0.0);
+    const std::int64_t top = std::int64_t{first} - radius, bottom = std::int64_t{first} + radius;
+    for (std::int64_t y = std::max<std::int64_t>(top, 0);
+         y <= std::min<std::int64_t>(bottom, lastRow); ++y)
+        AddRow(row(y), TimesInWindow(static_cast<int>(y), first, radius, source.height), count,
+               sums);
+    for (int y = first; y < last; ++y) {
+        for (int c = 0; c < source.channels; ++c)
+            MeansOfRow(sums + c, source.width, source.channels, radius, share,
+                       target.Row(y).data() + c);
+        ExchangeRow(row(std::int64_t{y} + radius + 1), row(std::int64_t{y} - radius), count, sums);
     }
 }
 
@@ -45,8 +85,8 @@ void MeansOfRow(const double* sums, int width, int channels, int radius, double 
 
 void BoxMean(ConstFloatView source, int radius, FloatView target) {
     const int count = source.width * source.channels;
-    const double side = 2.0 * radius + 1;
-    const double share = 1 / (side * side);
+    if (count == 0 || source.height == 0)
+        return;
     // The source is read around a row after that row was written, where both are one.
     FloatPlane copy;
     if (source.first == target.first) {
@@ -55,23 +95,15 @@ void BoxMean(ConstFloatView source, int radius, FloatView target) {
             std::copy_n(source.Row(y).data(), count, copy.View().Row(y).data());
         source = copy.View();
     }
-    const int bands = (source.height + kBandRows - 1) / kBandRows;
+    const int bands = (source.height - 1) / kBandRows + 1;
     std::vector<std::vector<double>> perThread(
         static_cast<std::size_t>(MaxThreads()),
         std::vector<double>(static_cast<std::size_t>(count)));
-    const auto row = [&](int y) { return source.Row(std::clamp(y, 0, source.height - 1)).data(); };
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{count} * source.height))
     for (int band = 0; band < bands; ++band) {
-        std::vector<double>& sums = perThread[static_cast<std::size_t>(ThreadNumber())];
-        std::fill(sums.begin(), sums.end(), 0.0);
         const int first = band * kBandRows, last = std::min(first + kBandRows, source.height);
-        for (int y = first - radius; y <= first + radius; ++y)
-            AddRow(row(y), count, sums.data());
-        for (int y = first; y < last; ++y) {
-            MeansOfRow(sums.data(), source.width, source.channels, radius, share,
-                       target.Row(y).data());
-            ExchangeRow(row(y + radius + 1), row(y - radius), count, sums.data());
-        }
+        MeansOfBand(source, radius, first, last,
+                    perThread[static_cast<std::size_t>(ThreadNumber())].data(), target);
     }
 }
 

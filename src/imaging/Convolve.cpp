@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/Rounding.h"
@@ -39,25 +41,26 @@ void SumExactly(std::span<const Tap> taps, std::int64_t divisor, const std::uint
 template <typename LayOut, typename Store>
 void SumInTiles(const TileShape& shape, std::span<const Tap> taps, std::int32_t divisor,
                 PlaneView target, LayOut&& layOut, Store&& store) {
+    Tiles<std::uint16_t> tiles = MakeTiles<std::uint16_t>(shape);
     if (TapGroups::CanHold(taps, divisor)) {
         const TapGroups groups(taps, divisor);
         const SumTaps sumTaps = BestSumTaps();
         const auto sum = [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
             sumTaps(groups, samples, count, out);
         };
-        ForEachTile<std::uint16_t>(shape, target, layOut,
-                                   [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-                                       store(sum, samples, count, out);
-                                   });
+        ForEachTile(shape, tiles, target, layOut,
+                    [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+                        store(sum, samples, count, out);
+                    });
         return;
     }
     const auto sum = [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
         SumExactly(taps, divisor, samples, count, out);
     };
-    ForEachTile<std::uint16_t>(shape, target, layOut,
-                               [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-                                   store(sum, samples, count, out);
-                               });
+    ForEachTile(shape, tiles, target, layOut,
+                [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+                    store(sum, samples, count, out);
+                });
 }
 
 template <typename LayOut>
@@ -189,20 +192,56 @@ void ConvolveInt(ConstPlaneView source, std::span<const std::int32_t> weights, i
     SumInTiles(shape, taps, divisor, target, LayOutOf<std::uint16_t>(source));
 }
 
-void ConvolveFloat(ConstPlaneView source, std::span<const float> weights, int size,
-                   PlaneView target) {
-    // Float sums of such weights are exact, so the quicker integers give the same.
-    if (const std::vector<std::int32_t> whole = WholeWeights(weights); !whole.empty()) {
-        ConvolveInt(source, whole, size, 1, target);
+struct FloatConvolver::Form {
+    TileShape shape;
+    std::optional<TapGroups> groups;  // for whole weights
+    Tiles<std::uint16_t> wholeTiles;
+    std::vector<std::pair<std::int32_t, float>> taps;  // for others: offset, weight
+    Tiles<float> tiles;
+};
+
+FloatConvolver::FloatConvolver(std::span<const float> weights, int size, int channels)
+    : form_(std::make_unique<Form>()) {
+    // Float sums of whole weights are exact, so the quicker integers give the same.
+    const std::vector<std::int32_t> whole = WholeWeights(weights);
+    const int extraWidth = (size - 1) * channels, extraRows = size - 1;
+    if (!whole.empty()) {
+        form_->shape = ShapeOfTiles(extraWidth, extraRows, sizeof(std::uint16_t), kSumBlock);
+        std::vector<Tap> taps;
+        for (const auto& [offset, weight] :
+             PlacesOf(std::span<const std::int32_t>(whole), size, channels, form_->shape.stride))
+            taps.push_back({offset, weight});
+        if (TapGroups::CanHold(taps, 1)) {
+            form_->groups.emplace(taps, 1);
+            form_->wholeTiles = MakeTiles<std::uint16_t>(form_->shape);
+            return;
+        }
+    }
+    form_->shape = ShapeOfTiles(extraWidth, extraRows, sizeof(float), kFloatBlock);
+    form_->taps = PlacesOf(weights, size, channels, form_->shape.stride);
+    form_->tiles = MakeTiles<float>(form_->shape);
+}
+
+FloatConvolver::~FloatConvolver() = default;
+
+void FloatConvolver::Run(ConstPlaneView source, PlaneView target) {
+    if (form_->groups) {
+        const SumTaps sum = BestSumTaps();
+        ForEachTile(form_->shape, form_->wholeTiles, target, LayOutOf<std::uint16_t>(source),
+                    [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+                        sum(*form_->groups, samples, count, out);
+                    });
         return;
     }
-    const TileShape shape =
-        ShapeOfTiles((size - 1) * target.channels, size - 1, sizeof(float), kFloatBlock);
-    const auto taps = PlacesOf(weights, size, target.channels, shape.stride);
-    ForEachTile<float>(shape, target, LayOutOf<float>(source),
-                       [&](const float* samples, int count, std::uint8_t* out) {
-                           SumFloats(taps.data(), taps.size(), samples, count, out);
-                       });
+    ForEachTile(form_->shape, form_->tiles, target, LayOutOf<float>(source),
+                [&](const float* samples, int count, std::uint8_t* out) {
+                    SumFloats(form_->taps.data(), form_->taps.size(), samples, count, out);
+                });
+}
+
+void ConvolveFloat(ConstPlaneView source, std::span<const float> weights, int size,
+                   PlaneView target) {
+    FloatConvolver(weights, size, target.channels).Run(source, target);
 }
 
 void FilterColumns(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 
 #include "core/PlaneView.h"
@@ -21,6 +22,20 @@ void ConvolveInt(ConstPlaneView source, std::span<const std::int32_t> weights, i
 /// saturated.
 void ConvolveFloat(ConstPlaneView source, std::span<const float> weights, int size,
                    PlaneView target);
+
+/// ConvolveFloat for several planes of equal channels: all memory is taken at the start.
+class FloatConvolver {
+ public:
+    /// Throws std::bad_alloc.
+    FloatConvolver(std::span<const float> weights, int size, int channels);
+    ~FloatConvolver();
+
+    void Run(ConstPlaneView source, PlaneView target);
+
+ private:
+    struct Form;  // weights and scratch as the loops want them
+    std::unique_ptr<Form> form_;
+};
 
 /// One pass of a separable filter with integer taps (an odd count, anchor in the middle), along
 /// the columns or along the rows; samples beyond the edge are the reflection that repeats the edge

@@ -12,7 +12,8 @@ LevelCounts CountLevels(ConstPlaneView pixels, int channel) {
         LevelCounts even{}, odd{};
     };
     std::vector<Tables> perThread(static_cast<std::size_t>(MaxThreads()));
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{pixels.width} * pixels.height))
     for (int y = 0; y < pixels.height; ++y) {
         Tables& tables = perThread[static_cast<std::size_t>(ThreadNumber())];
         const std::uint8_t* sample = pixels.Row(y).data() + channel;

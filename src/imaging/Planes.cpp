@@ -1,9 +1,12 @@
 #include "imaging/Planes.h"
 
+#include "core/Threads.h"
+
 namespace velloran {
 
 void ExtractChannel(ConstPlaneView pixels, int channel, PlaneView plane) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{plane.width} * plane.height))
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* from = pixels.Row(y).data() + channel;
         std::uint8_t* out = plane.Row(y).data();
@@ -13,7 +16,8 @@ void ExtractChannel(ConstPlaneView pixels, int channel, PlaneView plane) {
 }
 
 void InsertChannel(ConstPlaneView plane, int channel, PlaneView pixels) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{plane.width} * plane.height))
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* from = plane.Row(y).data();
         std::uint8_t* out = pixels.Row(y).data() + channel;
@@ -23,7 +27,8 @@ void InsertChannel(ConstPlaneView plane, int channel, PlaneView pixels) {
 }
 
 void WeightedGray(ConstPlaneView pixels, GrayWeights weights, PlaneView gray) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{gray.width} * gray.height))
     for (int y = 0; y < gray.height; ++y) {
         const std::uint8_t* pixel = pixels.Row(y).data();
         std::uint8_t* out = gray.Row(y).data();

@@ -37,20 +37,30 @@ inline TileShape ShapeOfTiles(int extraWidth, int extraRows, int sampleBytes, in
     return shape;
 }
 
+/// A tile for each thread.
+template <typename Sample>
+using Tiles = std::vector<std::vector<Sample>>;
+
+/// Throws std::bad_alloc.
+template <typename Sample>
+Tiles<Sample> MakeTiles(const TileShape& shape) {
+    const auto rows = static_cast<std::size_t>(shape.rows + shape.extraRows);
+    return Tiles<Sample>(static_cast<std::size_t>(MaxThreads()),
+                         std::vector<Sample>(static_cast<std::size_t>(shape.stride) * rows));
+}
+
 /// `layOut(y, first, count, samples)` lays out the `count` samples that results from `first` on of
 /// row y begin with, where y runs up to extraRows past the last; `work(samples, count, out)` makes
-/// a row of results. Tiles in parallel. Throws std::bad_alloc before anything is done.
+/// a row of results. Tiles in parallel.
 template <typename Sample, typename LayOut, typename Work>
-void ForEachTile(const TileShape& shape, PlaneView target, LayOut&& layOut, Work&& work) {
+void ForEachTile(const TileShape& shape, Tiles<Sample>& tiles, PlaneView target, LayOut&& layOut,
+                 Work&& work) {
     const int count = target.width * target.channels;
     if (count == 0 || target.height == 0)
         return;
     const int across = (count - 1) / shape.width + 1, down = (target.height - 1) / shape.rows + 1;
-    const std::size_t tileSize = static_cast<std::size_t>(shape.stride) *
-                                 static_cast<std::size_t>(shape.rows + shape.extraRows);
-    std::vector<std::vector<Sample>> tiles(static_cast<std::size_t>(MaxThreads()),
-                                           std::vector<Sample>(tileSize));
-#pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{count} * target.height))
+    const std::int64_t samples = std::int64_t{count} * target.height;
+#pragma omp parallel for schedule(static) if (IsWorthThreads(samples))
     for (std::int64_t i = 0; i < std::int64_t{across} * down; ++i) {
         Sample* tile = tiles[static_cast<std::size_t>(ThreadNumber())].data();
         const int x = static_cast<int>(i % across) * shape.width;
