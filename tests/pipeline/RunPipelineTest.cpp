@@ -68,7 +68,7 @@ constexpr Setting kSettings[] = {
     {PARA_USM_TIMES, 1, u"USM锐化"},
 };
 
-/// Labels of a run with everything on; the content has no size of its own, so neither 放大 nor
+/// Labels of a run with everything on; the content has the size of the page, so neither 放大 nor
 /// 缩小.
 const Labels kAllLabels = {
     u"旋转",     u"分页",       u"页面矫正", u"纠斜",     u"切边",           u"颜色替换",

@@ -1,0 +1,78 @@
+#include "pipeline/FilterSteps.h"
+
+#include "filters/LevelFilters.h"
+#include "filters/Morphology.h"
+#include "filters/Resample.h"
+#include "filters/UnsharpMask.h"
+#include "pipeline/Layout.h"
+#include "pipeline/RunState.h"
+
+namespace velloran {
+namespace {
+
+constexpr int kStrengths = 4;
+
+/// Groups of PARA_ERODE, four strengths each, from 1 on.
+enum StrokeChange : int { kThicker, kThinner, kOpened, kClosed };
+
+float RadiusOf(std::int32_t tenths) {
+    return static_cast<float>(tenths / 10.0);
+}
+
+}  // namespace
+
+void MeasureContent(RunState& state) {
+    ScaleContent(state.layout);
+}
+
+void ResizeToContent(RunState& state) {
+    ResizeTo(*state.image, state.layout.contentWidth, state.layout.contentHeight);
+}
+
+void ShowContent(RunState& state) {
+    MeasureContent(state);
+    ResizeToContent(state);
+}
+
+void ChangeStrokes(RunState& state) {
+    const int value = state.Value(PARA_ERODE) - 1;
+    const int strength = value % kStrengths + 1;
+    switch (value / kStrengths) {
+        case kThicker:
+            Darken(*state.image, strength);
+            break;
+        case kThinner:
+            Lighten(*state.image, strength);
+            break;
+        case kOpened:
+            Lighten(*state.image, strength);
+            Darken(*state.image, strength);
+            break;
+        case kClosed:
+            Darken(*state.image, strength);
+            Lighten(*state.image, strength);
+            break;
+        default:
+            break;
+    }
+}
+
+void BlurByLevel(RunState& state) {
+    BlurLevel(*state.image, state.Value(PARA_BLUR));
+}
+
+void BlurByRadius(RunState& state) {
+    UnsharpMask(*state.image, /*amount=*/1, RadiusOf(state.Value(PARA_ADJUST_BLUR_RADIUS)),
+                /*threshold=*/1, /*times=*/1, /*blurOnly=*/true);
+}
+
+void SharpenByLevel(RunState& state) {
+    SharpenLevel(*state.image, state.Value(PARA_SHARPEN));
+}
+
+void SharpenByMask(RunState& state) {
+    UnsharpMask(*state.image, state.Value(PARA_USM_AMOUNT), RadiusOf(state.Value(PARA_USM_RADIUS)),
+                state.Value(PARA_USM_THRESHOLD), state.Value(PARA_USM_TIMES), /*blurOnly=*/false);
+}
+
+}  // namespace velloran
