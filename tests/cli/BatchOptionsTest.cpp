@@ -314,7 +314,7 @@ TEST_F(Batch, NoColorKeepsColorsFromATerminal) {
     Surroundings around{
         .folder = folder_.Path(), .variables = {{"TERM", "xterm"}}, .terminalAnswer = "\n"};
     EXPECT_NE(RunProgram(arguments, around).terminal.find("\x1B[31m"), std::string::npos);
-    around.variables["NO_COLOR"] = "1";
+    around.variables.insert({"NO_COLOR", "1"});
     EXPECT_EQ(RunProgram(arguments, around).terminal.find("\x1B[31m"), std::string::npos);
 }
 

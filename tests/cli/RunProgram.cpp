@@ -116,7 +116,10 @@ void Converse(pid_t child, Pipe& in, Pipe& out, Pipe& err, const Surroundings& a
                 Pipe::Close(descriptor);
         };
         take(ends[0], out.read, outcome.out);
+        const bool quiet = outcome.err.empty();
         take(ends[1], err.read, outcome.err);
+        if (quiet && !outcome.err.empty() && around.onError)
+            around.onError(child);
         if (ends[2].revents != 0 && in.write >= 0) {
             const ssize_t size =
                 write(in.write, around.input.data() + sent, around.input.size() - sent);

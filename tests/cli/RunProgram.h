@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -20,8 +21,9 @@ struct Surroundings {
     std::optional<long> fileSizeLimit = {};             // bytes a file may grow to
     std::filesystem::path program = {};                 // empty: the one that was built
     bool outputFull = false;                            // standard output has no space
-    std::string terminalAnswer = {};  // not empty: a terminal, on which this is typed
-    int cpus = 0;                     // processors it may use; 0: those of the test
+    std::string terminalAnswer = {};          // not empty: a terminal, on which this is typed
+    std::function<void(pid_t)> onError = {};  // called as standard error begins
+    int cpus = 0;                             // processors it may use; 0: those of the test
 };
 
 /// Added to the number of a signal that ended a program which did not exit by itself.
