@@ -1,5 +1,7 @@
 #pragma once
 
+// How large a view is, for deciding whether threads pay.
+
 #include <cstdint>
 
 #include "core/PlaneView.h"
