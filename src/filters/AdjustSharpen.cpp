@@ -84,7 +84,8 @@ void FinishRow(const float* sums, int step, const std::uint8_t* center, const Hi
         }
         for (int i = 0; i < length; ++i) {
             const float value = static_cast<float>(center[at + i]) * filter.gain - total[i] + 0.5F;
-            const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
+            const float low = value < 0.0F ? 0.0F : value;
+            const float limited = low > 255.0F ? 255.0F : low;
             out[at + i] = static_cast<std::uint8_t>(static_cast<int>(limited));
         }
     }

@@ -18,12 +18,14 @@ namespace {
 
 /// Saturated, halves away from zero; the fraction is exact where adding 0.5 would round.
 VELLORAN_SIMD_CLONES
-void RoundRow(const float* values, int count, int step, std::uint8_t* out) {
+void RoundRow(const float* values, int count, std::uint8_t* out) {
     for (int i = 0; i < count; ++i) {
-        const float limited = values[i] < 0.0F ? 0.0F : (values[i] > 255.0F ? 255.0F : values[i]);
+        const float value = values[i];
+        const float low = value < 0.0F ? 0.0F : value;
+        const float limited = low > 255.0F ? 255.0F : low;
         const int whole = static_cast<int>(limited);
         const int up = limited - static_cast<float>(whole) >= 0.5F ? 1 : 0;
-        out[static_cast<std::ptrdiff_t>(i) * step] = static_cast<std::uint8_t>(whole + up);
+        out[i] = static_cast<std::uint8_t>(whole + up);
     }
 }
 
@@ -46,10 +48,25 @@ void FitRow(int count, float eps, float* mean, float* squares) {
 }
 
 VELLORAN_SIMD_CLONES
-void ApplyRow(const float* slope, const std::uint8_t* samples, int step, int count, float* offset) {
+void ApplyRow(const float* slope, const std::uint8_t* samples, int count, float* offset) {
     for (int i = 0; i < count; ++i)
-        offset[i] = offset[i] +
-                    slope[i] * static_cast<float>(samples[static_cast<std::ptrdiff_t>(i) * step]);
+        offset[i] = offset[i] + slope[i] * static_cast<float>(samples[i]);
+}
+
+VELLORAN_SIMD_CLONES
+void WidenRow(const std::uint8_t* samples, int count, float* values) {
+    for (int i = 0; i < count; ++i)
+        values[i] = static_cast<float>(samples[i]);
+}
+
+/// A channel of a row, side by side in `line` where it is not so already.
+const std::uint8_t* ChannelOfRow(ConstPlaneView pixels, int y, int channel, std::uint8_t* line) {
+    const std::uint8_t* from = pixels.Row(y).data();
+    if (pixels.channels == 1)
+        return from;
+    for (int x = 0; x < pixels.width; ++x)
+        line[x] = from[3 * x + channel];
+    return line;
 }
 
 /// Rows that are smoothed at a time. Around them twice the radius is needed: the line of each
@@ -59,12 +76,14 @@ constexpr int kBandRows = 256;
 /// Some rows of four planes, held by each thread.
 struct BandPlanes {
     FloatPlane values, squares, meanValues, meanSquares;
+    std::vector<std::uint8_t> line;  // a row of the channel
 
     BandPlanes(int width, int height)
         : values(width, height),
           squares(width, height),
           meanValues(width, height),
-          meanSquares(width, height) {}
+          meanSquares(width, height),
+          line(static_cast<std::size_t>(width)) {}
 };
 
 FloatView RowsOf(FloatView plane, int first, int count) {
@@ -90,25 +109,31 @@ struct GuidedPass {
     FloatView nextValues;   // for the pass behind; none in the last
 };
 
-void LoadRows(const GuidedPass& pass, Rows rows, FloatView values) {
+void LoadRows(const GuidedPass& pass, Rows rows, std::uint8_t* line, FloatView values) {
     for (int y = 0; y < rows.Count(); ++y) {
         float* out = values.Row(y).data();
-        if (pass.values.first != nullptr) {
+        if (pass.values.first != nullptr)
             std::copy_n(pass.values.Row(rows.first + y).data(), values.width, out);
-            continue;
-        }
-        const std::uint8_t* from = pass.samples.Row(rows.first + y).data() + pass.channel;
-        for (int x = 0; x < values.width; ++x)
-            out[x] = from[static_cast<std::ptrdiff_t>(x) * pass.samples.channels];
+        else
+            WidenRow(ChannelOfRow(pass.samples, rows.first + y, pass.channel, line), values.width,
+                     out);
     }
 }
 
-void FinishRow(const GuidedPass& pass, int y, const float* slope, float* values) {
-    const int channels = pass.samples.channels, width = pass.samples.width;
-    ApplyRow(slope, pass.samples.Row(y).data() + pass.channel, channels, width, values);
-    RoundRow(values, width, channels, pass.result.Row(y).data() + pass.channel);
+void FinishRow(const GuidedPass& pass, int y, const float* slope, std::uint8_t* line,
+               float* values) {
+    const int width = pass.samples.width;
+    ApplyRow(slope, ChannelOfRow(pass.samples, y, pass.channel, line), width, values);
     if (pass.nextValues.first != nullptr)
         std::copy_n(values, width, pass.nextValues.Row(y).data());
+    std::uint8_t* out = pass.result.Row(y).data();
+    if (pass.result.channels == 1) {
+        RoundRow(values, width, out);
+        return;
+    }
+    RoundRow(values, width, line);
+    for (int x = 0; x < width; ++x)
+        out[3 * x + pass.channel] = line[x];
 }
 
 /// Means near the ends of the rows at hand are wrong where the picture goes on, and not used.
@@ -120,7 +145,7 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
     const FloatView squares = RowsOf(planes.squares.View(), 0, all.Count());
     const FloatView meanValues = RowsOf(planes.meanValues.View(), 0, all.Count());
     const FloatView meanSquares = RowsOf(planes.meanSquares.View(), 0, all.Count());
-    LoadRows(pass, all, values);
+    LoadRows(pass, all, planes.line.data(), values);
     for (int y = 0; y < all.Count(); ++y)
         SquareRow(values.Row(y).data(), width, squares.Row(y).data());
     BoxMean(values, pass.radius, meanValues);
@@ -135,7 +160,7 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
     BoxMean(slopes, pass.radius, meanSlopes);
     BoxMean(offsets, pass.radius, meanOffsets);
     for (int y = band.first; y < band.last; ++y)
-        FinishRow(pass, y, meanSlopes.Row(y - around.first).data(),
+        FinishRow(pass, y, meanSlopes.Row(y - around.first).data(), planes.line.data(),
                   meanOffsets.Row(y - around.first).data());
 }
 
