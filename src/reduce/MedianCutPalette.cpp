@@ -135,7 +135,7 @@ Palette MedianCutPalette(const CDibImage& image, int colors) {
     if (!image.IsValid() || (image.GetBpp() != 8 && image.GetBpp() != 24) || colors < 1)
         return {};
     try {
-        const PixelBuffer packed = PackedPixels(image);
+        PixelBuffer packed = PackedPixels(image);
         auto* pixels = reinterpret_cast<Pixel*>(packed.get());
         const std::size_t count = static_cast<std::size_t>(image.GetWidth()) *
                                   static_cast<std::size_t>(image.GetHeight());
@@ -154,6 +154,9 @@ Palette MedianCutPalette(const CDibImage& image, int colors) {
         Palette palette;
         for (; !boxes.empty(); boxes.pop())
             palette.push_back(MeanOf(pixels, boxes.top()));
+        // A second page must not lie idle while the search for nearest colours takes its memory.
+        packed.reset();
+        ReleaseKeptPixels();
         return palette;
     } catch (const std::bad_alloc&) {
         return {};

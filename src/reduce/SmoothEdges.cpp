@@ -128,9 +128,9 @@ class PatternPage {
           pixels_(stride_ * static_cast<std::size_t>(height_)),
           marks_(pixels_.size()) {
         const ConstPlaneView plane = TopDownViewOf(image);
-#pragma omp parallel for schedule(static)
         for (int y = 0; y < height_; ++y)
             BlackBits(plane.Row(y).data(), width_, Row(pixels_, y));
+        before_ = pixels_;
     }
 
     /// Finds all places of a pattern, then flips their cells.
@@ -138,7 +138,6 @@ class PatternPage {
         if (pattern.count == 0 || pattern.width > width_ || pattern.height > height_)
             return;
         const int rows = height_ - pattern.height + 1;
-#pragma omp parallel for schedule(static)
         for (int y = 0; y < rows; ++y)
             MarkRow(pattern, y);
         for (int y = 0; y < rows; ++y)
@@ -148,9 +147,8 @@ class PatternPage {
     /// Writes what changed back into the image.
     void WriteTo(CDibImage& image) const {
         const PlaneView plane = TopDownViewOf(image);
-#pragma omp parallel for schedule(static)
         for (int y = 0; y < height_; ++y)
-            WriteBlackBits(Row(pixels_, y), width_, plane.Row(y).data());
+            WriteBlackBits(Row(pixels_, y), Row(before_, y), width_, plane.Row(y).data());
     }
 
  private:
@@ -199,7 +197,7 @@ class PatternPage {
 
     int width_, height_, words_;
     std::size_t stride_;
-    std::vector<std::uint32_t> pixels_, marks_;
+    std::vector<std::uint32_t> pixels_, before_, marks_;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "reduce/ApplyPalette.h"
+#include "reduce/BilevelRows.h"
 #include "reduce/Binarize.h"
 
 namespace velloran {
@@ -38,10 +39,15 @@ void MapLevels(CDibImage& image, const LevelMap& map) {
 /// 255 above the threshold, else 0: compared and not looked up, so that it runs in whole vectors.
 void SplitAt(CDibImage& image, int threshold) {
     const PlaneView plane = ViewOf(image);
+    if (threshold < 0) {
+        image.Clear(255);
+        return;
+    }
+    const std::uint8_t last = ClampToByte(threshold);  // bytes, or the vectors would be wider
 #pragma omp parallel for schedule(static)
     for (int y = 0; y < plane.height; ++y)
         for (std::uint8_t& sample : plane.Row(y))
-            sample = static_cast<std::uint8_t>(sample > threshold ? 255 : 0);
+            sample = sample > last ? 255 : 0;
 }
 
 /// Counts a rectangle of a plane. Four tables: one would wait for itself where levels repeat.
@@ -179,9 +185,6 @@ bool BlockThreshold(CDibImage& image, bool keepDepth, int blockSize, float balan
 bool PackBilevel(CDibImage& image) {
     if (image.GetBpp() != 8)
         return false;
-    LevelMap map;
-    for (std::size_t level = 0; level < 256; ++level)
-        map[level] = level >= 128 ? 1 : 0;
     CDibImage bilevel;
     if (bilevel.Create(image.GetWidth(), image.GetHeight(), 1) == nullptr)
         return false;
@@ -191,12 +194,15 @@ bool PackBilevel(CDibImage& image) {
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* sample = plane.Row(y).data();
         std::uint8_t* out = bilevel.GetBits(y);
-        for (int x = 0; x < plane.width; x += 8) {
-            int byte = 0;
-            for (int bit = 0; bit < std::min(8, plane.width - x); ++bit)
-                byte |= map[sample[x + bit]] << (7 - bit);
-            out[x / 8] = static_cast<std::uint8_t>(byte);
-        }
+        int x = 0;
+        for (; x + 8 <= plane.width; x += 8)
+            out[x / 8] = LightOfEight(sample + x);
+        if (x == plane.width)
+            continue;
+        int byte = 0;
+        for (int bit = 0; x + bit < plane.width; ++bit)
+            byte |= (sample[x + bit] >= 128 ? 128 : 0) >> bit;
+        out[x / 8] = static_cast<std::uint8_t>(byte);
     }
     return image.TakePixels(bilevel);
 }
