@@ -89,9 +89,10 @@ int UnsharpMask(CDibImage& image, int amount, float radius, int threshold, int t
             mixer.emplace(amount, threshold);
         if (EnsureGrayOrRgb(image) == 0)
             return 0;
-        // A round that fails leaves what the rounds before it made.
+        // A round that fails leaves what the rounds before it made, and these count as run.
         for (int i = 0; i < times; ++i)
-            if (BlurOrSharpen(image, radius, mixer ? &*mixer : nullptr) == 0)
+            if (RefuseWhenOutOfMemory(
+                    [&] { return BlurOrSharpen(image, radius, mixer ? &*mixer : nullptr); }) == 0)
                 return i == 0 ? 0 : 1;
         return 1;
     });

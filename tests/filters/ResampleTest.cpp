@@ -1,0 +1,251 @@
+#include "filters/Resample.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "filters/ScarceMemory.h"
+#include "imaging/Resize.h"
+#include "support/Images.h"
+#include "support/Threads.h"
+
+namespace velloran {
+namespace {
+
+using PlaneResizer = void (*)(ConstPlaneView, PlaneView);
+
+CDibImage Resized(CDibImage page, int width, int height, PlaneResizer resize) {
+    CDibImage result = test::Filled(width, height, page.GetBpp(), 0);
+    resize(ViewOf(page), ViewOf(result));
+    return result;
+}
+
+TEST(ResizeTo, EnlargesAndStretchesByLanczosAndReducesByArea) {
+    for (const int bpp : {8, 24}) {
+        const CDibImage page = test::Noise(40, 30, bpp);
+        struct Case {
+            int width, height;
+            PlaneResizer resize;
+        };
+        for (const Case& c :
+             {Case{60, 45, ResizeLanczos}, Case{41, 31, ResizeLanczos}, Case{20, 15, ResizeArea},
+              Case{39, 29, ResizeArea}, Case{1, 1, ResizeArea}, Case{40, 15, ResizeLanczos},
+              Case{20, 30, ResizeLanczos}}) {
+            CDibImage image = page;
+            EXPECT_EQ(ResizeTo(image, c.width, c.height), 1);
+            test::ExpectSamePixels(image, Resized(page, c.width, c.height, c.resize));
+        }
+    }
+}
+
+TEST(ResizeTo, ATargetLargerOneWayAndSmallerTheOtherTakesLanczos) {
+    const CDibImage page = test::Noise(40, 30, 24);
+    for (const auto& [width, height] : {std::pair{60, 10}, {10, 60}}) {
+        CDibImage image = page;
+        EXPECT_EQ(ResizeTo(image, width, height), 1);
+        test::ExpectSamePixels(image, Resized(page, width, height, ResizeLanczos));
+    }
+}
+
+TEST(ResizeToLinear, IsLinearBothWays) {
+    for (const int bpp : {8, 24}) {
+        const CDibImage page = test::Noise(40, 30, bpp);
+        for (const auto& [width, height] : {std::pair{60, 45}, {20, 15}, {60, 10}}) {
+            CDibImage image = page;
+            EXPECT_EQ(ResizeToLinear(image, width, height), 1);
+            test::ExpectSamePixels(image, Resized(page, width, height, ResizeLinear));
+        }
+    }
+}
+
+TEST(Resampling, TheEqualSizeIsDoneAtOnce) {
+    for (const int bpp : {1, 4, 8, 24}) {
+        CDibImage image = test::Noise(20, 10, bpp);
+        EXPECT_EQ(ResizeTo(image, 20, 10), 1);
+        EXPECT_EQ(ResizeToLinear(image, 20, 10), 1);
+        EXPECT_EQ(ReduceBilevelAware(image, 20, 10), 1);
+        test::ExpectSamePixels(image, test::Noise(20, 10, bpp));
+    }
+}
+
+TEST(Resampling, TargetsBelowOneAndTooLargeAreRefused) {
+    constexpr int kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
+    for (const auto& [width, height] :
+         {std::pair{0, 5}, {5, 0}, {-1, 5}, {kLeast, kLeast}, {kMost, kMost}, {kMost, 5}})
+        for (const int bpp : {8, 24}) {
+            const CDibImage page = test::Noise(20, 10, bpp);
+            CDibImage image = page;
+            EXPECT_EQ(ResizeTo(image, width, height), 0);
+            EXPECT_EQ(ResizeToLinear(image, width, height), 0);
+            EXPECT_EQ(ReduceBilevelAware(image, width, height), 0);
+            test::ExpectSamePixels(image, page);
+        }
+    CDibImage empty;
+    EXPECT_EQ(ResizeTo(empty, 5, 5), 0);
+    EXPECT_EQ(ResizeToLinear(empty, 5, 5), 0);
+    EXPECT_EQ(ReduceBilevelAware(empty, 5, 5), 0);
+}
+
+TEST(ResizeTo, AHalvedBilevelPageStaysBilevel) {
+    // 2 x 2 pixels each: a half and more of white is white.
+    CDibImage image = test::Filled(34, 12, 1, 0);
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 34; ++x)
+            test::SetIndex(image, x, y, (x / 2 + y / 2 * 17) % 5 > (y % 2) * 2 + x % 2 ? 1 : 0);
+    CDibImage expected = test::Filled(17, 6, 1, 0);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 17; ++x)
+            test::SetIndex(expected, x, y, (x + y * 17) % 5 >= 2 ? 1 : 0);
+    EXPECT_EQ(ResizeTo(image, 17, 6), 1);
+    test::ExpectSamePixels(image, expected);
+}
+
+TEST(ResizeTo, AnEnlargedBilevelPageBecomesGray) {
+    CDibImage image = test::Noise(20, 10, 1);
+    EXPECT_EQ(ResizeTo(image, 40, 20), 1);
+    EXPECT_EQ(image.GetBpp(), 8);
+    EXPECT_TRUE(image.IsGrayScale());
+}
+
+TEST(ResizeTo, KeepsBitsOfLittleDepthsWhereTheyShrinkAndItIsAsked) {
+    const CDibImage page = test::Noise(20, 10, 4);
+    CDibImage kept = page, normalised = page, enlarged = page;
+    EXPECT_EQ(ResizeTo(kept, 10, 5, /*keepBits=*/true), 1);
+    EXPECT_EQ(kept.GetBpp(), 4);
+    EXPECT_EQ(ResizeTo(normalised, 10, 5), 1);
+    EXPECT_EQ(normalised.GetBpp(), 8);
+    EXPECT_EQ(ResizeTo(enlarged, 40, 20, /*keepBits=*/true), 1);
+    EXPECT_EQ(enlarged.GetBpp(), 8);
+}
+
+TEST(ResizeTo, PalettesBecomeGrayOrColorFirst) {
+    CDibImage gray = test::Noise(20, 10, 8), color = gray;
+    gray.GetPalette()[7] = {9, 9, 9, 0};
+    color.GetPalette()[7] = {0, 0, 200, 0};
+    EXPECT_EQ(ResizeTo(gray, 10, 5), 1);
+    EXPECT_EQ(gray.GetBpp(), 8);
+    EXPECT_TRUE(gray.IsGrayScale());
+    EXPECT_EQ(ResizeTo(color, 10, 5, /*keepBits=*/true), 1);
+    EXPECT_EQ(color.GetBpp(), 24);
+}
+
+TEST(ReduceBilevelAware, LittleDepthsTakeTheEntryNearestToTheMean) {
+    CDibImage image = test::Filled(4, 4, 4, 0);
+    std::vector<test::Rgb> entries(16);
+    entries[1] = {200, 0, 0};
+    entries[2] = {0, 0, 200};
+    entries[3] = {255, 255, 255};
+    test::SetPalette(image, entries);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 4; ++x)
+            test::SetIndex(image, x, y, x < 2 ? 1 : (y < 2 ? 2 : (x + y) % 2 == 0 ? 3 : 2));
+    for (const bool keepBits : {false, true}) {
+        CDibImage reduced = image;
+        EXPECT_EQ(ReduceBilevelAware(reduced, 2, 2, keepBits), 1);
+        ASSERT_EQ(reduced.GetBpp(), 4);
+        EXPECT_EQ(test::PixelAt(reduced, 0, 0), (test::Rgb{200, 0, 0}));
+        EXPECT_EQ(test::PixelAt(reduced, 0, 1), (test::Rgb{200, 0, 0}));
+        EXPECT_EQ(test::PixelAt(reduced, 1, 0), (test::Rgb{0, 0, 200}));
+        // The mean of two blues and two whites is (128, 128, 228): 183 from blue, 182 from white.
+        EXPECT_EQ(test::PixelAt(reduced, 1, 1), (test::Rgb{255, 255, 255}));
+    }
+}
+
+TEST(ReduceBilevelAware, EnlargesLittleDepthsToo) {
+    CDibImage image = test::Filled(2, 1, 1, 0);
+    test::SetIndex(image, 1, 0, 1);
+    EXPECT_EQ(ReduceBilevelAware(image, 8, 2), 1);
+    ASSERT_EQ(image.GetBpp(), 1);
+    for (int x = 0; x < 8; ++x)
+        EXPECT_EQ(test::IndexAt(image, x, 1), x < 4 ? 0 : 1);
+}
+
+TEST(ReduceBilevelAware, OtherDepthsAreAveragedOrInterpolated) {
+    for (const int bpp : {8, 24}) {
+        const CDibImage page = test::Noise(20, 12, bpp);
+        CDibImage smaller = page, larger = page;
+        EXPECT_EQ(ReduceBilevelAware(smaller, 7, 5), 1);
+        EXPECT_EQ(ReduceBilevelAware(larger, 30, 20), 1);
+        test::ExpectSamePixels(smaller, Resized(page, 7, 5, ResizeArea));
+        test::ExpectSamePixels(larger, Resized(page, 30, 20, ResizeLinear));
+    }
+}
+
+TEST(Resampling, AlphaIsScaledAndResolutionStays) {
+    for (const int bpp : {1, 8, 24})
+        for (const auto& [width, height] : {std::pair{10, 5}, {40, 20}}) {
+            CDibImage image = test::Noise(20, 10, bpp);
+            image.SetXDpi(300);
+            image.SetYDpi(200);
+            ASSERT_TRUE(image.CreateAlpha());
+            for (int i = 0; i < 200; ++i)
+                image.GetAlpha()[i] = i % 20 < 10 ? 0 : 200;
+            EXPECT_EQ(ResizeTo(image, width, height), 1);
+            EXPECT_EQ(image.GetXDpi(), 300);
+            EXPECT_EQ(image.GetYDpi(), 200);
+            ASSERT_NE(image.GetAlpha(), nullptr);
+            EXPECT_EQ(image.GetAlpha()[0], 0);
+            EXPECT_EQ(image.GetAlpha()[width - 1], 200);
+            EXPECT_EQ(image.GetAlpha()[width * height - 1], 200);
+        }
+}
+
+TEST(Resampling, TheTransparentIndexOfALittleDepthStays) {
+    CDibImage image = test::Noise(20, 10, 4);
+    image.Fields().backgroundIndex = 3;
+    EXPECT_EQ(ReduceBilevelAware(image, 10, 5), 1);
+    EXPECT_EQ(image.Fields().backgroundIndex, 3);
+}
+
+TEST(Resampling, WithoutMemoryThePixelsStay) {
+    for (const int bpp : {1, 24})
+        for (const int width : {10, 40}) {
+            CDibImage page = test::Noise(20, 10, bpp);
+            ASSERT_TRUE(page.CreateAlpha());
+            CDibImage whole = page;
+            ASSERT_EQ(ResizeTo(whole, width, width / 2), 1);
+            for (const bool onlyOne : {false, true}) {
+                const int failures = test::RunWithScarceMemory(
+                    page, onlyOne,
+                    [w = width](CDibImage& image) { return ResizeTo(image, w, w / 2); },
+                    [&](const CDibImage& image, int result, bool failed) {
+                        EXPECT_EQ(result, failed ? 0 : 1);
+                        EXPECT_EQ(image.GetWidth(), failed ? 20 : width);
+                        EXPECT_NE(image.GetAlpha(), nullptr);
+                        if (!failed)
+                            test::ExpectSamePixels(image, whole);
+                        else if (image.GetBpp() == page.GetBpp())
+                            test::ExpectSamePixels(image, page);
+                    });
+                EXPECT_GT(failures, 3);
+            }
+        }
+}
+
+TEST(Resampling, PagesOfMoreThan32767PixelsAreWhole) {
+    CDibImage wide = test::Filled(40001, 4, 24, 77), tall = test::Filled(3, 40001, 8, 77);
+    EXPECT_EQ(ResizeTo(wide, 20000, 2), 1);
+    test::ExpectSamePixels(wide, test::Filled(20000, 2, 24, 77));
+    EXPECT_EQ(ResizeTo(tall, 5, 50001), 1);
+    test::ExpectSamePixels(tall, test::Filled(5, 50001, 8, 77));
+}
+
+TEST(Resampling, ThreadsDoNotChangeTheBytes) {
+    for (const int bpp : {1, 24}) {
+        std::vector<CDibImage> results;
+        for (const int threads : {1, 2, 7}) {
+            const test::Threads guard(threads);
+            CDibImage image = test::Noise(433, 301, bpp);
+            ResizeTo(image, 217, 150);
+            ResizeTo(image, 400, 301);
+            results.push_back(image);
+        }
+        test::ExpectSamePixels(results[1], results[0]);
+        test::ExpectSamePixels(results[2], results[0]);
+    }
+}
+
+}  // namespace
+}  // namespace velloran
