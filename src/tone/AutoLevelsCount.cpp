@@ -2,69 +2,175 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
+#include <new>
 
+#include "core/Threads.h"
 #include "tone/AutoLevelsLuma.h"
 #include "tone/PixelMapRows.h"
 
 namespace velloran {
 namespace {
 
-// Neighbours on a page are often equal, and counting twice on end in one cell makes the processor
-// wait for its own store. Neighbours therefore count in different lanes.
-constexpr std::size_t kLanes = 4;
-using LaneHistogram = std::array<Histogram, kLanes>;
+// Counting a byte costs a store, and the processor makes one a cycle. Bytes are therefore counted
+// two at a time, in a table of all pairs, and the table is summed up along both sides at the end.
+// A page keeps to few of the pairs, so that the table's used part stays near.
+using PairTable = std::array<std::uint32_t, 256 * 256>;
 
 constexpr std::size_t kStretch = 512;  // pixels whose luma is worked out at a time
 
-void CountSamples(std::span<const std::uint8_t> samples, LaneHistogram& lanes) {
-    std::size_t i = 0;
-    for (; i + kLanes <= samples.size(); i += kLanes)
-        for (std::size_t k = 0; k < kLanes; ++k)
-            ++lanes[k][samples[i + k]];
-    for (; i < samples.size(); ++i)
-        ++lanes[0][samples[i]];
+/// The histograms that the first and the second byte of a pair count in.
+struct PairTarget {
+    std::size_t first, second;
+};
+
+std::size_t PairAt(const std::uint8_t* bytes) {
+    return static_cast<std::size_t>(bytes[0] | bytes[1] << 8);
 }
 
-/// Adds the pixels to the first three histograms.
-template <std::size_t N>
-void CountPixels(std::span<const std::uint8_t> samples, std::array<LaneHistogram, N>& channels) {
-    std::size_t i = 0;
-    for (; i + 3 * kLanes <= samples.size(); i += 3 * kLanes)
-        for (std::size_t k = 0; k < kLanes; ++k)
-            for (std::size_t c = 0; c < 3; ++c)
-                ++channels[c][k][samples[i + 3 * k + c]];
-    for (; i < samples.size(); i += 3)
-        for (std::size_t c = 0; c < 3; ++c)
-            ++channels[c][0][samples[i + c]];
+/// All bytes in one histogram.
+struct BytesCounter {
+    static constexpr std::array<PairTarget, 1> kPairs{{{0, 0}}};
+    using Histograms = std::array<Histogram, 1>;
+
+    static void CountEach(std::span<const std::uint8_t> bytes, Histograms& sums) {
+        for (const std::uint8_t byte : bytes)
+            ++sums[0][byte];
+    }
+    static void CountPairs(std::span<const std::uint8_t> bytes, PairTable* tables,
+                           Histograms& sums) {
+        const std::size_t even = bytes.size() & ~std::size_t{1};
+        const std::uint8_t* at = bytes.data();
+        for (std::size_t i = 0; i < even; i += 2)
+            ++tables[0][PairAt(at + i)];
+        CountEach(bytes.subspan(even), sums);
+    }
+};
+
+/// Blue, green and red: two pixels are three pairs.
+struct ChannelsCounter {
+    static constexpr std::array<PairTarget, 3> kPairs{{{0, 1}, {2, 0}, {1, 2}}};
+    using Histograms = std::array<Histogram, 3>;
+
+    static void CountEach(std::span<const std::uint8_t> bytes, Histograms& sums) {
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            ++sums[i % 3][bytes[i]];
+    }
+    static void CountPairs(std::span<const std::uint8_t> bytes, PairTable* tables,
+                           Histograms& sums) {
+        const std::size_t even = bytes.size() / 6 * 6;
+        const std::uint8_t* at = bytes.data();
+        for (std::size_t i = 0; i < even; i += 6)
+            for (std::size_t pair = 0; pair < 3; ++pair)
+                ++tables[pair][PairAt(at + i + 2 * pair)];
+        CountEach(bytes.subspan(even), sums);
+    }
+};
+
+/// Luma of a stretch of pixels.
+struct Luma {
+    std::array<std::uint8_t, kStretch> bytes;
+    std::size_t count;
+
+    explicit Luma(std::span<const std::uint8_t> pixels) : count(pixels.size() / 3) {
+        BestLumaWay().run(pixels.data(), count, bytes.data());
+    }
+    std::span<const std::uint8_t> View() const { return {bytes.data(), count}; }
+};
+
+struct LumaCounter {
+    static constexpr auto kPairs = BytesCounter::kPairs;
+    using Histograms = BytesCounter::Histograms;
+
+    static void CountEach(std::span<const std::uint8_t> pixels, Histograms& sums) {
+        BytesCounter::CountEach(Luma(pixels).View(), sums);
+    }
+    static void CountPairs(std::span<const std::uint8_t> pixels, PairTable* tables,
+                           Histograms& sums) {
+        BytesCounter::CountPairs(Luma(pixels).View(), tables, sums);
+    }
+};
+
+/// Blue, green, red and luma: a pixel is two pairs.
+struct ChannelsAndLumaCounter {
+    static constexpr std::array<PairTarget, 2> kPairs{{{0, 1}, {2, 3}}};
+    using Histograms = std::array<Histogram, 4>;
+
+    static void CountEach(std::span<const std::uint8_t> pixels, Histograms& sums) {
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            ++sums[i % 3][pixels[i]];
+        for (const std::uint8_t byte : Luma(pixels).View())
+            ++sums[3][byte];
+    }
+    static void CountPairs(std::span<const std::uint8_t> pixels, PairTable* tables,
+                           Histograms& /*sums*/) {
+        const Luma luma(pixels);
+        const std::uint8_t* at = pixels.data();
+        for (std::size_t i = 0; i < luma.count; ++i, at += 3) {
+            ++tables[0][PairAt(at)];
+            ++tables[1][static_cast<std::size_t>(at[2] | luma.bytes[i] << 8)];
+        }
+    }
+};
+
+void AddPairs(const PairTable& table, Histogram& first, Histogram& second) {
+    for (std::size_t high = 0; high < 256; ++high) {
+        std::uint32_t sum = 0;
+        for (std::size_t low = 0; low < 256; ++low) {
+            const std::uint32_t count = table[high << 8 | low];
+            first[low] += count;
+            sum += count;
+        }
+        second[high] += sum;
+    }
 }
 
-void CountLumaOf(std::span<const std::uint8_t> samples, LaneHistogram& lanes) {
-    std::array<std::uint8_t, kStretch> luma;
-    const std::size_t count = samples.size() / 3;
-    BestLumaWay().run(samples.data(), count, luma.data());
-    CountSamples({luma.data(), count}, lanes);
+template <typename Counter>
+using Histograms = typename Counter::Histograms;
+
+/// Counts a row, in stretches of at most kStretch pixels; byte by byte where there are no tables.
+template <typename Counter>
+void CountRow(std::span<const std::uint8_t> row, int channels, PairTable* tables,
+              Histograms<Counter>& sums) {
+    const std::size_t step = kStretch * static_cast<std::size_t>(channels);
+    while (!row.empty()) {
+        const auto stretch = row.first(std::min(step, row.size()));
+        if (tables != nullptr)
+            Counter::CountPairs(stretch, tables, sums);
+        else
+            Counter::CountEach(stretch, sums);
+        row = row.subspan(stretch.size());
+    }
 }
 
-/// Calls `count(stretch, lanes)` for stretches of at most kStretch pixels and sums up the lanes.
-template <std::size_t N, typename Count>
-std::array<Histogram, N> CountRows(ConstPlaneView pixels, Count count) {
-    std::array<Histogram, N> total{};
-    const std::size_t step = kStretch * static_cast<std::size_t>(pixels.channels);
+template <typename Counter>
+void AddTo(Histograms<Counter>& total, const Histograms<Counter>& own, const PairTable* tables) {
+    for (std::size_t n = 0; n < own.size(); ++n)
+        for (std::size_t level = 0; level < own[n].size(); ++level)
+            total[n][level] += own[n][level];
+    for (std::size_t t = 0; tables != nullptr && t < Counter::kPairs.size(); ++t)
+        AddPairs(tables[t], total[Counter::kPairs[t].first], total[Counter::kPairs[t].second]);
+}
+
+/// A small view is not worth the tables; without memory for them the work goes on without.
+template <typename Counter>
+Histograms<Counter> CountRows(ConstPlaneView pixels) {
+    constexpr std::size_t kTables = Counter::kPairs.size();
+    const auto threads = static_cast<std::size_t>(MaxThreads());
+    std::unique_ptr<PairTable[]> all;
+    if (IsWorthThreads(pixels))
+        all.reset(new (std::nothrow) PairTable[threads * kTables]());
+    Histograms<Counter> total{};
 #pragma omp parallel if (IsWorthThreads(pixels))
     {
-        std::array<LaneHistogram, N> own{};
+        PairTable* tables =
+            all ? all.get() + kTables * static_cast<std::size_t>(ThreadNumber()) : nullptr;
+        Histograms<Counter> own{};
 #pragma omp for schedule(static) nowait
         for (int y = 0; y < pixels.height; ++y)
-            for (std::span<const std::uint8_t> rest = pixels.Row(y); !rest.empty();) {
-                const std::size_t length = std::min(step, rest.size());
-                count(rest.first(length), own);
-                rest = rest.subspan(length);
-            }
+            CountRow<Counter>(pixels.Row(y), pixels.channels, tables, own);
 #pragma omp critical(velloran_histograms)
-        for (std::size_t n = 0; n < N; ++n)
-            for (const Histogram& lane : own[n])
-                for (std::size_t level = 0; level < lane.size(); ++level)
-                    total[n][level] += lane[level];
+        AddTo<Counter>(total, own, tables);
     }
     return total;
 }
@@ -72,24 +178,19 @@ std::array<Histogram, N> CountRows(ConstPlaneView pixels, Count count) {
 }  // namespace
 
 Histogram CountBytes(ConstPlaneView pixels) {
-    return CountRows<1>(pixels,
-                        [](auto stretch, auto& lanes) { CountSamples(stretch, lanes[0]); })[0];
+    return CountRows<BytesCounter>(pixels)[0];
 }
 
 std::array<Histogram, 3> CountChannels(ConstPlaneView pixels) {
-    return CountRows<3>(pixels, [](auto stretch, auto& lanes) { CountPixels(stretch, lanes); });
+    return CountRows<ChannelsCounter>(pixels);
 }
 
 Histogram CountLuma(ConstPlaneView pixels) {
-    return CountRows<1>(pixels,
-                        [](auto stretch, auto& lanes) { CountLumaOf(stretch, lanes[0]); })[0];
+    return CountRows<LumaCounter>(pixels)[0];
 }
 
 std::array<Histogram, 4> CountChannelsAndLuma(ConstPlaneView pixels) {
-    return CountRows<4>(pixels, [](auto stretch, auto& lanes) {
-        CountPixels(stretch, lanes);
-        CountLumaOf(stretch, lanes[3]);
-    });
+    return CountRows<ChannelsAndLumaCounter>(pixels);
 }
 
 }  // namespace velloran

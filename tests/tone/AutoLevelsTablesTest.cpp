@@ -5,6 +5,7 @@
 #include <array>
 
 #include "core/Rounding.h"
+#include "support/FailingAllocator.h"
 #include "support/Images.h"
 #include "support/Threads.h"
 #include "tone/AutoLevelsCount.h"
@@ -170,7 +171,7 @@ TEST(AutoLevelsLuma, IsExactAtTheCornersOfTheColorCube) {
 }
 
 TEST(AutoLevelsCount, CountsEveryPixelOnceWithAnyNumberOfThreads) {
-    for (const int width : {1, 2, 3, 5, 17, 511, 512, 513, 9100}) {
+    for (const int width : {1, 2, 3, 5, 17, 511, 512, 513, 9100, 9103}) {
         const CDibImage color = test::Noise(width, 9, 24), gray = test::Noise(width, 9, 8);
         std::array<Histogram, 4> channels{};
         Histogram bytes{};
@@ -194,6 +195,19 @@ TEST(AutoLevelsCount, CountsEveryPixelOnceWithAnyNumberOfThreads) {
                 EXPECT_EQ(three[c], channels[c]) << width;
         }
     }
+}
+
+TEST(AutoLevelsCount, CountsTheSameWithoutMemoryForItsTables) {
+    const CDibImage color = test::Noise(400, 301, 24), gray = test::Noise(601, 300, 8);
+    const Histogram bytes = CountBytes(ViewOf(gray)), luma = CountLuma(ViewOf(color));
+    const std::array<Histogram, 3> channels = CountChannels(ViewOf(color));
+    const std::array<Histogram, 4> all = CountChannelsAndLuma(ViewOf(color));
+    const test::FailAllocation fail(1);
+    EXPECT_EQ(CountBytes(ViewOf(gray)), bytes);
+    EXPECT_EQ(CountLuma(ViewOf(color)), luma);
+    EXPECT_EQ(CountChannels(ViewOf(color)), channels);
+    EXPECT_EQ(CountChannelsAndLuma(ViewOf(color)), all);
+    EXPECT_TRUE(fail.Happened());
 }
 
 }  // namespace
