@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/DibImage.h"
+#include "tone/PixelMapRows.h"
 
 namespace velloran {
 namespace {
@@ -24,7 +25,7 @@ void SwapInPalette(CDibImage& image, int which) {
 
 /// Exchanges bytes `a` and `b` of each pixel.
 void SwapInPixels(PlaneView pixels, std::size_t a, std::size_t b) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         std::uint8_t* pixel = pixels.Row(y).data();
         for (int x = 0; x < pixels.width; ++x, pixel += 3)

@@ -9,6 +9,7 @@
 #include "imaging/Planes.h"
 #include "tone/Channels.h"
 #include "tone/ColorSpaces.h"
+#include "tone/PixelMapRows.h"
 
 namespace velloran {
 namespace {
@@ -79,7 +80,7 @@ void MixPixels(ConstPlaneView pixels, int mode, PlaneView gray) {
         return;
     }
     const RowMixer mixer = kRowMixers[static_cast<std::size_t>(mode - 1)];
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(gray))
     for (int y = 0; y < gray.height; ++y)
         mixer(pixels.Row(y).data(), gray.width, gray.Row(y).data());
 }

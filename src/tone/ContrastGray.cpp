@@ -12,6 +12,7 @@
 #include "core/Rounding.h"
 #include "filters/Resample.h"
 #include "tone/Channels.h"
+#include "tone/PixelMapRows.h"
 
 namespace velloran {
 namespace {
@@ -150,7 +151,7 @@ int ContrastGray(CDibImage& image) {
         gray.SetGrayPalette();
         const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
         const PlaneView target = ViewOf(gray);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(target))
         for (int y = 0; y < target.height; ++y) {
             const std::uint8_t* pixel = source.Row(y).data();
             std::uint8_t* out = target.Row(y).data();

@@ -17,6 +17,7 @@ namespace {
 constexpr float kStep = 0.003921569F;  // 1 / 255
 constexpr int kBand = 75;
 constexpr double kMaskRadius = 3.0;
+constexpr int kLargestUnsmoothed = 3;  // a side that SmoothPlane leaves alone
 
 using MaskTable = std::array<PixelMap, 256>;  // by mask level, then sample
 
@@ -52,7 +53,7 @@ PixelMap HighlightTable(const LightCurve& highlight, float strength) {
 }
 
 void MapByMask(const MaskTable& table, ConstPlaneView mask, PlaneView pixels) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         const std::uint8_t* level = mask.Row(y).data();
         std::uint8_t* sample = pixels.Row(y).data();
@@ -67,7 +68,10 @@ bool LightenShadows(CDibImage& image, const LightCurve& shadow, float strength) 
     if (!mask.IsValid())
         return false;
     // A page too small to be smoothed is its own mask.
-    SmoothPlane(mask, kMaskRadius);
+    const bool isSmoothed =
+        image.GetWidth() > kLargestUnsmoothed && image.GetHeight() > kLargestUnsmoothed;
+    if (isSmoothed && SmoothPlane(mask, kMaskRadius) == 0)
+        return false;
     const auto table = std::make_unique<MaskTable>();
     MakeShadowTable(shadow, strength, *table);
     MapByMask(*table, ViewOf(static_cast<const CDibImage&>(mask)), ViewOf(image));

@@ -91,10 +91,9 @@ void ReplaceNear(const Replacement& r, const FloatLab& lab, std::uint8_t* pixel)
     if (distance < limit) {
         PutTarget(r, pixel);
     } else if (distance < limit + 1) {
-        double t = (limit + 1 - distance) / (limit + 1 - limit);
-        if (t == 1)
-            t = 0.999999;
-        const float share = static_cast<float>(t);
+        auto share = static_cast<float>((limit + 1 - distance) / (limit + 1 - limit));
+        if (share == 1)  // the sample could not be taken out of the whole
+            share = 0.999999F;
         pixel[0] = SoftChannel(pixel[0], r.from.blue, r.to.blue, share);
         pixel[1] = SoftChannel(pixel[1], r.from.green, r.to.green, share);
         pixel[2] = SoftChannel(pixel[2], r.from.red, r.to.red, share);
@@ -115,7 +114,7 @@ void ReplaceNearInPixels(const Replacement& r, PlaneView pixels) {
     std::vector<std::vector<FloatLab>> perThread(
         static_cast<std::size_t>(MaxThreads()),
         std::vector<FloatLab>(static_cast<std::size_t>(pixels.width)));
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         std::vector<FloatLab>& labs = perThread[static_cast<std::size_t>(ThreadNumber())];
         std::uint8_t* pixel = pixels.Row(y).data();
@@ -126,7 +125,7 @@ void ReplaceNearInPixels(const Replacement& r, PlaneView pixels) {
 }
 
 void ReplaceInPixels(int type, const Replacement& r, PlaneView pixels) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         std::uint8_t* pixel = pixels.Row(y).data();
         for (int x = 0; x < pixels.width; ++x, pixel += 3)

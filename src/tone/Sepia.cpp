@@ -7,6 +7,7 @@
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "tone/Channels.h"
+#include "tone/PixelMapRows.h"
 
 namespace velloran {
 namespace {
@@ -50,7 +51,7 @@ int ToSepiaGray(CDibImage& image, const Matrix& matrix) {
     gray.SetGrayPalette();
     const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
     const PlaneView target = ViewOf(gray);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(target))
     for (int y = 0; y < target.height; ++y) {
         const std::uint8_t* pixel = source.Row(y).data();
         std::uint8_t* out = target.Row(y).data();
@@ -66,7 +67,7 @@ int ToSepiaColor(CDibImage& image, const Matrix& matrix) {
     if (ConvertToRgb(image) == 0)
         return 0;
     const PlaneView pixels = ViewOf(image);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         std::uint8_t* pixel = pixels.Row(y).data();
         for (int x = 0; x < pixels.width; ++x, pixel += 3) {

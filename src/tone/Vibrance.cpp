@@ -7,6 +7,7 @@
 
 #include "core/DibImage.h"
 #include "core/Rounding.h"
+#include "tone/PixelMapRows.h"
 
 namespace velloran {
 namespace {
@@ -45,7 +46,7 @@ int Vibrance(CDibImage& image, int amount) {
     amount = std::clamp(amount, -kFarthest, kFarthest);
     const SpreadTable table = MakeSpreadTable(amount >= 1 ? amount * 2 : amount);
     const PlaneView pixels = ViewOf(image);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         if (amount >= 1)
             SpreadRow<true>(table, pixels.Row(y).data(), pixels.width);
