@@ -50,7 +50,7 @@ PlainPlane PlainPaperOf(const PlainPlane& plane, int side) {
     const double strongest = *std::ranges::max_element(contrast);
     for (std::size_t i = 0; i < contrast.size(); ++i) {
         const double t = strongest >= 0.0001 ? 1 - contrast[i] / strongest : 1;
-        small.samples[i] = test::PlainByte(small.samples[i] - t * contrast[i] + 0.5);
+        small.samples[i] = test::PlainByte(small.samples[i] - 0.25 * t * contrast[i] + 0.5);
     }
     return small;
 }
