@@ -10,6 +10,7 @@
 #include "pipeline/RunState.h"
 #include "reduce/DecreaseBpp.h"
 #include "tone/AutoLevels.h"
+#include "tone/Levels.h"
 #include "tone/PixelMap.h"
 
 namespace velloran {
@@ -100,6 +101,9 @@ void CropPage(RunState& state) {
 void AdjustLevels(RunState& state) {
     if (state.Value(PARA_AUTO_LEVELS) != 0)
         AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS));
+    else
+        ApplyLevels(*state.image, static_cast<std::uint32_t>(state.Value(PARA_LEVELS_SHADOW)),
+                    static_cast<std::uint32_t>(state.Value(PARA_LEVELS_LIGHT)));
 }
 
 bool HasPixelMapping(const RunState& state) {

@@ -21,7 +21,7 @@ void StartLayout(RunState& state);
 /// that search, and nothing is cut by them.
 void CropPage(RunState& state);
 
-/// Step 14: automatic levels where they are set.
+/// Step 14: automatic levels where they are set, else the manual ones.
 void AdjustLevels(RunState& state);
 
 /// Step 16: whether any stage of the tone table changes it.
