@@ -27,9 +27,10 @@ TEST(Headers, SayFirstWhatTheyAreFor) {
 
 TEST(Headers, NeverOpenAWholeNamespace) {
     for (const SourceFile& file : ReadSourceTree())
-        if (IsHeader(file))
+        if (IsHeader(file)) {
             for (const std::string& line : file.lines)
                 EXPECT_EQ(line.find("using namespace"), std::string::npos) << file.name;
+        }
 }
 
 TEST(SourceFiles, IncludeTheirOwnHeaderFirst) {
