@@ -16,8 +16,6 @@
 namespace velloran::bench {
 namespace {
 
-constexpr int kColorBits = 24;
-
 template <int kPercent>
 void FloorCvFilter(benchmark::State& state) {
     CDibImage page = ScannedPage(kColorBits);

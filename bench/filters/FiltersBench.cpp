@@ -3,7 +3,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstring>
 #include <opencv2/imgproc.hpp>
 
 #include "core/DibImage.h"
@@ -17,18 +16,6 @@
 namespace velloran::bench {
 namespace {
 
-constexpr int kColorBits = 24, kGrayBits = 8;
-
-template <int kBits>
-void FloorCopyPage(benchmark::State& state) {
-    const CDibImage page = ScannedPage(kBits);
-    CDibImage copy = page;
-    Measure(state, page, [&] {
-        std::memcpy(copy.GetBits(0), page.GetBits(0),
-                    static_cast<std::size_t>(page.GetEffWidth()) *
-                        static_cast<std::size_t>(page.GetHeight()));
-    });
-}
 BENCHMARK(FloorCopyPage<kColorBits>)->Apply(OneAndTwoThreads);
 BENCHMARK(FloorCopyPage<kGrayBits>)->Apply(OneAndTwoThreads);
 

@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
@@ -22,30 +21,17 @@
 namespace velloran::bench {
 namespace {
 
-constexpr int kColorBits = 24, kGrayBits = 8;
 constexpr int kThreshold = 20;
-
-/// Each round starts from the same page: the time hangs on what is in it.
-template <typename Work>
-void MeasureFromPage(benchmark::State& state, const CDibImage& page, Work&& work) {
-    CDibImage image = page;
-    Measure(state, page, [&] {
-        std::memcpy(image.GetBits(0), page.GetBits(0),
-                    static_cast<std::size_t>(page.GetEffWidth()) *
-                        static_cast<std::size_t>(page.GetHeight()));
-        work(image);
-    });
-}
 
 template <int kAlgorithm, int kRadius, int kLimit = kThreshold, int kBits = kColorBits>
 void Blur(benchmark::State& state) {
-    MeasureFromPage(state, ScannedPage(kBits),
+    MeasureOnCopies(state, ScannedPage(kBits),
                     [](CDibImage& image) { SurfaceBlur(image, kRadius, kLimit, 1, kAlgorithm); });
 }
 
 template <int kAlgorithm, int kRadius, int kLimit>
 void BlurNoise(benchmark::State& state) {
-    MeasureFromPage(state, NoisePage(kColorBits),
+    MeasureOnCopies(state, NoisePage(kColorBits),
                     [](CDibImage& image) { SurfaceBlur(image, kRadius, kLimit, 1, kAlgorithm); });
 }
 
@@ -91,7 +77,7 @@ void SumWindowRow(ConstPlaneView source, int y, int radius, float end, std::uint
 
 /// An eighth of a page; compare the bytes a second.
 void FloorDirectSums12(benchmark::State& state) {
-    MeasureFromPage(state, ScannedPage(kColorBits, kPageWidth, kPageHeight / 8),
+    MeasureOnCopies(state, ScannedPage(kColorBits, kPageWidth, kPageHeight / 8),
                     [](CDibImage& image) {
                         const PlaneView pixels = ViewOf(image);
                         const BorderedCopy source(pixels, 12);

@@ -4,7 +4,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstring>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
@@ -16,25 +15,6 @@
 
 namespace velloran::bench {
 namespace {
-
-constexpr int kGrayBits = 8;
-
-/// Measures `work(image)` on a fresh copy each time; the copy is not measured.
-template <typename Work>
-void MeasureOnCopies(benchmark::State& state, const CDibImage& page, Work&& work) {
-    const BothThreads threads(state.range(0));
-    CDibImage image(page);
-    for (auto _ : state) {
-        state.PauseTiming();
-        std::memcpy(image.GetBits(0), page.GetBits(0),
-                    static_cast<std::size_t>(page.GetEffWidth()) *
-                        static_cast<std::size_t>(page.GetHeight()));
-        state.ResumeTiming();
-        work(image);
-        benchmark::ClobberMemory();
-    }
-    CountBytes(state, page);
-}
 
 DecreaseBppRequest OtsuRequest() {
     DecreaseBppRequest request;
@@ -49,15 +29,7 @@ CDibImage BilevelPage() {
     return page;
 }
 
-void FloorCopyGrayPage(benchmark::State& state) {
-    const CDibImage page = ScannedPage(kGrayBits);
-    MeasureOnCopies(state, page, [&](CDibImage& image) {
-        std::memcpy(image.GetBits(0), page.GetBits(0),
-                    static_cast<std::size_t>(page.GetEffWidth()) *
-                        static_cast<std::size_t>(page.GetHeight()));
-    });
-}
-BENCHMARK(FloorCopyGrayPage)->Apply(OneAndTwoThreads);
+BENCHMARK(FloorCopyPage<kGrayBits>)->Apply(OneAndTwoThreads);
 
 template <int kWindow>
 void Wolf(benchmark::State& state) {

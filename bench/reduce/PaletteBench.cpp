@@ -2,8 +2,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstring>
-
 #include "PlainNetwork.h"
 #include "core/DibImage.h"
 #include "reduce/ApplyPalette.h"
@@ -15,8 +13,6 @@
 namespace velloran::bench {
 namespace {
 
-constexpr int kColorBits = 24;
-
 enum PageKind { kScanned, kNoise };
 
 CDibImage PageOf(PageKind kind) {
@@ -27,16 +23,7 @@ void OnOneThread(benchmark::internal::Benchmark* bench) {
     bench->ArgName("threads")->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
-void FloorCopyColorPage(benchmark::State& state) {
-    const CDibImage page = ScannedPage(kColorBits);
-    CDibImage copy = page;
-    Measure(state, page, [&] {
-        std::memcpy(copy.GetBits(0), page.GetBits(0),
-                    static_cast<std::size_t>(page.GetEffWidth()) *
-                        static_cast<std::size_t>(page.GetHeight()));
-    });
-}
-BENCHMARK(FloorCopyColorPage)->Apply(OnOneThread);
+BENCHMARK(FloorCopyPage<kColorBits>)->Apply(OnOneThread);
 
 template <PageKind kKind>
 void CountPage(benchmark::State& state) {

@@ -8,6 +8,7 @@
 #include <opencv2/core.hpp>
 
 #include "core/DibImage.h"
+#include "support/Page.h"
 
 #ifdef _OPENMP
 #include <omp.h>
@@ -54,8 +55,7 @@ inline cv::Mat MatOf(CDibImage& page) {
 }
 
 inline void CountBytes(benchmark::State& state, const CDibImage& page) {
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(page.GetEffWidth()) *
-                            page.GetHeight());
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(PageBytes(page)));
 }
 
 /// Measures `work()` with the number of threads in argument 0.
@@ -68,6 +68,29 @@ void Measure(benchmark::State& state, const CDibImage& page, Work&& work) {
         benchmark::ClobberMemory();
     }
     CountBytes(state, page);
+}
+
+/// Measures `work(image)` on a fresh copy of the page each round; the copying is not timed.
+template <typename Work>
+void MeasureOnCopies(benchmark::State& state, const CDibImage& page, Work&& work) {
+    const BothThreads threads(state.range(0));
+    CDibImage image(page);
+    for (auto _ : state) {
+        state.PauseTiming();
+        CopyPixels(page, image);
+        state.ResumeTiming();
+        work(image);
+        benchmark::ClobberMemory();
+    }
+    CountBytes(state, page);
+}
+
+/// The floor: a plain copy of a page of that depth.
+template <int kBits>
+void FloorCopyPage(benchmark::State& state) {
+    const CDibImage page = ScannedPage(kBits);
+    CDibImage copy = page;
+    Measure(state, page, [&] { CopyPixels(page, copy); });
 }
 
 inline void OneAndTwoThreads(benchmark::internal::Benchmark* bench) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace velloran::bench {
 namespace {
@@ -55,6 +56,15 @@ CDibImage NoisePage(int bpp, int width, int height) {
             *out++ = static_cast<std::uint8_t>(Next(state) >> 8);
     }
     return image;
+}
+
+std::size_t PageBytes(const CDibImage& page) {
+    return static_cast<std::size_t>(page.GetEffWidth()) *
+           static_cast<std::size_t>(page.GetHeight());
+}
+
+void CopyPixels(const CDibImage& from, CDibImage& to) {
+    std::memcpy(to.GetBits(0), from.GetBits(0), PageBytes(from));
 }
 
 }  // namespace velloran::bench

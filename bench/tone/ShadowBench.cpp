@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
@@ -24,64 +23,32 @@
 namespace velloran::bench {
 namespace {
 
-constexpr int kColorBits = 24, kGrayBits = 8;
 constexpr int kPhotoWidth = 4000, kPhotoHeight = 3000;
-
-/// Measures `step` on a fresh copy of the page each round; the copying is not timed.
-template <typename Step>
-void MeasureOnCopy(benchmark::State& state, const CDibImage& page, Step step) {
-    const BothThreads threads(state.range(0));
-    CDibImage work = page;
-    const auto bytes =
-        static_cast<std::size_t>(page.GetEffWidth()) * static_cast<std::size_t>(page.GetHeight());
-    for (auto _ : state) {
-        state.PauseTiming();
-        std::memcpy(work.GetBits(0), page.GetBits(0), bytes);
-        state.ResumeTiming();
-        benchmark::DoNotOptimize(step(work));
-        benchmark::ClobberMemory();
-    }
-    CountBytes(state, page);
-}
-
-template <int kBits>
-void FloorCopyOfPage(benchmark::State& state) {
-    const CDibImage page = ScannedPage(kBits);
-    CDibImage copy = page;
-    Measure(state, page, [&] {
-        std::memcpy(copy.GetBits(0), page.GetBits(0),
-                    static_cast<std::size_t>(page.GetEffWidth()) *
-                        static_cast<std::size_t>(page.GetHeight()));
-    });
-}
-BENCHMARK(FloorCopyOfPage<kGrayBits>)->Apply(OneAndTwoThreads);
-BENCHMARK(FloorCopyOfPage<kColorBits>)->Apply(OneAndTwoThreads);
 
 template <int kBits>
 void UnshadowPage(benchmark::State& state) {
-    MeasureOnCopy(state, ScannedPage(kBits), [](CDibImage& page) { return Unshadow(page, -20); });
+    MeasureOnCopies(state, ScannedPage(kBits), [](CDibImage& page) { Unshadow(page, -20); });
 }
 BENCHMARK(UnshadowPage<kGrayBits>)->Apply(OneAndTwoThreads);
 BENCHMARK(UnshadowPage<kColorBits>)->Apply(OneAndTwoThreads);
 
 template <int kBits>
 void BlackWhitePage(benchmark::State& state) {
-    MeasureOnCopy(state, ScannedPage(kBits),
-                  [](CDibImage& page) { return BlackWhiteText(page, /*keepColor=*/true); });
+    MeasureOnCopies(state, ScannedPage(kBits),
+                    [](CDibImage& page) { BlackWhiteText(page, /*keepColor=*/true); });
 }
 BENCHMARK(BlackWhitePage<kGrayBits>)->Apply(OneAndTwoThreads);
 BENCHMARK(BlackWhitePage<kColorBits>)->Apply(OneAndTwoThreads);
 
 template <int kBits>
 void FitPage(benchmark::State& state) {
-    MeasureOnCopy(state, ScannedPage(kBits), IlluminationFit);
+    MeasureOnCopies(state, ScannedPage(kBits), IlluminationFit);
 }
 BENCHMARK(FitPage<kGrayBits>)->Apply(OneAndTwoThreads);
 BENCHMARK(FitPage<kColorBits>)->Apply(OneAndTwoThreads);
 
 void BalancePage(benchmark::State& state) {
-    MeasureOnCopy(state, ScannedPage(kColorBits),
-                  [](CDibImage& page) { return WhiteBalance(page, 2); });
+    MeasureOnCopies(state, ScannedPage(kColorBits), [](CDibImage& page) { WhiteBalance(page, 2); });
 }
 BENCHMARK(BalancePage)->Apply(OneAndTwoThreads);
 
@@ -99,8 +66,8 @@ void FloorCvThreeGaussians(benchmark::State& state) {
 BENCHMARK(FloorCvThreeGaussians)->Apply(OneAndTwoThreads);
 
 void RetinexPhoto(benchmark::State& state) {
-    MeasureOnCopy(state, ScannedPage(kColorBits, kPhotoWidth, kPhotoHeight),
-                  [](CDibImage& photo) { return MultiScaleRetinex(photo, /*brighten=*/true); });
+    MeasureOnCopies(state, ScannedPage(kColorBits, kPhotoWidth, kPhotoHeight),
+                    [](CDibImage& photo) { MultiScaleRetinex(photo, /*brighten=*/true); });
 }
 BENCHMARK(RetinexPhoto)->Apply(OneAndTwoThreads);
 
@@ -174,8 +141,8 @@ void FrankleMcCannAllPasses(benchmark::State& state) {
 BENCHMARK(FrankleMcCannAllPasses)->Apply(OneAndTwoThreads);
 
 void FrankleMcCannPage(benchmark::State& state) {
-    MeasureOnCopy(state, ScannedPage(kGrayBits),
-                  [](CDibImage& page) { return FrankleMcCannRetinex(page, 1); });
+    MeasureOnCopies(state, ScannedPage(kGrayBits),
+                    [](CDibImage& page) { FrankleMcCannRetinex(page, 1); });
 }
 BENCHMARK(FrankleMcCannPage)->Apply(OneAndTwoThreads);
 

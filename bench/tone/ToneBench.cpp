@@ -3,57 +3,18 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstring>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
+#include "support/BesideOpenCv.h"
 #include "support/Page.h"
 #include "tone/AutoLevels.h"
 #include "tone/PixelMap.h"
 #include "tone/PixelMapRows.h"
 
-#ifdef _OPENMP
-#include <omp.h>
-#endif
-
 namespace velloran::bench {
 namespace {
-
-constexpr int kColorBits = 24, kGrayBits = 8;
-
-/// For the length of a benchmark, the number of threads of our loops and of OpenCV's.
-class ThreadCount {
- public:
-    explicit ThreadCount(std::int64_t threads) {
-        SetOurs(static_cast<int>(threads));
-        cv::setNumThreads(static_cast<int>(threads));
-    }
-    ~ThreadCount() {
-        SetOurs(ours_);
-        cv::setNumThreads(openCv_);
-    }
-    ThreadCount(const ThreadCount&) = delete;
-    ThreadCount& operator=(const ThreadCount&) = delete;
-
- private:
-#ifdef _OPENMP
-    static int Ours() {
-        return omp_get_max_threads();
-    }
-    static void SetOurs(int threads) {
-        omp_set_num_threads(threads);
-    }
-#else
-    static int Ours() {
-        return 1;
-    }
-    static void SetOurs(int) {}
-#endif
-
-    int ours_ = Ours();
-    int openCv_ = cv::getNumThreads();
-};
 
 PixelMap SampleMap() {
     PixelMap map = IdentityPixelMap();
@@ -62,32 +23,9 @@ PixelMap SampleMap() {
     return map;
 }
 
-std::int64_t PixelBytes(const CDibImage& page) {
-    return static_cast<std::int64_t>(page.GetEffWidth()) * page.GetHeight();
-}
-
-void CountBytes(benchmark::State& state, const CDibImage& page) {
-    state.SetBytesProcessed(state.iterations() * PixelBytes(page));
-}
-
-cv::Mat MatOf(CDibImage& page) {
-    return {page.GetHeight(), page.GetWidth(), page.GetBpp() == 24 ? CV_8UC3 : CV_8UC1,
-            page.GetBits(0), page.GetEffWidth()};
-}
-
-void FloorCopyPage(benchmark::State& state) {
-    const CDibImage page = ScannedPage(static_cast<int>(state.range(0)));
-    CDibImage copy = page;
-    for (auto _ : state) {
-        std::memcpy(copy.GetBits(0), page.GetBits(0), static_cast<std::size_t>(PixelBytes(page)));
-        benchmark::ClobberMemory();
-    }
-    CountBytes(state, page);
-}
-
 /// OpenCV's look-up with one table for all channels.
 void FloorCvLut(benchmark::State& state) {
-    const ThreadCount threads(state.range(1));
+    const BothThreads threads(state.range(1));
     CDibImage page = ScannedPage(static_cast<int>(state.range(0)));
     PixelMap map = SampleMap();
     const cv::Mat table(1, 256, CV_8UC1, map.data());
@@ -100,7 +38,7 @@ void FloorCvLut(benchmark::State& state) {
 }
 
 void ApplyPixelMapPage(benchmark::State& state) {
-    const ThreadCount threads(state.range(1));
+    const BothThreads threads(state.range(1));
     CDibImage page = ScannedPage(static_cast<int>(state.range(0)));
     const PixelMap map = SampleMap();
     for (auto _ : state) {
@@ -121,7 +59,7 @@ void MapBytesPage(benchmark::State& state) {
     CDibImage page = ScannedPage(kColorBits);
     const PixelMap map = SampleMap();
     for (auto _ : state) {
-        way.mapBytes(map, page.GetBits(0), static_cast<std::size_t>(PixelBytes(page)));
+        way.mapBytes(map, page.GetBits(0), PageBytes(page));
         benchmark::ClobberMemory();
     }
     CountBytes(state, page);
@@ -138,7 +76,7 @@ void CountOne(const cv::Mat& page, int channel, cv::Mat& histogram) {
 /// OpenCV's histogram of one channel and one table for all of them: the least that any of the
 /// modes can ask for.
 void FloorCvCountAndLut(benchmark::State& state) {
-    const ThreadCount threads(state.range(1));
+    const BothThreads threads(state.range(1));
     CDibImage page = ScannedPage(static_cast<int>(state.range(0)));
     PixelMap map = SampleMap();
     const cv::Mat table(1, 256, CV_8UC1, map.data());
@@ -153,7 +91,7 @@ void FloorCvCountAndLut(benchmark::State& state) {
 
 /// The same with a histogram and a table for each channel of a 24-bit page.
 void FloorCvCountAndLutPerChannel(benchmark::State& state) {
-    const ThreadCount threads(state.range(0));
+    const BothThreads threads(state.range(0));
     CDibImage page = ScannedPage(kColorBits);
     const PixelMap map = SampleMap();
     cv::Mat table(1, 256, CV_8UC3), histogram, mapped;
@@ -171,12 +109,12 @@ void FloorCvCountAndLutPerChannel(benchmark::State& state) {
 /// Arguments: bits, threads, mode. Each round works on what the last one left; the time of counting
 /// and mapping does not hang on the pixels' values in a way that matters.
 void AutoLevelsPage(benchmark::State& state) {
-    const ThreadCount threads(state.range(1));
+    const BothThreads threads(state.range(1));
     const CDibImage page = ScannedPage(static_cast<int>(state.range(0)));
     CDibImage work = page;
     for (auto _ : state) {
         state.PauseTiming();
-        std::memcpy(work.GetBits(0), page.GetBits(0), static_cast<std::size_t>(PixelBytes(page)));
+        CopyPixels(page, work);
         state.ResumeTiming();
         benchmark::DoNotOptimize(AutoLevels(work, static_cast<int>(state.range(2))));
         benchmark::ClobberMemory();
@@ -191,12 +129,8 @@ void BitsAndThreads(benchmark::internal::Benchmark* bench) {
         ->UseRealTime();
 }
 
-BENCHMARK(FloorCopyPage)
-    ->ArgName("bits")
-    ->Arg(kColorBits)
-    ->Arg(kGrayBits)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+BENCHMARK(FloorCopyPage<kColorBits>)->Apply(OneAndTwoThreads);
+BENCHMARK(FloorCopyPage<kGrayBits>)->Apply(OneAndTwoThreads);
 BENCHMARK(FloorCvLut)->Apply(BitsAndThreads);
 BENCHMARK(ApplyPixelMapPage)->Apply(BitsAndThreads);
 BENCHMARK(MapBytesPage)
