@@ -17,11 +17,11 @@ void AddRow(const float* row, double times, int count, double* sums) {
 
 /// How often a line of `size` meets the window of `radius` about `center`, where lines beyond the
 /// ends count as the end lines.
-int TimesInWindow(int line, std::int64_t center, std::int64_t radius, int size) {
+double TimesInWindow(int line, std::int64_t center, std::int64_t radius, int size) {
     const std::int64_t from = center - radius, to = center + radius;
     const std::int64_t before = line == 0 ? std::max<std::int64_t>(0, -from) : 0;
     const std::int64_t behind = line == size - 1 ? std::max<std::int64_t>(0, to - (size - 1)) : 0;
-    return static_cast<int>(before + behind + (line >= from && line <= to ? 1 : 0));
+    return static_cast<double>(before + behind + (line >= from && line <= to ? 1 : 0));
 }
 
 VELLORAN_SIMD_CLONES

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <random>
 
 #include "support/Threads.h"
@@ -73,6 +74,19 @@ TEST(BoxMean, TheLargestRadiusGivesTheMeanOfTheCorners) {
     for (int y = 0; y < 5; ++y)
         for (const float mean : target.View().Row(y))
             EXPECT_NEAR(mean, corners, 1e-3);
+}
+
+TEST(BoxMean, TheLargestRadiusOverOneSampleGivesTheSample) {
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 2}, {2, 1}}) {
+        FloatPlane source(width, height, 1), target(width, height, 1);
+        for (int y = 0; y < height; ++y)
+            for (float& sample : source.View().Row(y))
+                sample = 200.0F;
+        BoxMean(source.View(), std::numeric_limits<int>::max(), target.View());
+        for (int y = 0; y < height; ++y)
+            for (const float mean : target.View().Row(y))
+                EXPECT_NEAR(mean, 200.0F, 1e-3F);
+    }
 }
 
 TEST(BoxMean, ThreadsDoNotChangeTheBytes) {
