@@ -17,8 +17,8 @@ enum class SurfaceBlurAlgorithm : int {
 /// Each channel for itself, every one of the `times` passes on the result of the one before.
 /// `radius` is limited to 1..15, `threshold` to 2..50, `times` to 3. Normalises the depth. Refuses
 /// times below 1, empty images and algorithms outside the list; the guided form also sides
-/// below 3 and, like the selective Gaussian, a shortage of memory. The other two forms leave the
-/// image as it is where memory is short and return non-zero.
+/// below 3 and, like the selective Gaussian, a shortage of memory. The other two algorithms leave
+/// out the passes that find no memory and return non-zero.
 int SurfaceBlur(CDibImage& image, int radius, int threshold, int times, int algorithm);
 
 }  // namespace velloran

@@ -1,7 +1,8 @@
 #pragma once
 
 // The forms of the surface blur. Images are valid, of 8 or 24 bits; radius is 1..15, threshold
-// 2..50, times 1..3. All throw std::bad_alloc, with the image unchanged.
+// 2..50, times 1..3. All throw std::bad_alloc, with the image unchanged; the direct form with whole
+// passes done.
 
 #include <cstdint>
 

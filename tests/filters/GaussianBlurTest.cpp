@@ -108,6 +108,32 @@ TEST(GaussianBlur, EqualsThePlainFilterOnEverySize) {
                 }
 }
 
+TEST(GaussianBlur, EqualsThePlainFilterOnEveryPicture) {
+    test::ForEachPicture([](const CDibImage& page, int number) {
+        const float sigmas[] = {0.1F, 0.5F, 0.9F, 1.6F, 2.0F, 4.4F, 11.0F};
+        const float sigma = sigmas[number % 7];
+        CDibImage image = page;
+        EXPECT_EQ(GaussianBlurInPlace(ViewOf(image), sigma), 1);
+        test::ExpectSamePixels(image, test::WithPlanes(page, [=](test::PlainPlane plane) {
+                                   FilterPlainly(plane, MakeGaussianKernel(sigma));
+                                   return plane;
+                               }));
+    });
+}
+
+TEST(GaussianBlur, TheFiveTapsEqualThePlainFilterOnEveryPicture) {
+    test::ForEachPicture([](const CDibImage& page, int number) {
+        const float sigmas[] = {1.0F, 1.25F, 1.5F, 1.75F, 2.0F};
+        const GaussianKernel kernel = MakeFiveTaps(sigmas[number % 5]);
+        CDibImage image = page;
+        EXPECT_EQ(SeparableFilter(ViewOf(image), kernel), 1);
+        test::ExpectSamePixels(image, test::WithPlanes(page, [&](test::PlainPlane plane) {
+                                   FilterPlainly(plane, kernel);
+                                   return plane;
+                               }));
+    });
+}
+
 TEST(GaussianBlur, MixesFilteredAndOldSamples) {
     CDibImage image = test::Noise(90, 40, 24), blurred = image, mixed = image;
     GaussianBlurInPlace(ViewOf(blurred), 2.0F);

@@ -92,6 +92,33 @@ TEST(SharpenLevel, EveryLevelIsItsKernel) {
             }
 }
 
+/// Sides of 5 and less are refused, which the limits' own tests show.
+bool IsFiltered(const CDibImage& page) {
+    return page.GetWidth() > 5 && page.GetHeight() > 5;
+}
+
+TEST(SharpenLevel, EveryPictureOfSixPixelsAndMoreIsItsKernel) {
+    test::ForEachPicture([](const CDibImage& page, int number) {
+        if (!IsFiltered(page))
+            return;
+        const int level = 1 + number / 2 % 12;
+        CDibImage image = page;
+        EXPECT_EQ(SharpenLevel(image, level), 1);
+        ExpectConvolved(image, page, kSharpen[level - 1]);
+    });
+}
+
+TEST(BlurLevel, EveryPictureOfSixPixelsAndMoreIsItsKernel) {
+    test::ForEachPicture([](const CDibImage& page, int number) {
+        if (!IsFiltered(page))
+            return;
+        const int level = 1 + number / 2 % 5;
+        CDibImage image = page;
+        EXPECT_EQ(BlurLevel(image, level), 1);
+        ExpectConvolved(image, page, kBlur[level - 1]);
+    });
+}
+
 TEST(SharpenLevel, EveryKernelKeepsAnEvenTone) {
     for (const Kernel& kernel : kSharpen) {
         int sum = 0;

@@ -57,6 +57,19 @@ TEST(Morphology, EveryLevelTakesTheExtremeOfItsWindow) {
             }
 }
 
+TEST(Morphology, EveryPictureOfSixPixelsAndMoreTakesItsExtremes) {
+    test::ForEachPicture([](const CDibImage& page, int number) {
+        if (page.GetWidth() < 6 || page.GetHeight() < 6)
+            return;
+        const int level = 1 + number / 2 % 4;
+        CDibImage dark = page, light = page;
+        EXPECT_EQ(Darken(dark, level), 1);
+        ExpectExtremes(dark, page, level, /*minimum=*/true);
+        EXPECT_EQ(Lighten(light, level), 1);
+        ExpectExtremes(light, page, level, /*minimum=*/false);
+    });
+}
+
 /// Columns and rows of the black pixels that one black pixel at (10, 10) becomes.
 TEST(Morphology, EvenWindowsLookUpAndLeft) {
     struct Case {

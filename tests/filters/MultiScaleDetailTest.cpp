@@ -85,6 +85,16 @@ TEST(MultiScaleDetail, AddsTheDetailOfThreeSmoothings) {
     });
 }
 
+TEST(MultiScaleDetail, PicturesOfMoreThan32767PixelsAreWhole) {
+    for (const auto& [width, height] : {std::pair{33001, 5}, {5, 33001}}) {
+        const CDibImage image = test::Noise(width, height, 8);
+        test::ExpectSamePixels(Enhanced(image, 2),
+                               test::WithPlanes(image, [](const PlainPlane& plane) {
+                                   return PlainEnhanced(plane, 2);
+                               }));
+    }
+}
+
 TEST(MultiScaleDetail, BoostsTheDarkSideOfAnEdgeMoreThanTheBrightSide) {
     CDibImage image = test::Filled(80, 40, 8, 90);
     for (int y = 0; y < 40; ++y)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -151,6 +152,65 @@ TEST(ReduceBilevelAware, LittleDepthsTakeTheEntryNearestToTheMean) {
         // The mean of two blues and two whites is (128, 128, 228): 183 from blue, 182 from white.
         EXPECT_EQ(test::PixelAt(reduced, 1, 1), (test::Rgb{255, 255, 255}));
     }
+}
+
+/// Each pixel of `colors` as the index of the entry that is nearest to it, the first of equals.
+CDibImage InPaletteOf(const CDibImage& page, const CDibImage& colors) {
+    CDibImage result = test::Filled(colors.GetWidth(), colors.GetHeight(), page.GetBpp(), 0);
+    std::copy_n(page.GetPalette(), page.GetPaletteCount(), result.GetPalette());
+    for (int y = 0; y < colors.GetHeight(); ++y)
+        for (int x = 0; x < colors.GetWidth(); ++x) {
+            const test::Rgb color = test::PixelAt(colors, x, y);
+            int nearest = 0, least = std::numeric_limits<int>::max();
+            for (int i = 0; i < page.GetPaletteCount(); ++i) {
+                const int red = color.red - page.GetPalette()[i].red,
+                          green = color.green - page.GetPalette()[i].green,
+                          blue = color.blue - page.GetPalette()[i].blue;
+                const int distance = red * red + green * green + blue * blue;
+                if (distance < least) {
+                    least = distance;
+                    nearest = i;
+                }
+            }
+            test::SetIndex(result, x, y, nearest);
+        }
+    return result;
+}
+
+TEST(ReduceBilevelAware, LittleDepthsOfEverySizeTakeTheEntryNearestToTheMean) {
+    int number = 0;
+    for (const int bpp : {1, 4})
+        for (int height = 2; height <= 17; ++height)
+            for (int width = 2; width <= 17; ++width, ++number) {
+                CDibImage page = test::Noise(width, height, bpp, static_cast<unsigned>(number) + 1);
+                if (number % 2 != 0)
+                    test::SetPalette(page, {{240, 20, 0}, {30, 60, 200}});
+                CDibImage color = test::Filled(width, height, 24, 0);
+                for (int y = 0; y < height; ++y)
+                    for (int x = 0; x < width; ++x)
+                        test::SetPixel(color, x, y, test::PixelAt(page, x, y));
+                for (const auto& [w, h] :
+                     {std::pair{width / 2, height / 2}, {width - 1, height - 1}, {1, 1}}) {
+                    CDibImage reduced = page;
+                    EXPECT_EQ(ReduceBilevelAware(reduced, w, h), 1);
+                    test::ExpectSamePixels(reduced,
+                                           InPaletteOf(page, Resized(color, w, h, ResizeArea)));
+                }
+            }
+}
+
+TEST(ResizeTo, AHalvedBilevelPageMayHaveItsWhiteFirst) {
+    CDibImage page = test::Noise(34, 12, 1), inverse = page;
+    test::SetPalette(inverse, {{255, 255, 255}, {0, 0, 0}});
+    for (int y = 0; y < 12; ++y)
+        for (int x = 0; x < 34; ++x)
+            test::SetIndex(inverse, x, y, 1 - test::IndexAt(page, x, y));
+    EXPECT_EQ(ResizeTo(page, 17, 6), 1);
+    EXPECT_EQ(ResizeTo(inverse, 17, 6), 1);
+    ASSERT_EQ(inverse.GetBpp(), 1);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 17; ++x)
+            EXPECT_EQ(test::PixelAt(inverse, x, y), test::PixelAt(page, x, y));
 }
 
 TEST(ReduceBilevelAware, EnlargesLittleDepthsToo) {

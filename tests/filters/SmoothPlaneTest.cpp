@@ -75,6 +75,19 @@ TEST(SmoothPlane, EqualsThePlainRecursion) {
             }
 }
 
+TEST(SmoothPlane, EqualsThePlainRecursionOnEveryPicture) {
+    test::ForEachPicture([](const CDibImage& page, int number) {
+        if (page.GetWidth() < 4 || page.GetHeight() < 4)
+            return;
+        const double radius = 0.5 + number % 19 * 0.75;
+        CDibImage image = page;
+        EXPECT_EQ(SmoothPlane(image, radius), 1);
+        test::ExpectSamePixels(image, test::WithPlanes(page, [=](const test::PlainPlane& plane) {
+                                   return Smoothed(plane, radius);
+                               }));
+    });
+}
+
 TEST(SmoothPlane, BlackBesideWhiteStaysInRange) {
     CDibImage page = test::Noise(40, 40, 1);
     CDibImage image = page;

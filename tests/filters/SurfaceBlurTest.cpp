@@ -150,6 +150,17 @@ TEST(SurfaceBlur, RadiusFiveAndSixDifferAtTheBorderOnPurpose) {
     EXPECT_EQ(test::IndexAt(mirrored, 0, 20), 104);
 }
 
+TEST(SurfaceBlur, TheMirrorFoldsBackUntilItIsInsideANarrowPicture) {
+    // Two columns, 100 and 120, in a window of 13: to the left -1 is the second column, -2 folds
+    // to the first, -3 to the second and so on; to the right 2 is the first, 3 folds to the second.
+    // At x = 0 these are 7 of 100 and 6 of 120, mean 109.2; at x = 1 6 and 7, mean 110.8.
+    CDibImage image = test::Filled(2, 1, 8, 100);
+    image.GetBits(0)[1] = 120;
+    const CDibImage blurred = Blurred(image, 6, 50, 1, kMean);
+    EXPECT_EQ(blurred.GetBits(0)[0], 109);
+    EXPECT_EQ(blurred.GetBits(0)[1], 111);
+}
+
 TEST(SurfaceBlur, SelectiveGaussianOfRadiusOneHasOneTap) {
     for (const int bpp : {8, 24}) {
         const CDibImage image = test::Noise(31, 17, bpp);

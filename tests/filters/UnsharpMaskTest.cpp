@@ -98,6 +98,18 @@ TEST(UnsharpMask, IsTheMaskOfTheBlur) {
             }
 }
 
+TEST(UnsharpMask, IsTheMaskOfTheBlurOnEveryPictureOfSixPixelsAndMore) {
+    test::ForEachPicture([](const CDibImage& page, int number) {
+        if (page.GetWidth() < 6 || page.GetHeight() < 6)
+            return;
+        const int amount = 1 + number * 37 % 500, threshold = number * 5 % 40;
+        const float radius = 0.1F + static_cast<float>(number % 13) * 0.4F;
+        CDibImage image = page;
+        EXPECT_EQ(UnsharpMask(image, amount, radius, threshold, 1, /*blurOnly=*/false), 1);
+        test::ExpectSamePixels(image, SharpenedPage(page, amount, radius, threshold / 2));
+    });
+}
+
 TEST(UnsharpMask, WithBlurOnlyTheBlurIsTheResult) {
     const CDibImage page = test::Noise(50, 40, 24);
     CDibImage image = page, blurred = page;
@@ -193,11 +205,20 @@ TEST(UsmWorkingSize, AThinPictureKeepsAPixel) {
     EXPECT_EQ(UsmWorkingSize({6, 40000}, 250.0F), (BoxSize{1, 1000}));
 }
 
-TEST(UnsharpMask, RadiusFortyOnASmallPageBlursAtFullSize) {
-    const CDibImage page = test::Smooth(90, 70, 24);
-    CDibImage image = page;
-    EXPECT_EQ(UnsharpMask(image, 100, 40.0F, 0, 1, /*blurOnly=*/false), 1);
-    test::ExpectSamePixels(image, SharpenedPage(page, 100, 40.0F, 0));
+TEST(UnsharpMask, RadiusFortyOn900By700BlursAtFullSize) {
+    const CDibImage page = test::Noise(900, 700, 8);
+    CDibImage image = page, blurred = page;
+    EXPECT_EQ(UnsharpMask(image, 1, 40.0F, 1, 1, /*blurOnly=*/true), 1);
+    EXPECT_EQ(GaussianBlurInPlace(ViewOf(blurred), 40.0F), 1);
+    test::ExpectSamePixels(image, blurred);
+}
+
+TEST(UnsharpMask, RadiusTwentyOn2000By2000BlursAtFullSize) {
+    const CDibImage page = test::Smooth(2000, 2000, 8);
+    CDibImage image = page, blurred = page;
+    EXPECT_EQ(UnsharpMask(image, 1, 20.0F, 1, 1, /*blurOnly=*/true), 1);
+    EXPECT_EQ(GaussianBlurInPlace(ViewOf(blurred), 20.0F), 1);
+    test::ExpectSamePixels(image, blurred);
 }
 
 TEST(UnsharpMask, ALargeRadiusBlursAReducedCopy) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <vector>
 
 #include "imaging/CountLevels.h"
 #include "imaging/SamplePlane.h"
@@ -51,6 +52,27 @@ TEST(Planes, GrayIsTheWeightedSumRoundedAndLimited) {
                 ASSERT_LE(std::abs(gray.At(x, y) - std::clamp(sum, 0.0, 255.0)), 0.5 + 1e-4);
             }
         EXPECT_TRUE(gray.PaddingIsUntouched());
+    }
+}
+
+TEST(Planes, ThreadsDoNotChangeTheBytes) {
+    const SamplePlane source = MakeSamples(401, 250, 3, Content::kNoise);
+    std::vector<SamplePlane> planes, grays, colors;
+    for (const int threads : {1, 2, 7}) {
+        const test::Threads guard(threads);
+        SamplePlane plane(401, 250), gray(401, 250),
+            color = MakeSamples(401, 250, 3, Content::kSmooth);
+        ExtractChannel(source.View(), 1, plane.View());
+        WeightedGray(source.View(), {0.114F, 0.587F, 0.299F}, gray.View());
+        InsertChannel(plane.View(), 2, color.View());
+        planes.push_back(plane);
+        grays.push_back(gray);
+        colors.push_back(color);
+    }
+    for (const std::size_t i : {1, 2}) {
+        ExpectSameSamples(planes[i], planes[0]);
+        ExpectSameSamples(grays[i], grays[0]);
+        ExpectSameSamples(colors[i], colors[0]);
     }
 }
 

@@ -139,6 +139,20 @@ TEST(ResizeArea, EqualsThePlainMeanOfTheCoveredArea) {
     ExpectResampledToManySizes(ResizeArea, AreaWeight, /*mayEnlarge=*/false);
 }
 
+TEST(Resizing, EverySizeUpToSeventeenIsThePlainSum) {
+    int number = 0;
+    for (int height = 1; height <= 17; ++height)
+        for (int width = 1; width <= 17; ++width, ++number) {
+            const SamplePlane source =
+                MakeSamples(width, height, number % 2 == 0 ? 1 : 3, kContents[number % 3]);
+            const int wider = width + 1 + number % 9, lower = std::max(1, height * 3 / 4);
+            ExpectResampled(ResizeLanczos, LanczosWeight, source, wider, height + 3);
+            ExpectResampled(ResizeLanczos, LanczosWeight, source, wider, lower);
+            ExpectResampled(ResizeLinear, LinearWeight, source, wider, lower);
+            ExpectResampled(ResizeArea, AreaWeight, source, std::max(1, width * 2 / 3), lower);
+        }
+}
+
 TEST(ResizeArea, HalvingRoundsTheMeanOfFourHalfUp) {
     for (const int channels : {1, 3})
         for (const auto& [width, height] : {std::pair{1, 1}, {2, 3}, {17, 5}, {333, 120}}) {
