@@ -8,6 +8,7 @@
 #include "core/DibImage.h"
 #include "filters/GaussianBlur.h"
 #include "filters/LevelFilters.h"
+#include "filters/Morphology.h"
 #include "filters/SmoothPlane.h"
 #include "filters/UnsharpMask.h"
 #include "support/BesideOpenCv.h"
@@ -64,6 +65,22 @@ void SharpenPage(benchmark::State& state) {
 }
 BENCHMARK(SharpenPage<6>)->Apply(OneAndTwoThreads);
 BENCHMARK(SharpenPage<12>)->Apply(OneAndTwoThreads);
+
+template <int kLevel>
+void BlurPage(benchmark::State& state) {
+    CDibImage page = ScannedPage(kColorBits);
+    Measure(state, page, [&] { BlurLevel(page, kLevel); });
+}
+BENCHMARK(BlurPage<1>)->Apply(OneAndTwoThreads);
+BENCHMARK(BlurPage<10>)->Apply(OneAndTwoThreads);
+
+template <int kStrength>
+void ThickenStrokes(benchmark::State& state) {
+    MeasureOnCopies(state, ScannedPage(kColorBits),
+                    [](CDibImage& page) { Darken(page, kStrength); });
+}
+BENCHMARK(ThickenStrokes<1>)->Apply(OneAndTwoThreads);
+BENCHMARK(ThickenStrokes<4>)->Apply(OneAndTwoThreads);
 
 /// Rows and columns of a plane.
 template <int kBits>
