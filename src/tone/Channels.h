@@ -14,8 +14,9 @@ int SwapChannels(CDibImage& image, int which);
 /// with black as index 0.
 int Negate(CDibImage& image);
 
-/// Grey by one of 13 mixes; 8-bit grey images stay, save for mode 13. Below 1 nothing is done
-/// (1), above 13 refused. 0, image unchanged, without memory.
+/// Grey by one of 13 mixes; 8-bit grey images stay, save for mode 13, and the bits of a 1-bit image
+/// become 0 and 255 in every mode. Below 1 nothing is done (1), above 13 refused. 0, image
+/// unchanged, without memory.
 int CombineChannels(CDibImage& image, int mode);
 
 /// Sepia by `strength` 0..1: in colour, or its luminance in grey.

@@ -116,11 +116,12 @@ int CombineChannels(CDibImage& image, int mode) {
         return 1;
     if (mode > kSepia)
         return 0;
-    if (mode == kSepia)
+    const bool isBits = image.GetBpp() == 1;  // told as they are, in every mode
+    if (mode == kSepia && !isBits)
         return Sepia(image, 1.0, /*toGray=*/true);
     if (image.IsGrayScale())
         return 1;
-    if (mode == kContrast)
+    if (mode == kContrast && !isBits)
         return ContrastGray(image);
     return RefuseWhenOutOfMemory([&] {
         CDibImage gray;

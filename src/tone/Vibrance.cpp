@@ -12,7 +12,8 @@
 namespace velloran {
 namespace {
 
-constexpr int kFarthest = 1000000;  // strengths beyond this change nothing more
+// Strengths beyond this change nothing more: a distance of 1 is moved by all levels.
+constexpr int kFarthest = 3300000;
 
 using SpreadTable = std::array<std::int32_t, 256>;
 

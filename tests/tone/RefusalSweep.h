@@ -10,9 +10,9 @@
 
 namespace velloran::test {
 
-/// Runs `step` on copies of `before` with all allocations from the first, second, ... on failing (beyond
-/// the first few not every one is tried), until it meets no failure. A refusal has to leave the pixels and a run without failure to
-/// succeed. Returns the count of refusals.
+/// Runs `step` on copies of `before` with all allocations from the first, second, ... on failing
+/// (beyond the first few not every one is tried), until it meets no failure. A refusal has to leave
+/// the pixels and a run without failure to succeed. Returns the count of refusals.
 template <typename Step>
 int SweepRefusals(const CDibImage& before, Step step) {
     int refusals = 0;
