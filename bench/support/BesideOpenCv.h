@@ -70,11 +70,14 @@ void Measure(benchmark::State& state, const CDibImage& page, Work&& work) {
     CountBytes(state, page);
 }
 
-/// Measures `work(image)` on a fresh copy of the page each round; the copying is not timed.
+/// Measures `work(image)` on a fresh copy of the page each round; the copying is not timed. Counts
+/// the memory that a round takes beside the page.
 template <typename Work>
 void MeasureOnCopies(benchmark::State& state, const CDibImage& page, Work&& work) {
     const BothThreads threads(state.range(0));
     CDibImage image(page);
+    state.counters["peak_MB"] =
+        static_cast<double>(PeakBytes([&] { work(image); })) / (1024.0 * 1024.0);
     for (auto _ : state) {
         state.PauseTiming();
         CopyPixels(page, image);

@@ -1,9 +1,15 @@
 #include "support/Page.h"
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
+#include <string>
 
 namespace velloran::bench {
 namespace {
@@ -19,6 +25,17 @@ bool IsInk(int x, int y) {
     if (line > 36 || column > 30 || (x / 41 + y / 62) % 9 == 0)
         return false;
     return line % 12 < 4 || column % 13 < 4;  // strokes of a character cell
+}
+
+/// A line of /proc/self/status, in bytes.
+std::int64_t StatusBytes(const std::string& key) {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        std::int64_t kilobytes = 0;
+        if (word == key && status >> kilobytes)
+            return kilobytes * 1024;
+    }
+    return -1;
 }
 
 }  // namespace
@@ -65,6 +82,18 @@ std::size_t PageBytes(const CDibImage& page) {
 
 void CopyPixels(const CDibImage& from, CDibImage& to) {
     std::memcpy(to.GetBits(0), from.GetBits(0), PageBytes(from));
+}
+
+std::int64_t PeakBytes(const std::function<void()>& work) {
+#ifdef __GLIBC__
+    malloc_trim(0);  // freed memory that is still held would hide what the work takes
+#endif
+    if (!(std::ofstream("/proc/self/clear_refs") << 5 << std::flush))  // the peak starts anew
+        return -1;
+    const std::int64_t before = StatusBytes("VmRSS:");
+    work();
+    const std::int64_t peak = StatusBytes("VmHWM:");
+    return before < 0 || peak < 0 ? -1 : peak - before;
 }
 
 }  // namespace velloran::bench

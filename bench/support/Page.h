@@ -3,6 +3,8 @@
 // The page that benchmarks work on, and the floor that they are measured against.
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 
 #include "core/DibImage.h"
 
@@ -23,5 +25,9 @@ std::size_t PageBytes(const CDibImage& page);
 
 /// The pixels alone, into an image of the same size and depth: what every ratio in copies counts.
 void CopyPixels(const CDibImage& from, CDibImage& to);
+
+/// The most memory that `work` held beside what was there before, in bytes; -1 where the system
+/// does not tell.
+std::int64_t PeakBytes(const std::function<void()>& work);
 
 }  // namespace velloran::bench
