@@ -99,7 +99,8 @@ struct ChannelsAndLumaCounter {
     static void CountEach(std::span<const std::uint8_t> pixels, Histograms& sums) {
         for (std::size_t i = 0; i < pixels.size(); ++i)
             ++sums[i % 3][pixels[i]];
-        for (const std::uint8_t byte : Luma(pixels).View())
+        const Luma luma(pixels);  // named: a range of a temporary would outlive it
+        for (const std::uint8_t byte : luma.View())
             ++sums[3][byte];
     }
     static void CountPairs(std::span<const std::uint8_t> pixels, PairTable* tables,
