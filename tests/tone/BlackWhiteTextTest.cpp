@@ -10,6 +10,7 @@
 #include "support/Threads.h"
 #include "tone/PlainPaper.h"
 #include "tone/RefusalSweep.h"
+#include "tone/ToneSteps.h"
 
 namespace velloran {
 namespace {
@@ -119,6 +120,16 @@ TEST(BlackWhiteText, FollowsThePaperOfTheBlocksAndTheInkOfThePage) {
     ExpectPlain(TextPage(8, 8, 200, 30), "smallest");
     ExpectPlain(TextPage(2200, 30, 200, 30), "long");
     ExpectPlain(test::Noise(90, 60, 8), "noise");
+}
+
+TEST(BlackWhiteText, SmallSizesNoiseAndSmoothTonesFollowTheSameSteps) {
+    for (int width = 8; width <= 17; width += 3)
+        for (const int height : {8, 9, 14, 17, 33}) {
+            ExpectPlain(test::Noise(width, height, 8, 3), "noise");
+            ExpectPlain(test::SmoothPicture(width, height, 8), "smooth");
+        }
+    ExpectPlain(test::SmoothPicture(400, 300, 8), "large");
+    ExpectPlain(TextPage(33500, 26, 210, 30), "wide");
 }
 
 TEST(BlackWhiteText, APageWithoutDarkPaperKeepsTheFirstInkLevel) {

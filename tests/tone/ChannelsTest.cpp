@@ -192,6 +192,23 @@ TEST(CombineChannels, EveryModeIsItsMix) {
         }
 }
 
+TEST(CombineChannels, EveryModeHasItsGrayForAnOrange) {
+    // Of red 200, green 100, blue 50. Hue: d is 150, 40 * 150 / 150 - (40 * 100 + 75) / 150 = 13;
+    // lightness (250 * 240 + 255) / 510; saturation (150 * 240 + 125) / 250; the weighted ones
+    // 117.65 and 116.67, rounded; sepia 0.3528 * 200 + 0.6927 * 100 + 0.1698 * 50 = 148.3.
+    constexpr int kGrays[] = {200, 100, 50, 125, 150, 75, 13, 144, 118, -1, 118, 117, 148};
+    for (int mode = 1; mode <= 13; ++mode) {
+        if (mode == 10)
+            continue;  // chosen by the contrast of the picture
+        CDibImage image = test::FromRows({{200, 100, 50}}, 3), palette = test::Filled(1, 1, 4, 0);
+        test::SetPalette(palette, {{200, 100, 50}});
+        ASSERT_EQ(CombineChannels(image, mode), 1);
+        ASSERT_EQ(CombineChannels(palette, mode), 1);
+        EXPECT_EQ(test::IndexAt(image, 0, 0), kGrays[mode - 1]) << mode;
+        EXPECT_EQ(test::IndexAt(palette, 0, 0), kGrays[mode - 1]) << mode;
+    }
+}
+
 TEST(CombineChannels, AOneBitImageIsBlackAndWhiteWhateverItsColorsAndTheMode) {
     for (const int mode : {1, 7, 11, 12}) {
         const CDibImage before = Colored(1);
@@ -263,6 +280,53 @@ TEST(ContrastGray, KeepsColorsApartThatHaveTheSameLuma) {
     ASSERT_EQ(ContrastGray(image), 1);
     ASSERT_TRUE(image.IsGrayScale());
     EXPECT_GT(std::abs(test::IndexAt(image, 0, 0) - test::IndexAt(image, 8, 0)), 60);
+}
+
+/// The mix by tenths that keeps the difference of two colors best: the one whose own difference
+/// is nearest to the scaled distance. All pairs of a picture of two colors have this difference, or
+/// a share of it, which orders the mixes in the same way.
+Rgb PlainWeights(const Rgb& a, const Rgb& b) {
+    const double r = (a.red - b.red) / 255.0, g = (a.green - b.green) / 255.0;
+    const double blue = (a.blue - b.blue) / 255.0;
+    const double delta = std::sqrt(r * r + g * g + blue * blue) / 1.41;
+    Rgb best;
+    double bestGap = 9;
+    for (int wr = 0; wr <= 10; ++wr)
+        for (int wg = 0; wg <= 10 - wr; ++wg) {
+            const int wb = 10 - wr - wg;
+            const double gap = std::fabs(std::fabs(wr * r + wg * g + wb * blue) / 10 - delta);
+            if (gap < bestGap - 1e-12) {
+                best = {wr, wg, wb};
+                bestGap = gap;
+            }
+        }
+    return best;
+}
+
+TEST(ContrastGray, TakesTheMixThatKeepsTheDistanceOfTwoColors) {
+    const std::pair<Rgb, Rgb> kPairs[] = {{{200, 40, 40}, {30, 150, 90}},
+                                          {{250, 230, 20}, {40, 60, 200}},
+                                          {{90, 10, 130}, {20, 120, 30}},
+                                          {{255, 255, 255}, {230, 0, 0}}};
+    for (const auto& [a, b] : kPairs) {
+        CDibImage image = test::Filled(64, 64, 24, 0);
+        for (int y = 0; y < 64; ++y)
+            for (int x = 0; x < 64; ++x)
+                test::SetPixel(image, x, y, x < 32 ? a : b);
+        const Rgb w = PlainWeights(a, b);
+        ASSERT_EQ(ContrastGray(image), 1);
+        const auto mixed = [&](const Rgb& c) {
+            return (w.red * c.red + w.green * c.green + w.blue * c.blue) / 10.0;
+        };
+        EXPECT_NEAR(test::IndexAt(image, 3, 9), mixed(a), 0.501);
+        EXPECT_NEAR(test::IndexAt(image, 60, 9), mixed(b), 0.501);
+    }
+}
+
+TEST(ContrastGray, APictureWithoutDifferencesTakesTheFirstMix) {
+    CDibImage image = test::FromRows({{200, 100, 50}}, 3);  // no red, no green: all blue
+    ASSERT_EQ(ContrastGray(image), 1);
+    EXPECT_EQ(test::IndexAt(image, 0, 0), 50);
 }
 
 TEST(ContrastGray, IsAMixByTenthsOnEveryPixelAndTheSameOnEveryRun) {

@@ -47,6 +47,11 @@ TEST(SCurve, ShowsEveryValueThatItStored) {
         EXPECT_EQ(SCurveValue(SCurvePoints(value)), value);
 }
 
+TEST(SCurve, TheFirstPresetIsItsZero) {
+    EXPECT_EQ(SCurveValue(PointsOfPreset(CurvePreset::kUnchanged)), 0);
+    EXPECT_EQ(SCurvePoints(0), PointsOfPreset(CurvePreset::kUnchanged));
+}
+
 TEST(SCurve, ShowsZeroForPointsThatAreNone) {
     constexpr int kLowest = std::numeric_limits<int>::min();
     constexpr int kHighest = std::numeric_limits<int>::max();

@@ -12,6 +12,7 @@
 #include "support/Threads.h"
 #include "tone/FrankleMcCannPasses.h"
 #include "tone/RefusalSweep.h"
+#include "tone/ToneSteps.h"
 
 namespace velloran {
 namespace {
@@ -147,6 +148,12 @@ TEST(FrankleMcCann, EveryWidthAndHeightUpToSeventeen) {
             ExpectPlain(test::Noise(width, height, 8, static_cast<std::uint32_t>(width)), 1);
             ExpectPlain(test::Noise(height, width, 24, static_cast<std::uint32_t>(height)), 1);
         }
+}
+
+TEST(FrankleMcCann, SmoothTonesAndAPictureWiderThanSixteenBits) {
+    for (const int bpp : {8, 24})
+        ExpectPlain(test::SmoothPicture(90, 70, bpp), 1);
+    ExpectPlain(ShadedNoise(33000, 9, 8, 3), 1);
 }
 
 TEST(FrankleMcCann, TheShorterSideDecidesTheFirstShift) {

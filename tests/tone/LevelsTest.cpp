@@ -2,12 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
-#include <cmath>
+#include <utility>
 
 #include "core/DibImage.h"
 #include "support/Images.h"
-#include "support/Threads.h"
+#include "tone/ToneSteps.h"
 
 namespace velloran {
 namespace {
@@ -40,6 +41,16 @@ TEST(LevelTable, IsLinearBetweenItsPointsInEitherOrder) {
             EXPECT_EQ(LevelTable(shadow, light)[static_cast<std::size_t>(i)],
                       PlainLevel(i, shadow, light));
     EXPECT_EQ(LevelTable(100, 104)[101], 64);  // 63.75 and a half, truncated
+}
+
+TEST(LevelTable, IsThatLineForEveryPairOfPoints) {
+    for (int shadow = 0; shadow < 256; shadow += 3)
+        for (int light = 0; light < 256; light += 5) {
+            const PixelMap table = LevelTable(shadow, light);
+            for (int i = 0; i < 256; ++i)
+                ASSERT_EQ(table[static_cast<std::size_t>(i)], PlainLevel(i, shadow, light))
+                    << shadow << ", " << light;
+        }
 }
 
 TEST(LevelTable, IsTheIdentityForEqualPointsAndTheWholeRange) {
@@ -79,6 +90,32 @@ TEST(ApplyLevels, EachChannelGoesThroughItsOwnTableAndThenTheMaster) {
         EXPECT_EQ(test::PixelAt(image, x, 1), (test::Rgb{master(PlainLevel(x, 16, 200)), master(x),
                                                          master(PlainLevel(x, 0, 99))}));
     }
+}
+
+TEST(ApplyLevels, APairOfEqualPointsLeavesItsChannelAsItIs) {
+    CDibImage image = Ramp(24);
+    ASSERT_EQ(ApplyLevels(image, 0x00500000, 0xFF50FFF0), 1);  // blue 80 and 80, red 0 to 240
+    for (int x = 0; x < 256; ++x)
+        EXPECT_EQ(test::PixelAt(image, x, 0), (test::Rgb{PlainLevel(x, 0, 240), x, x}));
+}
+
+TEST(ApplyLevels, FollowsItsTablesOnPicturesOfAnyKind) {
+    for (const auto& [width, height] : {std::pair{2, 2}, {3, 17}, {17, 5}, {301, 203}})
+        for (CDibImage image :
+             {test::Noise(width, height, 24, 3), test::SmoothPicture(width, height, 24)}) {
+            const CDibImage before = image;
+            ASSERT_EQ(ApplyLevels(image, 0x08302010, 0xF0C0D0E0), 1);
+            const auto level = [](int v, int low, int high) {
+                return PlainLevel(PlainLevel(v, low, high), 0x08, 0xF0);
+            };
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x) {
+                    const test::Rgb c = test::PixelAt(before, x, y);
+                    ASSERT_EQ(test::PixelAt(image, x, y),
+                              (test::Rgb{level(c.red, 0x10, 0xE0), level(c.green, 0x20, 0xD0),
+                                         level(c.blue, 0x30, 0xC0)}));
+                }
+        }
 }
 
 TEST(ApplyLevels, NeutralEqualAndTooSmallAreRefused) {

@@ -2,14 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "core/DibImage.h"
 #include "filters/SmoothPlane.h"
 #include "support/Images.h"
 #include "support/Threads.h"
 #include "tone/RefusalSweep.h"
+#include "tone/ToneSteps.h"
 
 namespace velloran {
 namespace {
@@ -78,6 +81,77 @@ TEST(AdjustLight, FollowsTheSmoothedCopyInTheShadowsAndTheSampleInTheHighlights)
                                 high != 0 ? 1.6 : 0.51)
                         << low << ", " << high << " at " << x << ", " << y;
         }
+}
+
+TEST(AdjustLight, SmoothAndSmallPicturesFollowTheSameFormula) {
+    for (const auto& [width, height] :
+         {std::pair{1, 1}, {1, 17}, {3, 3}, {4, 4}, {5, 9}, {17, 4}, {250, 190}})
+        for (const int bpp : {8, 24})
+            for (const CDibImage& before :
+                 {test::Noise(width, height, bpp, 7), test::SmoothPicture(width, height, bpp)}) {
+                CDibImage image = before, mask = before;
+                const bool isSmoothed = width > 3 && height > 3;
+                ASSERT_EQ(SmoothPlane(mask, 3.0), isSmoothed ? 1 : 0);
+                ASSERT_EQ(AdjustLight(image, -80, 0), 1);
+                for (int y = 0; y < height; ++y)
+                    for (int x = 0; x < width * bpp / 8; ++x)
+                        ASSERT_NEAR(image.GetBits(y)[x],
+                                    PlainLight(before.GetBits(y)[x], mask.GetBits(y)[x], -80, 0),
+                                    0.51)
+                            << width << " x " << height << " at " << x << ", " << y;
+            }
+}
+
+TEST(AdjustLight, EveryStrengthOfBothSlidersFollowsTheSameFormula) {
+    CDibImage ramp = test::Filled(256, 4, 8, 0);  // in blocks, so that the mask takes many levels
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 256; ++x)
+            test::SetIndex(ramp, x, y, x / 4 * 3 + x % 4 * 20);
+    CDibImage mask = ramp;
+    ASSERT_EQ(SmoothPlane(mask, 3.0), 1);
+    for (int strength = -100; strength <= 100; ++strength) {
+        if (strength == 0)
+            continue;
+        CDibImage low = ramp, high = ramp;
+        ASSERT_EQ(AdjustLight(low, strength, 0), 1);
+        ASSERT_EQ(AdjustLight(high, 0, strength), 1);
+        for (int x = 0; x < 256; ++x) {
+            const int sample = test::IndexAt(ramp, x, 2), level = test::IndexAt(mask, x, 2);
+            ASSERT_NEAR(test::IndexAt(low, x, 2), PlainLight(sample, level, strength, 0), 0.51)
+                << strength << " at " << x;
+            ASSERT_NEAR(test::IndexAt(high, x, 2), PlainLight(sample, level, 0, strength), 0.51)
+                << strength << " at " << x;
+        }
+    }
+}
+
+TEST(AdjustLight, StrengthsHaveTheirToneUnderAFlatMask) {
+    // Level 51: weight 1 - 0.68 ^ 2 = 0.5376, tone 0.2. At 100 g is 0.8, the share 1.0752 and the
+    // overlay 0.32: 0.2 + 1.0752 * 0.12 = 0.32902, of 255 83.9. At 50 half of it: 0.26451, 67.45.
+    // At -100 g is 0.2, the overlay 0.08: 0.2 - 1.0752 * 0.12 = 0.07098, 18.1.
+    for (const auto& [low, tone] : {std::pair{100, 84}, {50, 67}, {-100, 18}}) {
+        CDibImage image = test::Filled(9, 9, 8, 51);
+        ASSERT_EQ(AdjustLight(image, low, 0), 1);
+        EXPECT_EQ(test::IndexAt(image, 4, 4), tone) << low;
+    }
+    // Level 204, without a mask: the same weight of the highlights; x 0.8. At 100 g is 0.8 and the
+    // overlay 1 - 2 * 0.2 * 0.2 = 0.92; at -100 g is 0.2 and the overlay 1 - 2 * 0.2 * 0.8 = 0.68.
+    for (const auto& [high, tone] : {std::pair{100, 237}, {-100, 171}}) {
+        CDibImage image = test::Filled(9, 9, 8, 204);
+        ASSERT_EQ(AdjustLight(image, 0, high), 1);
+        EXPECT_EQ(test::IndexAt(image, 4, 4), tone) << high;  // 0.92902 and 0.67098
+    }
+}
+
+TEST(AdjustLight, LowAloneHasNoHighlightStageAndHighAloneNoShadowStage) {
+    const CDibImage light = test::Filled(9, 9, 24, 250), dark = test::Filled(9, 9, 24, 20);
+    for (const int strength : {-100, 100}) {
+        CDibImage lightImage = light, darkImage = dark;
+        ASSERT_EQ(AdjustLight(lightImage, strength, 0), 1);
+        ASSERT_EQ(AdjustLight(darkImage, 0, strength), 1);
+        test::ExpectSamePixels(lightImage, light);
+        test::ExpectSamePixels(darkImage, dark);
+    }
 }
 
 TEST(AdjustLight, LowAloneLeavesWhatLiesUnderALightMask) {

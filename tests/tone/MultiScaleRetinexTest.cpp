@@ -11,6 +11,7 @@
 #include "support/Images.h"
 #include "support/Threads.h"
 #include "tone/RefusalSweep.h"
+#include "tone/ToneSteps.h"
 
 namespace velloran {
 namespace {
@@ -109,6 +110,25 @@ TEST(MultiScaleRetinex, IsTheSampleBesideItsSurroundingsAtThreeSizes) {
                         expected[c][static_cast<std::size_t>(y)][static_cast<std::size_t>(x)], 1.2)
                         << x << ", " << y;
     }
+}
+
+TEST(MultiScaleRetinex, SmallSizesAndSmoothTonesFollowTheSameFormula) {
+    for (const auto& [width, height] : {std::pair{1, 7}, {2, 2}, {5, 3}, {8, 17}, {17, 17}})
+        for (const int bpp : {8, 24})
+            for (const CDibImage& before :
+                 {test::Noise(width, height, bpp, 3), test::SmoothPicture(width, height, bpp)}) {
+                const std::vector<Plane> expected = PlainRetinex(before, 4.0);
+                CDibImage image = before;
+                ASSERT_EQ(MultiScaleRetinex(image, false), 1);
+                for (std::size_t c = 0; c < expected.size(); ++c)
+                    for (int y = 0; y < height; ++y)
+                        for (int x = 0; x < width; ++x)
+                            ASSERT_NEAR(Sample(image, static_cast<int>(c), x, y),
+                                        expected[c][static_cast<std::size_t>(y)]
+                                                [static_cast<std::size_t>(x)],
+                                        1.2)
+                                << width << " x " << height << " at " << x << ", " << y;
+            }
 }
 
 TEST(MultiScaleRetinex, ALargePictureIsBlurredAtAReducedSizeWithReducedSigmas) {

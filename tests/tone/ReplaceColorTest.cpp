@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -10,7 +11,6 @@
 #include "support/Images.h"
 #include "support/Threads.h"
 #include "tone/ColorSpaces.h"
-#include "tone/RefusalSweep.h"
 
 namespace velloran {
 namespace {
@@ -93,6 +93,60 @@ TEST(ReplaceColor, EveryTypeHasItsOwnRuleForPixels) {
         }
 }
 
+CDibImage OnePixel(const Rgb& c) {
+    CDibImage image = test::Filled(1, 1, 24, 0);
+    test::SetPixel(image, 0, 0, c);
+    return image;
+}
+
+TEST(ReplaceColor, SoftEdgeMixesTheRestOfThePixelWithTheTarget) {
+    // A gray of 128 is as far from black as its lightness says.
+    const double distance = RgbToLab(128, 128, 128).l;
+    const int threshold = static_cast<int>(distance);
+    const double share = threshold + 1 - distance;
+    ASSERT_GT(share, 0.05);
+    ASSERT_LT(share, 0.95);
+    CDibImage image = test::Filled(1, 1, 24, 128);
+    ASSERT_EQ(ReplaceColor(1, image, 0x000000, 0x0000C8, threshold), 1);
+    // Without black's share 128 / (1 - share) would be there, at most 255; its own share comes
+    // back, and the target's red.
+    const double rest = std::min(std::trunc(128 / (1 - share)), 255.0) * (1 - share);
+    EXPECT_NEAR(test::PixelAt(image, 0, 0).blue, std::trunc(rest + 0.5), 1);
+    EXPECT_NEAR(test::PixelAt(image, 0, 0).red,
+                std::min(std::trunc(rest + 0.5) + std::trunc(200 * share), 255.0), 1);
+    CDibImage next = test::Filled(1, 1, 24, 128), less = next;
+    ASSERT_EQ(ReplaceColor(1, next, 0x000000, 0x0000C8, threshold + 1), 1);
+    EXPECT_EQ(test::PixelAt(next, 0, 0), (Rgb{200, 0, 0}));
+    ASSERT_EQ(ReplaceColor(1, less, 0x000000, 0x0000C8, threshold - 1), 1);
+    EXPECT_EQ(test::PixelAt(less, 0, 0), (Rgb{128, 128, 128}));
+}
+
+TEST(ReplaceColor, ThresholdsOfEveryTypeAreOverOrAtTheirLimit) {
+    struct Case {
+        int type;
+        Rgb color;
+        int lastHit;  // the largest threshold that still replaces
+    };
+    constexpr Case kCases[] = {
+        {3, {100, 130, 100}, 29}, {4, {90, 0, 130}, 39}, {5, {0, 20, 90}, 69},
+        {6, {50, 30, 20}, 49},    {7, {20, 61, 19}, 60}, {8, {10, 15, 75}, 74},
+    };
+    for (const Case& c : kCases)
+        for (const int threshold : {c.lastHit, c.lastHit + 1}) {
+            CDibImage image = OnePixel(c.color);
+            ASSERT_EQ(ReplaceColor(c.type, image, kFrom, kTo, threshold), 1);
+            EXPECT_EQ(test::PixelAt(image, 0, 0), threshold == c.lastHit ? kTarget : c.color)
+                << "type " << c.type;
+        }
+    // The sample's hue: 40 - (40 * 140 + 84) / 168 is 7; hues are replaced at the limit too.
+    ASSERT_EQ(RgbToHls(200, 60, 32).hue, 7);
+    for (const int threshold : {32, 33}) {
+        CDibImage image = OnePixel({255, 255, 0});  // hue 40
+        ASSERT_EQ(ReplaceColor(2, image, kFrom, kTo, threshold), 1);
+        EXPECT_EQ(test::PixelAt(image, 0, 0), threshold == 33 ? kTarget : (Rgb{255, 255, 0}));
+    }
+}
+
 TEST(ReplaceColor, PalettesHaveTheirEntriesReplacedAndKeepTheirIndices) {
     for (int type = 1; type <= 8; ++type) {
         CDibImage image = test::Noise(30, 10, 8);
@@ -125,12 +179,6 @@ TEST(ReplaceColor, GrayImagesKnowOnlyTheFirstTypeByTheRedOfTheColors) {
     CDibImage image = before;
     ASSERT_EQ(ReplaceColor(1, image, kFrom, kTo, 15), 1);
     test::ExpectSamePixels(image, test::FromRows({{0, 184, 10, 10, 10, 216, 255}}));
-}
-
-CDibImage OnePixel(const Rgb& c) {
-    CDibImage image = test::Filled(1, 1, 24, 0);
-    test::SetPixel(image, 0, 0, c);
-    return image;
 }
 
 TEST(ReplaceColor, HuesAreComparedAsNumbersAndNotAroundTheCircle) {
@@ -189,7 +237,7 @@ TEST(ReplaceColor, OtherTypesAndEmptyImagesAreRefusedAndAnyNumberIsTaken) {
         }
 }
 
-TEST(ReplaceColor, ThreadsChangeNothingAndWithoutMemoryThePixelsStay) {
+TEST(ReplaceColor, ThreadsChangeNothing) {
     for (const int type : {1, 2, 6}) {
         CDibImage first;
         for (const int count : {1, 2, 7}) {
@@ -201,10 +249,6 @@ TEST(ReplaceColor, ThreadsChangeNothingAndWithoutMemoryThePixelsStay) {
             test::ExpectSamePixels(image, first);
         }
     }
-    EXPECT_GT(
-        test::SweepRefusals(
-            ColorField(), [](CDibImage& image) { return ReplaceColor(1, image, kFrom, kTo, 14); }),
-        0);
 }
 
 }  // namespace

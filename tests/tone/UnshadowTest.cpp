@@ -9,8 +9,10 @@
 #include "core/DibImage.h"
 #include "support/Images.h"
 #include "support/Threads.h"
+#include "tone/PaperBlocks.h"
 #include "tone/PlainPaper.h"
 #include "tone/RefusalSweep.h"
+#include "tone/ToneSteps.h"
 
 namespace velloran {
 namespace {
@@ -80,6 +82,66 @@ TEST(UnshadowPlane, StretchesEverySampleBetweenBlackAndThePaperOfItsBlock) {
             ASSERT_EQ(UnshadowPlane(TopDownViewOf(page), magnitude), 1);
             ExpectPlane(TopDownViewOf(page), expected, "plane");
         }
+}
+
+TEST(UnshadowPlane, EveryStrengthOfTheSliderIsItsOwn) {
+    const CDibImage page = ShadowedPage(60, 44, 8);
+    for (int magnitude = 1; magnitude <= 50; ++magnitude) {
+        CDibImage image = page;
+        const PlainPlane expected = PlainUnshadow(PlainPlane(TopDownViewOf(page)), magnitude);
+        ASSERT_NE(Unshadow(image, magnitude), 0);
+        ExpectPlane(TopDownViewOf(image), expected, "strength");
+    }
+}
+
+TEST(UnshadowPlane, SmallSizesNoiseAndSmoothTonesFollowTheSameSteps) {
+    for (int width = 7; width <= 17; ++width)
+        for (const int height : {7, 8, 13, 17, 33})
+            for (const CDibImage& picture :
+                 {test::Noise(width, height, 8, 3), test::SmoothPicture(width, height, 8)}) {
+                CDibImage page = picture;
+                const PlainPlane expected = PlainUnshadow(PlainPlane(TopDownViewOf(page)), 20);
+                ASSERT_EQ(UnshadowPlane(TopDownViewOf(page), 20), 1);
+                ExpectPlane(TopDownViewOf(page), expected, "small");
+            }
+}
+
+TEST(UnshadowPlane, APlaneWiderThanSixteenBitsHasBlocksToItsEnd) {
+    CDibImage page = ShadowedPage(33500, 26, 8);
+    const PlainPlane expected = PlainUnshadow(PlainPlane(TopDownViewOf(page)), 20);
+    ASSERT_EQ(UnshadowPlane(TopDownViewOf(page), 20), 1);
+    ExpectPlane(TopDownViewOf(page), expected, "wide");
+}
+
+TEST(PaperBlocks, HaveASideByTheLongerSideOfThePage) {
+    struct Case {
+        int longer, side;
+    };
+    for (const Case c : {Case{8, 7}, Case{2100, 7}, Case{2101, 8}, Case{2400, 8}, Case{2401, 9},
+                         Case{3300, 11}, Case{3301, 12}, Case{3600, 12}, Case{40000, 12},
+                         Case{std::numeric_limits<int>::max(), 12}}) {
+        EXPECT_EQ(PaperBlockSide(c.longer, 8), c.side) << c.longer;
+        EXPECT_EQ(PaperBlockSide(8, c.longer), c.side) << c.longer;
+    }
+}
+
+TEST(PaperBlocks, BlackIsTheLevelThatItsShareOfWholeBlocksReachesAndAtLeastSeven) {
+    // 49 by 49 are 2401 pixels, of which a share of 0.002 is 4 and one of 0.001 is 2.
+    CDibImage page = test::Filled(52, 49, 8, 200);
+    for (int y = 0; y < 49; ++y)
+        for (int x = 49; x < 52; ++x)
+            test::SetIndex(page, x, y, 20);  // beside the whole blocks
+    for (int i = 0; i < 2; ++i) {
+        test::SetIndex(page, i, 0, 30);
+        test::SetIndex(page, i, 1, 40);
+    }
+    const PaperBlocks blocks = SumPaperBlocks(TopDownViewOf(page));
+    ASSERT_EQ(blocks.side, 7);
+    EXPECT_EQ(PaperBlackLevel(TopDownViewOf(page), blocks, 0.001), 30);
+    EXPECT_EQ(PaperBlackLevel(TopDownViewOf(page), blocks, 0.002), 40);
+    for (int i = 0; i < 5; ++i)
+        test::SetIndex(page, i, 2, 3);
+    EXPECT_EQ(PaperBlackLevel(TopDownViewOf(page), blocks, 0.002), 7);
 }
 
 TEST(UnshadowPlane, APlaneSmallerThanABlockIsRefused) {

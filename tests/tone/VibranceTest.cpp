@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "core/DibImage.h"
 #include "support/Images.h"
 #include "support/Threads.h"
+#include "tone/ToneSteps.h"
 
 namespace velloran {
 namespace {
@@ -27,16 +29,24 @@ test::Rgb PlainVibrance(const test::Rgb& c, int amount) {
     return {moved(c.red), moved(c.green), moved(c.blue)};
 }
 
+void ExpectPlainVibrance(const CDibImage& before, int amount) {
+    CDibImage image = before;
+    ASSERT_NE(Vibrance(image, amount), 0);
+    for (int y = 0; y < before.GetHeight(); ++y)
+        for (int x = 0; x < before.GetWidth(); ++x)
+            ASSERT_EQ(test::PixelAt(image, x, y),
+                      PlainVibrance(test::PixelAt(before, x, y), amount));
+}
+
 TEST(Vibrance, MovesTheChannelsAwayFromOrTowardTheLargest) {
-    for (const int amount : {1, 37, 100, 200, -1, -50, -100}) {
-        const CDibImage before = test::Noise(50, 20, 24, 12);
-        CDibImage image = before;
-        ASSERT_NE(Vibrance(image, amount), 0);
-        for (int y = 0; y < 20; ++y)
-            for (int x = 0; x < 50; ++x)
-                ASSERT_EQ(test::PixelAt(image, x, y),
-                          PlainVibrance(test::PixelAt(before, x, y), amount));
-    }
+    for (int amount = -100; amount <= 200; ++amount)
+        if (amount != 0)
+            ExpectPlainVibrance(test::Noise(50, 20, 24, 12), amount);
+    for (const int amount : {-100, 200})
+        for (const auto& [width, height] : {std::pair{1, 1}, {1, 17}, {17, 3}, {300, 201}}) {
+            ExpectPlainVibrance(test::Noise(width, height, 24, 2), amount);
+            ExpectPlainVibrance(test::SmoothPicture(width, height, 24), amount);
+        }
 }
 
 TEST(Vibrance, TwoHundredTakesFourTimesTheDistanceWhereTheLumaIsHalf) {
@@ -84,24 +94,29 @@ TEST(Vibrance, ExtremeAmountsSaturate) {
     EXPECT_EQ(test::PixelAt(less, 0, 0), (test::Rgb{200, 255, 255}));
 }
 
+void ExpectPlainEqualized(const CDibImage& before) {
+    CDibImage image = before;
+    ASSERT_EQ(HistEqualize(image), 1);
+    const int bytes = before.GetWidth() * before.GetBpp() / 8, height = before.GetHeight();
+    std::vector<double> upTo(256, 0);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < bytes; ++x)
+            for (std::size_t level = before.GetBits(y)[x]; level < 256; ++level)
+                ++upTo[level];
+    const double total = static_cast<double>(bytes) * height;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < bytes; ++x)
+            ASSERT_EQ(image.GetBits(y)[x],
+                      static_cast<int>(upTo[before.GetBits(y)[x]] / total * 255.0));
+}
+
 TEST(HistEqualize, EachLevelBecomesTheShareOfSamplesUpToIt) {
-    for (const int bpp : {8, 24}) {
-        const CDibImage before = test::Noise(33, 21, bpp, 4);
-        CDibImage image = before;
-        ASSERT_EQ(HistEqualize(image), 1);
-        std::vector<long> counts(256, 0);
-        const int bytes = 33 * bpp / 8;
-        for (int y = 0; y < 21; ++y)
-            for (int x = 0; x < bytes; ++x)
-                ++counts[before.GetBits(y)[x]];
-        for (int y = 0; y < 21; ++y)
-            for (int x = 0; x < bytes; ++x) {
-                double below = 0;
-                for (int v = 0; v <= before.GetBits(y)[x]; ++v)
-                    below += static_cast<double>(counts[static_cast<std::size_t>(v)]);
-                ASSERT_EQ(image.GetBits(y)[x], static_cast<int>(below / (bytes * 21.0) * 255.0));
-            }
-    }
+    for (const int bpp : {8, 24})
+        for (const auto& [width, height] :
+             {std::pair{1, 1}, {1, 9}, {2, 1}, {7, 7}, {17, 16}, {33, 21}, {200, 150}}) {
+            ExpectPlainEqualized(test::Noise(width, height, bpp, 4));
+            ExpectPlainEqualized(test::SmoothPicture(width, height, bpp));
+        }
 }
 
 TEST(HistEqualize, ASingleValueTurnsWhite) {
