@@ -8,6 +8,7 @@
 #include "core/Rounding.h"
 #include "imaging/Planes.h"
 #include "tone/Channels.h"
+#include "tone/ColorMemo.h"
 #include "tone/ColorSpaces.h"
 #include "tone/PixelMapRows.h"
 
@@ -65,10 +66,26 @@ void MixRow(const std::uint8_t* pixel, int width, std::uint8_t* gray) {
 }
 
 using RowMixer = void (*)(const std::uint8_t*, int, std::uint8_t*);
-constexpr std::array<RowMixer, 9> kRowMixers = {
-    MixRow<kRedOnly>, MixRow<kGreenOnly>,  MixRow<kBlueOnly>,
-    MixRow<kRedBlue>, MixRow<kRedGreen>,   MixRow<kGreenBlue>,
-    MixRow<kHue>,     MixRow<kSaturation>, MixRow<kLightness>};
+constexpr std::array<RowMixer, 6> kRowMixers = {MixRow<kRedOnly>,  MixRow<kGreenOnly>,
+                                                MixRow<kBlueOnly>, MixRow<kRedBlue>,
+                                                MixRow<kRedGreen>, MixRow<kGreenBlue>};
+
+/// The mixes that turn a pixel into another colour space.
+void MixRemembered(ConstPlaneView pixels, int mode, PlaneView gray) {
+#pragma omp parallel if (IsWorthThreads(gray))
+    {
+        ColorMemo memo;
+#pragma omp for schedule(static)
+        for (int y = 0; y < gray.height; ++y) {
+            const std::uint8_t* pixel = pixels.Row(y).data();
+            std::uint8_t* out = gray.Row(y).data();
+            for (int x = 0; x < gray.width; ++x, pixel += 3)
+                out[x] = static_cast<std::uint8_t>(memo(pixel, [&] {
+                    return static_cast<std::uint32_t>(MixOf(mode, pixel[0], pixel[1], pixel[2]));
+                }));
+        }
+    }
+}
 
 void MixPixels(ConstPlaneView pixels, int mode, PlaneView gray) {
     if (mode == kLuminance) {
@@ -77,6 +94,10 @@ void MixPixels(ConstPlaneView pixels, int mode, PlaneView gray) {
     }
     if (mode == kMean) {
         WeightedGray(pixels, {0.33333F, 0.33334F, 0.33333F}, gray);
+        return;
+    }
+    if (mode == kHue || mode == kSaturation || mode == kLightness) {
+        MixRemembered(pixels, mode, gray);
         return;
     }
     const RowMixer mixer = kRowMixers[static_cast<std::size_t>(mode - 1)];

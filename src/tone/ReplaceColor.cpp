@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <vector>
 
 #include "core/DibImage.h"
-#include "core/Refusal.h"
 #include "core/Rounding.h"
-#include "core/Threads.h"
+#include "tone/ColorMemo.h"
 #include "tone/ColorSpaces.h"
 #include "tone/PixelMapRows.h"
 
@@ -100,48 +98,26 @@ void ReplaceNear(const Replacement& r, const FloatLab& lab, std::uint8_t* pixel)
     }
 }
 
-/// Pages repeat their colours; equal neighbours share one conversion.
-void LabRow(const std::uint8_t* pixel, int width, std::vector<FloatLab>& labs) {
-    for (int x = 0; x < width; ++x, pixel += 3) {
-        const bool repeats =
-            x > 0 && pixel[0] == pixel[-3] && pixel[1] == pixel[-2] && pixel[2] == pixel[-1];
-        labs[static_cast<std::size_t>(x)] =
-            repeats ? labs[static_cast<std::size_t>(x - 1)] : LabOf(pixel);
-    }
-}
-
-void ReplaceNearInPixels(const Replacement& r, PlaneView pixels) {
-    std::vector<std::vector<FloatLab>> perThread(
-        static_cast<std::size_t>(MaxThreads()),
-        std::vector<FloatLab>(static_cast<std::size_t>(pixels.width)));
-#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y) {
-        std::vector<FloatLab>& labs = perThread[static_cast<std::size_t>(ThreadNumber())];
-        std::uint8_t* pixel = pixels.Row(y).data();
-        LabRow(pixel, pixels.width, labs);
-        for (int x = 0; x < pixels.width; ++x)
-            ReplaceNear(r, labs[static_cast<std::size_t>(x)], pixel + 3 * std::ptrdiff_t{x});
-    }
+void ReplaceIn(int type, const Replacement& r, std::uint8_t* pixel) {
+    if (type == 1)
+        ReplaceNear(r, LabOf(pixel), pixel);
+    else if (Matches(type, r, pixel[0], pixel[1], pixel[2]))
+        PutTarget(r, pixel);
 }
 
 void ReplaceInPixels(int type, const Replacement& r, PlaneView pixels) {
-#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y) {
-        std::uint8_t* pixel = pixels.Row(y).data();
-        for (int x = 0; x < pixels.width; ++x, pixel += 3)
-            if (Matches(type, r, pixel[0], pixel[1], pixel[2]))
-                PutTarget(r, pixel);
-    }
+    MapColors(pixels, [&](const std::uint8_t* pixel) {
+        std::uint8_t changed[3] = {pixel[0], pixel[1], pixel[2]};
+        ReplaceIn(type, r, changed);
+        return changed[0] | std::uint32_t{changed[1]} << 8 | std::uint32_t{changed[2]} << 16;
+    });
 }
 
 void ReplaceInPalette(int type, const Replacement& r, CDibImage& image) {
     for (int i = 0; i < image.GetPaletteCount(); ++i) {
         PaletteEntry& entry = image.GetPalette()[i];
         std::uint8_t pixel[3] = {entry.blue, entry.green, entry.red};
-        if (type == 1)
-            ReplaceNear(r, LabOf(pixel), pixel);
-        else if (Matches(type, r, entry.blue, entry.green, entry.red))
-            PutTarget(r, pixel);
+        ReplaceIn(type, r, pixel);
         entry = {pixel[0], pixel[1], pixel[2], entry.reserved};
     }
 }
@@ -162,20 +138,16 @@ int ReplaceColor(int type, CDibImage& image, std::uint32_t from, std::uint32_t t
     threshold = std::clamp(threshold, 0, 255);
     if (threshold == 0 && type >= 3)
         return 0;
-    return RefuseWhenOutOfMemory([&] {
-        const Replacement replacement(from, to, threshold);
-        if (image.IsGrayScale()) {
-            if (type == 1)
-                MapRows(GrayMap(replacement), ViewOf(image));
-        } else if (image.GetPalette() != nullptr) {
-            ReplaceInPalette(type, replacement, image);
-        } else if (type == 1) {
-            ReplaceNearInPixels(replacement, ViewOf(image));
-        } else {
-            ReplaceInPixels(type, replacement, ViewOf(image));
-        }
-        return 1;
-    });
+    const Replacement replacement(from, to, threshold);
+    if (image.IsGrayScale()) {
+        if (type == 1)
+            MapRows(GrayMap(replacement), ViewOf(image));
+    } else if (image.GetPalette() != nullptr) {
+        ReplaceInPalette(type, replacement, image);
+    } else {
+        ReplaceInPixels(type, replacement, ViewOf(image));
+    }
+    return 1;
 }
 
 }  // namespace velloran

@@ -6,6 +6,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/SimdTarget.h"
 #include "tone/Channels.h"
 #include "tone/PixelMapRows.h"
 
@@ -16,7 +17,8 @@ constexpr double kOne = 1048576.0;
 constexpr int kShift = 20;
 
 /// Rows make red, green and blue; columns take red, green and blue.
-using Matrix = std::array<std::array<std::int32_t, 3>, 3>;
+using Weights = std::array<std::int32_t, 3>;
+using Matrix = std::array<Weights, 3>;
 
 Matrix Coefficients(double strength, bool toGray) {
     const double s = 1.0 - strength;
@@ -33,33 +35,54 @@ Matrix Coefficients(double strength, bool toGray) {
     return matrix;
 }
 
-std::uint8_t Mixed(const std::array<std::int32_t, 3>& weights, const std::uint8_t* pixel) {
-    const std::int64_t sum = std::int64_t{pixel[2]} * weights[0] +
-                             std::int64_t{pixel[1]} * weights[1] +
-                             std::int64_t{pixel[0]} * weights[2];
-    return static_cast<std::uint8_t>(std::min<std::int64_t>(sum >> kShift, 255));
+/// Weights of a row add up to less than 1.4, and 255 times as much leaves 32 bits room.
+std::uint8_t Mixed(const Weights& weights, int red, int green, int blue) {
+    const int sum = red * weights[0] + green * weights[1] + blue * weights[2];
+    return static_cast<std::uint8_t>(std::min(sum >> kShift, 255));
+}
+
+VELLORAN_SIMD_CLONES
+void SepiaRow(const Matrix& matrix, std::uint8_t* pixel, int width) {
+    for (int x = 0; x < width; ++x) {
+        const int blue = pixel[3 * x], green = pixel[3 * x + 1], red = pixel[3 * x + 2];
+        pixel[3 * x] = Mixed(matrix[2], red, green, blue);
+        pixel[3 * x + 1] = Mixed(matrix[1], red, green, blue);
+        pixel[3 * x + 2] = Mixed(matrix[0], red, green, blue);
+    }
+}
+
+VELLORAN_SIMD_CLONES
+void SepiaGrayRow(const Weights& weights, const std::uint8_t* pixel, int width, std::uint8_t* out) {
+    for (int x = 0; x < width; ++x)
+        out[x] = Mixed(weights, pixel[3 * x + 2], pixel[3 * x + 1], pixel[3 * x]);
+}
+
+PixelMap SepiaGrayMap(const Weights& weights) {
+    PixelMap map;
+    for (int level = 0; level < 256; ++level)
+        map[static_cast<std::size_t>(level)] = Mixed(weights, level, level, level);
+    return map;
 }
 
 int ToSepiaGray(CDibImage& image, const Matrix& matrix) {
-    std::array<std::int32_t, 3> weights{};
+    Weights weights{};
     for (const auto& row : matrix)
         for (std::size_t c = 0; c < 3; ++c)
             weights[c] += row[c];
+    const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
+    if (source.channels == 1) {
+        image.SetGrayPalette();
+        MapRows(SepiaGrayMap(weights), ViewOf(image));
+        return 1;
+    }
     CDibImage gray;
     if (gray.Create(image.GetWidth(), image.GetHeight(), 8) == nullptr)
         return 0;
     gray.SetGrayPalette();
-    const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
     const PlaneView target = ViewOf(gray);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
-    for (int y = 0; y < target.height; ++y) {
-        const std::uint8_t* pixel = source.Row(y).data();
-        std::uint8_t* out = target.Row(y).data();
-        for (int x = 0; x < target.width; ++x, pixel += source.channels) {
-            const std::uint8_t same[3] = {pixel[0], pixel[0], pixel[0]};
-            out[x] = Mixed(weights, source.channels == 3 ? pixel : same);
-        }
-    }
+    for (int y = 0; y < target.height; ++y)
+        SepiaGrayRow(weights, source.Row(y).data(), target.width, target.Row(y).data());
     return image.TakePixels(gray) ? 1 : 0;
 }
 
@@ -68,14 +91,8 @@ int ToSepiaColor(CDibImage& image, const Matrix& matrix) {
         return 0;
     const PlaneView pixels = ViewOf(image);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y) {
-        std::uint8_t* pixel = pixels.Row(y).data();
-        for (int x = 0; x < pixels.width; ++x, pixel += 3) {
-            const std::uint8_t from[3] = {pixel[0], pixel[1], pixel[2]};
-            for (std::size_t c = 0; c < 3; ++c)
-                pixel[2 - c] = Mixed(matrix[c], from);
-        }
-    }
+    for (int y = 0; y < pixels.height; ++y)
+        SepiaRow(matrix, pixels.Row(y).data(), pixels.width);
     return 1;
 }
 
@@ -88,7 +105,7 @@ int Sepia(CDibImage& image, double strength, bool toGray) {
         // Little depths hold indices and not samples; they are brought to samples first.
         if (image.GetBpp() < 8 && EnsureGrayOrRgb(image) == 0)
             return 0;
-        const Matrix matrix = Coefficients(strength, toGray);
+        const Matrix matrix = Coefficients(std::clamp(strength, 0.0, 1.0), toGray);
         return toGray ? ToSepiaGray(image, matrix) : ToSepiaColor(image, matrix);
     });
 }

@@ -7,7 +7,7 @@
 
 #include "core/DibImage.h"
 #include "core/Rounding.h"
-#include "tone/PixelMapRows.h"
+#include "tone/ColorMemo.h"
 
 namespace velloran {
 namespace {
@@ -26,17 +26,17 @@ SpreadTable MakeSpreadTable(int strength) {
     return table;
 }
 
-template <bool kMore>
-void SpreadRow(const SpreadTable& table, std::uint8_t* pixel, int width) {
-    for (int x = 0; x < width; ++x, pixel += 3) {
-        const int most = std::max({pixel[0], pixel[1], pixel[2]});
-        const int luma = (pixel[2] + 2 * pixel[1] + pixel[0]) >> 2;
-        const std::int64_t k = table[static_cast<std::size_t>(most - luma)];
-        for (int c = 0; c < 3; ++c) {
-            const std::int64_t move = ((most - pixel[c]) * k + 8192) >> 14;
-            pixel[c] = ClampToByte(kMore ? pixel[c] - move : pixel[c] + move);
-        }
+/// `sign` -1 moves the channels away from the highest, 1 towards it.
+std::uint32_t Spread(const SpreadTable& table, int sign, const std::uint8_t* pixel) {
+    const int most = std::max({pixel[0], pixel[1], pixel[2]});
+    const int luma = (pixel[2] + 2 * pixel[1] + pixel[0]) >> 2;
+    const std::int64_t k = table[static_cast<std::size_t>(most - luma)];
+    std::uint32_t color = 0;
+    for (int c = 0; c < 3; ++c) {
+        const std::int64_t move = ((most - pixel[c]) * k + 8192) >> 14;
+        color |= std::uint32_t{ClampToByte(pixel[c] + sign * move)} << 8 * c;
     }
+    return color;
 }
 
 }  // namespace
@@ -46,14 +46,8 @@ int Vibrance(CDibImage& image, int amount) {
         return 0;
     amount = std::clamp(amount, -kFarthest, kFarthest);
     const SpreadTable table = MakeSpreadTable(amount >= 1 ? amount * 2 : amount);
-    const PlaneView pixels = ViewOf(image);
-#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y) {
-        if (amount >= 1)
-            SpreadRow<true>(table, pixels.Row(y).data(), pixels.width);
-        else
-            SpreadRow<false>(table, pixels.Row(y).data(), pixels.width);
-    }
+    const int sign = amount >= 1 ? -1 : 1;
+    MapColors(ViewOf(image), [&](const std::uint8_t* pixel) { return Spread(table, sign, pixel); });
     return 1;
 }
 
