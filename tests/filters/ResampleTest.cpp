@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,15 @@ CDibImage Resized(CDibImage page, int width, int height, PlaneResizer resize) {
     CDibImage result = test::Filled(width, height, page.GetBpp(), 0);
     resize(ViewOf(page), ViewOf(result));
     return result;
+}
+
+/// The same pixels, whatever their depth.
+void ExpectSameColors(const CDibImage& actual, const CDibImage& expected) {
+    ASSERT_EQ(actual.GetWidth(), expected.GetWidth());
+    ASSERT_EQ(actual.GetHeight(), expected.GetHeight());
+    for (int y = 0; y < actual.GetHeight(); ++y)
+        for (int x = 0; x < actual.GetWidth(); ++x)
+            ASSERT_EQ(test::PixelAt(actual, x, y), test::PixelAt(expected, x, y));
 }
 
 TEST(ResizeTo, EnlargesAndStretchesByLanczosAndReducesByArea) {
@@ -260,28 +270,41 @@ TEST(Resampling, TheTransparentIndexOfALittleDepthStays) {
 }
 
 TEST(Resampling, WithoutMemoryThePixelsStay) {
-    for (const int bpp : {1, 24})
-        for (const int width : {10, 40}) {
-            CDibImage page = test::Noise(20, 10, bpp);
-            ASSERT_TRUE(page.CreateAlpha());
-            CDibImage whole = page;
-            ASSERT_EQ(ResizeTo(whole, width, width / 2), 1);
-            for (const bool onlyOne : {false, true}) {
-                const int failures = test::RunWithScarceMemory(
-                    page, onlyOne,
-                    [w = width](CDibImage& image) { return ResizeTo(image, w, w / 2); },
-                    [&](const CDibImage& image, int result, bool failed) {
-                        EXPECT_EQ(result, failed ? 0 : 1);
-                        EXPECT_EQ(image.GetWidth(), failed ? 20 : width);
-                        EXPECT_NE(image.GetAlpha(), nullptr);
-                        if (!failed)
-                            test::ExpectSamePixels(image, whole);
-                        else if (image.GetBpp() == page.GetBpp())
-                            test::ExpectSamePixels(image, page);
-                    });
-                EXPECT_GT(failures, 3);
+    struct Case {
+        const char* name;
+        int (*resize)(CDibImage& image, int width);
+    };
+    const Case cases[] = {
+        {"ResizeTo", [](CDibImage& image, int width) { return ResizeTo(image, width, width / 2); }},
+        {"ResizeTo with keepBits",
+         [](CDibImage& image, int width) {
+             return ResizeTo(image, width, width / 2, /*keepBits=*/true);
+         }},
+        {"ResizeToLinear",
+         [](CDibImage& image, int width) { return ResizeToLinear(image, width, width / 2); }},
+        {"ReduceBilevelAware",
+         [](CDibImage& image, int width) { return ReduceBilevelAware(image, width, width / 2); }},
+    };
+    for (const Case& c : cases)
+        for (const int bpp : {1, 4, 8, 24})
+            for (const int width : {10, 40}) {
+                SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(bpp) + " bits");
+                CDibImage page = test::Noise(20, 10, bpp);
+                ASSERT_TRUE(page.CreateAlpha());
+                CDibImage whole = page;
+                ASSERT_EQ(c.resize(whole, width), 1);
+                for (const bool onlyOne : {false, true}) {
+                    const int failures = test::RunWithScarceMemory(
+                        page, onlyOne, [&](CDibImage& image) { return c.resize(image, width); },
+                        [&](const CDibImage& image, int result, bool failed) {
+                            EXPECT_EQ(result, failed ? 0 : 1);
+                            EXPECT_EQ(image.GetWidth(), failed ? 20 : width);
+                            EXPECT_NE(image.GetAlpha(), nullptr);
+                            ExpectSameColors(image, failed ? page : whole);
+                        });
+                    EXPECT_GT(failures, 3);
+                }
             }
-        }
 }
 
 TEST(Resampling, PagesOfMoreThan32767PixelsAreWhole) {

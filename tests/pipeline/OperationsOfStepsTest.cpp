@@ -17,6 +17,7 @@
 #include "filters/Morphology.h"
 #include "filters/MultiScaleDetail.h"
 #include "filters/Resample.h"
+#include "filters/ScarceMemory.h"
 #include "filters/SurfaceBlur.h"
 #include "filters/UnsharpMask.h"
 #include "pipeline/RunRecord.h"
@@ -378,6 +379,49 @@ TEST(OperationsOfSteps, WorkOnWhatTheStepsBeforeThemLeft) {
     test::ExpectSamePixels(RunOn(page, AllAtOnce(100)).image, AllByHand(page, 58, 45, 58, 45));
     test::ExpectSamePixels(RunOn(page, AllAtOnce(150)).image, AllByHand(page, 87, 67, 87, 67));
     test::ExpectSamePixels(RunOn(page, AllAtOnce(50)).image, AllByHand(page, 58, 45, 29, 22));
+}
+
+TEST(OperationsOfSteps, FromWhereMemoryEndsOnEachStepPassesThePageOn) {
+    CParaBlock block;
+    for (const auto& [index, value] : {std::pair{PARA_ADJUST_MULTI_SCALE_R, 3},
+                                       {PARA_ERODE, 14},
+                                       {PARA_BLUR, 3},
+                                       {PARA_ADJUST_BLUR_RADIUS, 8},
+                                       {PARA_SURFACE_BLUR_TIMES, 1},
+                                       {PARA_RESIZE, 50},
+                                       {PARA_SHARPEN, 7},
+                                       {PARA_ADJUST_SHARPEN_PERCENT, 6},
+                                       {PARA_USM_TIMES, 1}})
+        block.SetPara(index, value);
+    const Operation operations[] = {
+        [](CDibImage& image) { MultiScaleDetail(image, 3); },
+        [](CDibImage& image) { Darken(image, 2); },
+        [](CDibImage& image) { Lighten(image, 2); },
+        [](CDibImage& image) { BlurLevel(image, 3); },
+        [](CDibImage& image) { UnsharpMask(image, 1, 0.8F, 1, 1, /*blurOnly=*/true); },
+        [](CDibImage& image) { SurfaceBlur(image, 5, 20, 1, 0); },
+        [](CDibImage& image) { ResizeTo(image, 29, 22); },
+        [](CDibImage& image) { SharpenLevel(image, 7); },
+        [](CDibImage& image) { AdjustSharpen(image, 6, 7); },
+        [](CDibImage& image) { UnsharpMask(image, 50, 1.0F, 0, 1, /*blurOnly=*/false); },
+    };
+    const CDibImage page = Page(24);
+    std::vector<CDibImage> states = {page};
+    for (const Operation& operation : operations)
+        states.push_back(Done(states.back(), operation));
+    std::size_t reached = 0;  // states come in their order as memory lasts longer
+    test::RunWithScarceMemory(
+        page, /*onlyOne=*/false,
+        [&](CDibImage& image) {
+            test::Run(block, image);
+            return 1;
+        },
+        [&](const CDibImage& image, int, bool failed) {
+            if (reached + 1 < states.size() && !AreSame(image, states[reached]))
+                ++reached;
+            test::ExpectSamePixels(image, states[reached]);
+            EXPECT_TRUE(failed || reached + 1 == states.size());
+        });
 }
 
 TEST(OperationsOfSteps, TellTheirLabelsInTheirOrder) {
