@@ -8,7 +8,7 @@ JOBS ?= $(shell nproc)
 SECONDS_EACH ?= 60
 PREFIX ?= /usr/local
 
-.PHONY: all run test asan tsan bench fuzz format lint install pictures clean setup
+.PHONY: all run test asan tsan bench fuzz format lint install pictures gallery samples-sheet clean setup
 .DEFAULT_GOAL := all
 
 setup:
@@ -66,6 +66,16 @@ install: all
 ## The README's pictures.
 pictures: all
 	@tools/make-pictures build/release
+
+## The pictures of docs/gallery.md.
+gallery: build/release/build.ninja
+	@cmake --build --preset release -j $(JOBS) --target velloran velloran-samples velloran-contact-sheet
+	@tools/make-gallery build/release
+
+## Scans, or sample pages, in black and white by each threshold, side by side in out/.
+samples-sheet: build/release/build.ninja
+	@cmake --build --preset release -j $(JOBS) --target velloran velloran-samples velloran-contact-sheet
+	@tools/make-samples-sheet build/release out/samples-sheet
 
 clean:
 	rm -rf build out
