@@ -12,20 +12,20 @@
 #include "filters/SampleCount.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BoxMean.h"
+#include "imaging/Planes.h"
 
 namespace velloran {
 namespace {
 
-/// Saturated, halves away from zero; the fraction is exact where adding 0.5 would round.
+/// Halves away from zero, saturated; the fraction is exact where adding 0.5 would round. Values are
+/// means of samples and stay near 0..255.
 VELLORAN_SIMD_CLONES
 void RoundRow(const float* values, int count, std::uint8_t* out) {
     for (int i = 0; i < count; ++i) {
-        const float value = values[i];
-        const float low = value < 0.0F ? 0.0F : value;
-        const float limited = low > 255.0F ? 255.0F : low;
-        const int whole = static_cast<int>(limited);
-        const int up = limited - static_cast<float>(whole) >= 0.5F ? 1 : 0;
-        out[i] = static_cast<std::uint8_t>(whole + up);
+        const int whole = static_cast<int>(values[i]);
+        const int nearest =
+            whole + static_cast<int>(2.0F * (values[i] - static_cast<float>(whole)));
+        out[i] = static_cast<std::uint8_t>(std::clamp(nearest, 0, 255));
     }
 }
 
@@ -64,8 +64,7 @@ const std::uint8_t* ChannelOfRow(ConstPlaneView pixels, int y, int channel, std:
     const std::uint8_t* from = pixels.Row(y).data();
     if (pixels.channels == 1)
         return from;
-    for (int x = 0; x < pixels.width; ++x)
-        line[x] = from[3 * x + channel];
+    ExtractChannelRow(from + channel, pixels.width, line);
     return line;
 }
 
@@ -102,7 +101,7 @@ struct Rows {
 /// One pass over one channel.
 struct GuidedPass {
     ConstPlaneView samples;  // rounded, what the line is applied to
-    PlaneView result;        // may be `samples`, if `values` is there
+    PlaneView result;        // one channel; may be `samples`, if `values` is there
     int channel, radius;
     float eps;
     ConstFloatView values;  // unrounded from the pass before; none in the first
@@ -126,14 +125,7 @@ void FinishRow(const GuidedPass& pass, int y, const float* slope, std::uint8_t* 
     ApplyRow(slope, ChannelOfRow(pass.samples, y, pass.channel, line), width, values);
     if (pass.nextValues.first != nullptr)
         std::copy_n(values, width, pass.nextValues.Row(y).data());
-    std::uint8_t* out = pass.result.Row(y).data();
-    if (pass.result.channels == 1) {
-        RoundRow(values, width, out);
-        return;
-    }
-    RoundRow(values, width, line);
-    for (int x = 0; x < width; ++x)
-        out[3 * x + pass.channel] = line[x];
+    RoundRow(values, width, pass.result.Row(y).data());
 }
 
 /// Means near the ends of the rows at hand are wrong where the picture goes on, and not used.
@@ -183,6 +175,16 @@ void RunPass(const GuidedPass& pass, std::vector<BandPlanes>& planes) {
         throw std::bad_alloc();
 }
 
+void StoreResults(const PlaneView* results, PlaneView pixels) {
+    if (pixels.channels == 3) {
+        MergeChannels({results[0], results[1], results[2]}, pixels);
+        return;
+    }
+#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+    for (int y = 0; y < pixels.height; ++y)
+        std::copy_n(results[0].Row(y).data(), pixels.width, pixels.Row(y).data());
+}
+
 }  // namespace
 
 void BlurGuided(CDibImage& image, int radius, int threshold, int times) {
@@ -191,10 +193,12 @@ void BlurGuided(CDibImage& image, int radius, int threshold, int times) {
     const auto eps =
         static_cast<float>(static_cast<double>(static_cast<float>(threshold * threshold)) * 0.7);
     // The image changes when all is done: the means may run out of memory.
-    const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(width) * pixels.channels;
-    const PixelBuffer memory =
-        MakePixelBuffer(static_cast<std::size_t>(stride) * static_cast<std::size_t>(height));
-    const PlaneView result{memory.get(), width, height, pixels.channels, stride};
+    const std::size_t area = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    const PixelBuffer memory = MakePixelBuffer(area * static_cast<std::size_t>(pixels.channels));
+    PlaneView results[3];
+    for (int channel = 0; channel < pixels.channels; ++channel)
+        results[channel] = {memory.get() + area * static_cast<std::size_t>(channel), width, height,
+                            1, width};
     std::vector<BandPlanes> planes;
     for (int thread = 0; thread < MaxThreads(); ++thread)
         planes.emplace_back(width, std::min(height, kBandRows + 4 * radius));
@@ -206,13 +210,12 @@ void BlurGuided(CDibImage& image, int radius, int threshold, int times) {
         for (int pass = 0; pass < times; ++pass) {
             const FloatView before = carried[pass % 2].View(),
                             behind = carried[1 - pass % 2].View();
+            const PlaneView result = results[channel];
             RunPass({pass == 0 ? pixels : result, result, channel, radius, eps,
                      pass == 0 ? FloatView{} : before, pass == times - 1 ? FloatView{} : behind},
                     planes);
         }
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
-    for (int y = 0; y < height; ++y)
-        std::copy_n(result.Row(y).data(), stride, pixels.Row(y).data());
+    StoreResults(results, pixels);
 }
 
 }  // namespace velloran

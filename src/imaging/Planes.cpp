@@ -1,45 +1,73 @@
 #include "imaging/Planes.h"
 
+#include <cstddef>
+
+#include "core/SimdTarget.h"
 #include "core/Threads.h"
 
 namespace velloran {
+namespace {
 
-void ExtractChannel(ConstPlaneView pixels, int channel, PlaneView plane) {
-#pragma omp parallel for schedule( \
-    static) if (IsWorthThreads(std::int64_t{plane.width} * plane.height))
-    for (int y = 0; y < plane.height; ++y) {
-        const std::uint8_t* from = pixels.Row(y).data() + channel;
-        std::uint8_t* out = plane.Row(y).data();
-        for (int x = 0; x < plane.width; ++x)
-            out[x] = from[3 * x];
+VELLORAN_SIMD_CLONES
+void MergeRow(const std::uint8_t* blue, const std::uint8_t* green, const std::uint8_t* red,
+              int count, std::uint8_t* out) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        out[3 * x] = blue[x];
+        out[3 * x + 1] = green[x];
+        out[3 * x + 2] = red[x];
     }
 }
 
+VELLORAN_SIMD_CLONES
+void WeightedRow(const std::uint8_t* pixel, int count, GrayWeights weights, std::uint8_t* out) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        const float level = weights.blue * static_cast<float>(pixel[3 * x]) +
+                            weights.green * static_cast<float>(pixel[3 * x + 1]) +
+                            weights.red * static_cast<float>(pixel[3 * x + 2]) + 0.5F;
+        const float limited = level < 0.0F ? 0.0F : (level > 255.0F ? 255.0F : level);
+        out[x] = static_cast<std::uint8_t>(static_cast<int>(limited));
+    }
+}
+
+bool IsWorth(ConstPlaneView plane) {
+    return IsWorthThreads(std::int64_t{plane.width} * plane.height);
+}
+
+}  // namespace
+
+VELLORAN_SIMD_CLONES
+void ExtractChannelRow(const std::uint8_t* pixels, int count, std::uint8_t* out) {
+    for (std::ptrdiff_t x = 0; x < count; ++x)
+        out[x] = pixels[3 * x];
+}
+
+void ExtractChannel(ConstPlaneView pixels, int channel, PlaneView plane) {
+#pragma omp parallel for schedule(static) if (IsWorth(plane))
+    for (int y = 0; y < plane.height; ++y)
+        ExtractChannelRow(pixels.Row(y).data() + channel, plane.width, plane.Row(y).data());
+}
+
 void InsertChannel(ConstPlaneView plane, int channel, PlaneView pixels) {
-#pragma omp parallel for schedule( \
-    static) if (IsWorthThreads(std::int64_t{plane.width} * plane.height))
+#pragma omp parallel for schedule(static) if (IsWorth(plane))
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* from = plane.Row(y).data();
         std::uint8_t* out = pixels.Row(y).data() + channel;
-        for (int x = 0; x < plane.width; ++x)
+        for (std::ptrdiff_t x = 0; x < plane.width; ++x)
             out[3 * x] = from[x];
     }
 }
 
+void MergeChannels(const std::array<ConstPlaneView, 3>& planes, PlaneView pixels) {
+#pragma omp parallel for schedule(static) if (IsWorth(planes[0]))
+    for (int y = 0; y < pixels.height; ++y)
+        MergeRow(planes[0].Row(y).data(), planes[1].Row(y).data(), planes[2].Row(y).data(),
+                 pixels.width, pixels.Row(y).data());
+}
+
 void WeightedGray(ConstPlaneView pixels, GrayWeights weights, PlaneView gray) {
-#pragma omp parallel for schedule( \
-    static) if (IsWorthThreads(std::int64_t{gray.width} * gray.height))
-    for (int y = 0; y < gray.height; ++y) {
-        const std::uint8_t* pixel = pixels.Row(y).data();
-        std::uint8_t* out = gray.Row(y).data();
-        for (int x = 0; x < gray.width; ++x, pixel += 3) {
-            const float level = weights.blue * static_cast<float>(pixel[0]) +
-                                weights.green * static_cast<float>(pixel[1]) +
-                                weights.red * static_cast<float>(pixel[2]) + 0.5F;
-            const float limited = level < 0.0F ? 0.0F : (level > 255.0F ? 255.0F : level);
-            out[x] = static_cast<std::uint8_t>(static_cast<int>(limited));
-        }
-    }
+#pragma omp parallel for schedule(static) if (IsWorth(gray))
+    for (int y = 0; y < gray.height; ++y)
+        WeightedRow(pixels.Row(y).data(), gray.width, weights, gray.Row(y).data());
 }
 
 }  // namespace velloran

@@ -61,26 +61,28 @@ struct TextCounts {
     Histogram background{}, result{};
 };
 
+/// How often each level of the background meets each sample.
+using PaperCounts = std::array<std::array<std::uint32_t, 256>, 256>;
+
 /// What the stretch to the paper would give; the plane itself is left as it is.
 TextCounts CountStretched(PaperBackground& background, const PaperTable& table,
                           ConstPlaneView plane) {
-    std::vector<TextCounts> perThread(static_cast<std::size_t>(MaxThreads()));
+    std::vector<PaperCounts> perThread(static_cast<std::size_t>(MaxThreads()));
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y) {
-        TextCounts& counts = perThread[static_cast<std::size_t>(ThreadNumber())];
+        PaperCounts& counts = perThread[static_cast<std::size_t>(ThreadNumber())];
         const std::uint8_t* paper = background.Row(y);
         const std::uint8_t* sample = plane.Row(y).data();
-        for (int x = 0; x < plane.width; ++x) {
-            ++counts.background[paper[x]];
-            ++counts.result[table[paper[x]][sample[x]]];
-        }
+        for (int x = 0; x < plane.width; ++x)
+            ++counts[paper[x]][sample[x]];
     }
     TextCounts total;
-    for (const TextCounts& counts : perThread)
-        for (std::size_t level = 0; level < 256; ++level) {
-            total.background[level] += counts.background[level];
-            total.result[level] += counts.result[level];
-        }
+    for (const PaperCounts& counts : perThread)
+        for (std::size_t level = 0; level < 256; ++level)
+            for (std::size_t sample = 0; sample < 256; ++sample) {
+                total.background[level] += counts[level][sample];
+                total.result[table[level][sample]] += counts[level][sample];
+            }
     return total;
 }
 

@@ -42,8 +42,7 @@ int WorkOnPagePlanes(CDibImage& image, const std::function<int(PlaneView)>& work
             if (work(planes[c]) == 0)
                 return 0;
         }
-        for (std::size_t c = 0; c < planes.size(); ++c)
-            InsertChannel(planes[c], static_cast<int>(c), pixels);
+        MergeChannels({planes[0], planes[1], planes[2]}, pixels);
         return 1;
     });
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -36,6 +37,21 @@ TEST(Planes, AChannelComesOutAndGoesBackAlone) {
             InsertChannel(plane.View(), channel, target.View());
             ExpectSameSamples(target, expected);
         }
+}
+
+TEST(Planes, ThreeChannelsGoBackTogether) {
+    for (const int width : {1, 2, 17, 301}) {
+        const SamplePlane source = MakeSamples(width, 5, 3, Content::kNoise);
+        std::array<SamplePlane, 3> planes{SamplePlane(width, 5), SamplePlane(width, 5),
+                                          SamplePlane(width, 5)};
+        for (int channel = 0; channel < 3; ++channel)
+            ExtractChannel(source.View(), channel,
+                           planes[static_cast<std::size_t>(channel)].View());
+        SamplePlane target(width, 5, 3);
+        MergeChannels({planes[0].View(), planes[1].View(), planes[2].View()}, target.View());
+        ExpectSameSamples(target, source);
+        EXPECT_TRUE(target.PaddingIsUntouched());
+    }
 }
 
 TEST(Planes, GrayIsTheWeightedSumRoundedAndLimited) {
