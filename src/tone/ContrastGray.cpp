@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 #include <utility>
@@ -9,7 +10,7 @@
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
-#include "core/Rounding.h"
+#include "core/SimdTarget.h"
 #include "filters/Resample.h"
 #include "tone/Channels.h"
 #include "tone/PixelMapRows.h"
@@ -127,16 +128,16 @@ Weights WeightsFor(const CDibImage& image) {
     return BestWeights(differences);
 }
 
-struct WeightTables {
-    std::array<double, 256> red, green, blue;
-    explicit WeightTables(const Weights& weights) {
-        for (std::size_t v = 0; v < 256; ++v) {
-            red[v] = weights.red * static_cast<double>(v);
-            green[v] = weights.green * static_cast<double>(v);
-            blue[v] = weights.blue * static_cast<double>(v);
-        }
+/// Halves upwards; the weights add up to 1.
+VELLORAN_SIMD_CLONES
+void WeighRow(const Weights& weights, const std::uint8_t* pixel, int width, std::uint8_t* out) {
+    for (std::ptrdiff_t x = 0; x < width; ++x) {
+        const double sum = weights.red * pixel[3 * x + 2] + weights.green * pixel[3 * x + 1] +
+                           weights.blue * pixel[3 * x];
+        const int level = static_cast<int>(sum + 0.5);
+        out[x] = static_cast<std::uint8_t>(level > 255 ? 255 : level);
     }
-};
+}
 
 }  // namespace
 
@@ -144,7 +145,7 @@ int ContrastGray(CDibImage& image) {
     if (!image.IsValid() || ConvertToRgb(image) == 0)
         return 0;
     return RefuseWhenOutOfMemory([&] {
-        const WeightTables tables(WeightsFor(image));
+        const Weights weights = WeightsFor(image);
         CDibImage gray;
         if (gray.Create(image.GetWidth(), image.GetHeight(), 8) == nullptr)
             return 0;
@@ -152,13 +153,8 @@ int ContrastGray(CDibImage& image) {
         const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
         const PlaneView target = ViewOf(gray);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
-        for (int y = 0; y < target.height; ++y) {
-            const std::uint8_t* pixel = source.Row(y).data();
-            std::uint8_t* out = target.Row(y).data();
-            for (int x = 0; x < target.width; ++x, pixel += 3)
-                out[x] = ClampToByte(RoundHalf(tables.red[pixel[2]] + tables.green[pixel[1]] +
-                                               tables.blue[pixel[0]]));
-        }
+        for (int y = 0; y < target.height; ++y)
+            WeighRow(weights, source.Row(y).data(), target.width, target.Row(y).data());
         return image.TakePixels(gray) ? 1 : 0;
     });
 }
