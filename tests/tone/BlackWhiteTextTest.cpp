@@ -147,6 +147,23 @@ TEST(BlackWhiteText, APageWithoutDarkPaperKeepsTheFirstInkLevel) {
     EXPECT_EQ(test::IndexAt(page, 10, 10), 255);
 }
 
+TEST(BlackWhiteText, ABackgroundIsDarkUpTo126) {
+    // One block of 7 by 7, and its mean is all the background there is.
+    const auto after = [](int dot, int paper) {
+        CDibImage page = test::Filled(8, 8, 8, static_cast<std::uint8_t>(paper));
+        test::SetIndex(page, 3, 3, dot);
+        EXPECT_NE(BlackWhiteText(page, false), 0);
+        EXPECT_EQ(test::IndexAt(page, 0, 0), 255);
+        EXPECT_EQ(test::IndexAt(page, 7, 7), 255);
+        return test::IndexAt(page, 3, 3);
+    };
+    // Mean (48 * 129 + 31) / 49 = 127, ink 10: 31 is stretched to 24 * 256 / 120 = 51, and that to
+    // 41 * 256 / 117.
+    EXPECT_EQ(after(31, 129), 89);
+    // Mean (48 * 128 + 30) / 49 = 126 and all of it dark: the ink lies at the end, above the dot.
+    EXPECT_EQ(after(30, 128), 0);
+}
+
 TEST(BlackWhiteText, FewDarkBackgroundsThatDoNotReachTheLimitPushInkToTheEnd) {
     // Two columns of blocks and one row: the sample of the first is 120, and less than five pixels
     // of the background lie at 10 to 126 only where the plane is as small as this.

@@ -116,6 +116,23 @@ TEST(IlluminationFit, ColorPagesKeepTheirColorAndAllChannelsShareTheSurface) {
     EXPECT_GT(compared, 50);
 }
 
+TEST(IlluminationFit, ASampleIsDividedByThePaperAround) {
+    // Paper of 200: c becomes (c * 255 + 100) / 200.
+    for (const auto& [ink, expected] : {std::pair{0, 0}, {20, 26}, {60, 77}, {100, 128}}) {
+        CDibImage gray = test::Filled(60, 50, 8, 200), color = test::Filled(60, 50, 24, 200);
+        for (int x = 20; x < 40; ++x)
+            for (int y = 20; y < 23; ++y) {
+                test::SetIndex(gray, x, y, ink);
+                test::SetPixel(color, x, y, {ink, ink, 220});  // lighter than the paper in blue
+            }
+        ASSERT_NE(IlluminationFit(gray), 0);
+        ASSERT_NE(IlluminationFit(color), 0);
+        EXPECT_EQ(test::IndexAt(gray, 30, 21), expected);
+        EXPECT_EQ(test::IndexAt(gray, 3, 3), 255);
+        EXPECT_EQ(test::PixelAt(color, 30, 21), (test::Rgb{expected, expected, 255}));
+    }
+}
+
 TEST(IlluminationFit, AFlatPageBecomesWhiteWhateverItsTone) {
     for (const int bpp : {8, 24})
         for (const int level : {1, 60, 200, 255}) {

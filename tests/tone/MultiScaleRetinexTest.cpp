@@ -163,28 +163,51 @@ TEST(MultiScaleRetinex, AFlatPictureComesOutSaturated) {
     test::ExpectSamePixels(color, test::Filled(20, 20, 24, 255));
 }
 
+/// The level of the n-th lightest sample, n three thousandths of all and at least 1.
+int BrightLevel(const CDibImage& image) {
+    const int channels = image.GetBpp() / 8;
+    std::vector<int> samples;
+    for (int y = 0; y < image.GetHeight(); ++y)
+        for (int x = 0; x < image.GetWidth(); ++x)
+            for (int c = 0; c < channels; ++c)
+                samples.push_back(Sample(image, c, x, y));
+    std::ranges::sort(samples, std::greater<>());
+    const auto count = static_cast<std::size_t>(0.003 * static_cast<double>(samples.size()));
+    return samples[std::max<std::size_t>(count, 1) - 1];
+}
+
+/// Returns the level that decides.
+int ExpectBrightened(const CDibImage& before, float range = 4.0F) {
+    CDibImage plain = before, bright = before;
+    EXPECT_EQ(MultiScaleRetinex(plain, false, 210, 3, range), 1);
+    EXPECT_EQ(MultiScaleRetinex(bright, true, 210, 3, range), 1);
+    const int level = BrightLevel(plain), raise = level < 250 ? 255 - level : 0;
+    for (int y = 0; y < before.GetHeight(); ++y)
+        for (std::size_t x = 0;
+             x < static_cast<std::size_t>(before.GetWidth() * before.GetBpp() / 8); ++x) {
+            const int from = plain.GetBits(y)[x];
+            EXPECT_EQ(bright.GetBits(y)[x], std::min(from + raise, 255)) << x << ", " << y;
+        }
+    return level;
+}
+
 TEST(MultiScaleRetinex, BrighteningRaisesAllUntilTheLightestShareIsWhite) {
-    for (const int bpp : {8, 24}) {
-        const CDibImage before = test::Noise(50, 40, bpp, 5);
-        CDibImage plain = before, bright = before;
-        ASSERT_EQ(MultiScaleRetinex(plain, false), 1);
-        ASSERT_EQ(MultiScaleRetinex(bright, true), 1);
-        const int channels = bpp / 8;
-        std::vector<int> samples;
-        for (int y = 0; y < 40; ++y)
-            for (int x = 0; x < 50; ++x)
-                for (int c = 0; c < channels; ++c)
-                    samples.push_back(Sample(plain, c, x, y));
-        std::ranges::sort(samples, std::greater<>());
-        // The level of the n-th lightest sample, n three thousandths of all.
-        const int level = samples[static_cast<std::size_t>(0.003 * 50 * 40 * channels) - 1];
-        ASSERT_LT(level, 250);
-        for (int y = 0; y < 40; ++y)
-            for (int x = 0; x < 50; ++x)
-                for (int c = 0; c < channels; ++c)
-                    ASSERT_EQ(Sample(bright, c, x, y),
-                              std::min(Sample(plain, c, x, y) + 255 - level, 255));
-    }
+    for (const int bpp : {8, 24})
+        for (const auto& [width, height] : {std::pair{3, 2}, {50, 40}, {130, 90}}) {
+            EXPECT_LT(ExpectBrightened(test::Noise(width, height, bpp, 5)), 250);
+            ExpectBrightened(test::SmoothPicture(width, height, bpp));
+        }
+}
+
+TEST(MultiScaleRetinex, APictureIsBrightEnoughFrom250On) {
+    // The fewer deviations are shown, the lighter is the lightest; on the way it is just this
+    // level.
+    const CDibImage image = test::Noise(20, 20, 8, 5);
+    std::vector<int> levels;
+    for (int hundredths = 100; hundredths < 400; ++hundredths)
+        levels.push_back(ExpectBrightened(image, static_cast<float>(hundredths) / 100));
+    EXPECT_NE(std::ranges::find(levels, 249), levels.end());
+    EXPECT_NE(std::ranges::find(levels, 250), levels.end());
 }
 
 TEST(MultiScaleRetinex, APictureThatIsBrightEnoughIsNotBrightened) {

@@ -217,6 +217,15 @@ TEST(WhiteBalance, OneColorWithARedDifferenceIsNoCandidateAndGetsAutomaticLevels
         }
 }
 
+TEST(WhiteBalance, AWhiteIsNoDarkerThanTen) {
+    CDibImage ten = test::Filled(20, 10, 24, 10), nine = test::Filled(20, 10, 24, 9);
+    CDibImage levels = nine;
+    ASSERT_EQ(WhiteBalance(ten, 1), 1);
+    test::ExpectSamePixels(ten, test::Filled(20, 10, 24, 255));
+    EXPECT_EQ(WhiteBalance(nine, 1), AutoLevels(levels, 1));
+    test::ExpectSamePixels(nine, levels);
+}
+
 TEST(WhiteBalance, AChannelThatIsNowhereInTheWhiteStaysBlackWithoutADivisionByZero) {
     // Dark reds and greens of no blue at all; the yellowish ones are the candidates.
     CDibImage image = test::Filled(40, 40, 24, 0);
