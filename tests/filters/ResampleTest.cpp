@@ -262,6 +262,30 @@ TEST(Resampling, AlphaIsScaledAndResolutionStays) {
         }
 }
 
+TEST(Resampling, AlphaIsResizedTheSameWayAsThePixels) {
+    const CDibImage alpha = test::Noise(20, 10, 8, 3);  // rows as they are stored
+    for (const int bpp : {1, 4, 8, 24}) {
+        CDibImage page = test::Noise(20, 10, bpp);
+        ASSERT_TRUE(page.CreateAlpha());
+        for (int y = 0; y < 10; ++y)
+            std::copy_n(alpha.GetBits(y), 20, page.GetAlpha() + 20 * y);
+        struct Case {
+            int width, height;
+            PlaneResizer resize;
+        };
+        for (const Case& c : {Case{7, 6, ResizeArea}, Case{31, 17, ResizeLanczos},
+                              Case{31, 6, ResizeLanczos}, Case{10, 5, ResizeArea}}) {
+            CDibImage image = page;
+            EXPECT_EQ(ResizeTo(image, c.width, c.height), 1);
+            const CDibImage expected = Resized(alpha, c.width, c.height, c.resize);
+            ASSERT_NE(image.GetAlpha(), nullptr);
+            for (int y = 0; y < c.height; ++y)
+                for (int x = 0; x < c.width; ++x)
+                    ASSERT_EQ(image.GetAlpha()[y * c.width + x], expected.GetBits(y)[x]);
+        }
+    }
+}
+
 TEST(Resampling, TheTransparentIndexOfALittleDepthStays) {
     CDibImage image = test::Noise(20, 10, 4);
     image.Fields().backgroundIndex = 3;

@@ -244,6 +244,32 @@ TEST_P(OperationOfStep, IsCalledWithTheValuesOfTheBlock) {
     }
 }
 
+/// Pages of few colours: grey ones and coloured ones.
+std::vector<CDibImage> PagesWithPalettes() {
+    std::vector<CDibImage> pages;
+    for (const int bpp : {1, 4, 8})
+        for (const bool isColored : {false, true}) {
+            CDibImage page = test::Noise(58, 45, bpp);
+            for (int i = 0; i < page.GetPaletteCount(); ++i) {
+                PaletteEntry& entry = page.GetPalette()[i];
+                entry.red = static_cast<std::uint8_t>(255 - entry.red);
+                if (!isColored)
+                    entry.blue = entry.green = entry.red;
+            }
+            pages.push_back(page);
+        }
+    return pages;
+}
+
+TEST_P(OperationOfStep, MeetsPalettesAsTheyWereLoaded) {
+    for (const CDibImage& page : PagesWithPalettes()) {
+        SCOPED_TRACE(page.GetBpp());
+        // The steps that always run are the same in both.
+        test::ExpectSamePixels(RunOn(page, GetParam().values).image,
+                               RunOn(Done(page, GetParam().operation), {}).image);
+    }
+}
+
 bool AreSame(const CDibImage& a, const CDibImage& b) {
     if (a.GetBpp() != b.GetBpp() || a.GetWidth() != b.GetWidth() || a.GetHeight() != b.GetHeight())
         return false;
