@@ -1,11 +1,13 @@
 #include "filters/Resample.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
+#include "core/Threads.h"
 #include "imaging/Resize.h"
 
 namespace velloran {
@@ -76,7 +78,9 @@ int NearestEntry(const PaletteEntry* palette, int count, const std::uint8_t* pix
 void PackNearest(const CDibImage& color, CDibImage& target) {
     const int bpp = target.GetBpp(), perByte = 8 / bpp;
     target.Clear(0);
-#pragma omp parallel for schedule(static)
+    [[maybe_unused]] const std::int64_t comparisons =
+        std::int64_t{target.GetWidth()} * target.GetHeight() * target.GetPaletteCount();
+#pragma omp parallel for schedule(static) if (IsWorthThreads(comparisons))
     for (int y = 0; y < target.GetHeight(); ++y) {
         const std::uint8_t* pixel = color.GetBits(y);
         std::uint8_t* out = target.GetBits(y);

@@ -6,7 +6,9 @@
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
+#include "core/Threads.h"
 #include "filters/GaussianBlur.h"
+#include "filters/SampleCount.h"
 #include "filters/UsmMixer.h"
 #include "imaging/Resize.h"
 
@@ -57,7 +59,7 @@ int BlurOrSharpen(CDibImage& image, float radius, const UsmMixer* mixer) {
     if (mixer == nullptr)
         return image.TakePixels(blurred) ? 1 : 0;
     const PlaneView pixels = ViewOf(image), from = ViewOf(blurred);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
     for (int y = 0; y < pixels.height; ++y)
         mixer->Mix(from.Row(y).data(), pixels.width * pixels.channels, pixels.Row(y).data());
     return 1;
