@@ -8,7 +8,7 @@ JOBS ?= $(shell nproc)
 SECONDS_EACH ?= 60
 PREFIX ?= /usr/local
 
-.PHONY: all run test asan tsan bench fuzz format lint install pictures gallery samples-sheet clean setup
+.PHONY: all run test asan tsan bench fuzz format lint install pictures gallery samples-sheet sizes clean setup
 .DEFAULT_GOAL := all
 
 setup:
@@ -76,6 +76,11 @@ gallery: build/release/build.ninja
 samples-sheet: build/release/build.ninja
 	@cmake --build --preset release -j $(JOBS) --target velloran velloran-samples velloran-contact-sheet
 	@tools/make-samples-sheet build/release out/samples-sheet
+
+## How large pages of text become in black and white; fails above 60 KB a page.
+sizes: build/release/build.ninja
+	@cmake --build --preset release -j $(JOBS) --target velloran velloran-samples
+	@tools/measure-sizes build/release
 
 clean:
 	rm -rf build out
