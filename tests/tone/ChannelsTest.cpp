@@ -307,6 +307,7 @@ TEST(ContrastGray, TakesTheMixThatKeepsTheDistanceOfTwoColors) {
     const std::pair<Rgb, Rgb> kPairs[] = {{{200, 40, 40}, {30, 150, 90}},
                                           {{250, 230, 20}, {40, 60, 200}},
                                           {{90, 10, 130}, {20, 120, 30}},
+                                          {{120, 100, 100}, {100, 130, 110}},  // a small distance
                                           {{255, 255, 255}, {230, 0, 0}}};
     for (const auto& [a, b] : kPairs) {
         CDibImage image = test::Filled(64, 64, 24, 0);
@@ -321,6 +322,15 @@ TEST(ContrastGray, TakesTheMixThatKeepsTheDistanceOfTwoColors) {
         EXPECT_NEAR(test::IndexAt(image, 3, 9), mixed(a), 0.501);
         EXPECT_NEAR(test::IndexAt(image, 60, 9), mixed(b), 0.501);
     }
+}
+
+TEST(ContrastGray, DistancesBelowATwentiethDoNotCount) {
+    CDibImage image = test::Filled(64, 64, 24, 100);
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 32; ++x)
+            test::SetPixel(image, x, y, {116, 100, 100});  // 16 / 255 / 1.41 is 0.0445
+    ASSERT_EQ(ContrastGray(image), 1);
+    EXPECT_EQ(test::IndexAt(image, 3, 9), 100);  // no mix is better than the first, all blue
 }
 
 TEST(ContrastGray, APictureWithoutDifferencesTakesTheFirstMix) {

@@ -218,6 +218,10 @@ TEST(ReplaceColor, AThresholdOfZeroDoesNothingForDifferencesAndShares) {
     CDibImage image = OnePixel(kSample);
     ASSERT_EQ(ReplaceColor(1, image, kFrom, kTo, 0), 1);
     EXPECT_NEAR(test::PixelAt(image, 0, 0).green, kTarget.green, 1);
+    // Black has no rounding in its distance: the whole share is limited to 0.999999 of the target.
+    CDibImage black = OnePixel({0, 0, 0});
+    ASSERT_EQ(ReplaceColor(1, black, 0, kTo, 0), 1);
+    EXPECT_EQ(test::PixelAt(black, 0, 0), (Rgb{9, 249, 239}));
 }
 
 TEST(ReplaceColor, OtherTypesAndEmptyImagesAreRefusedAndAnyNumberIsTaken) {
