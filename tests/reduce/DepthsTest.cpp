@@ -3,6 +3,7 @@
 #include <set>
 
 #include "core/PixelMemory.h"
+#include "reduce/CountColors.h"
 #include "reduce/DecreaseBpp.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"
@@ -46,37 +47,47 @@ void ExpectDepth(const CDibImage& image, int color, int bpp) {
         }
 }
 
-TEST(Depths, EveryKindWithEveryMakerEndsAtItsDepthAndTwiceTheSame) {
+template <typename Trial>
+void ForEachRequest(Trial trial) {
+    for (int color = 0; color < 20; ++color)
+        for (int maker = 0; maker < 5; ++maker)
+            for (const int dither : {0, 1}) {
+                SCOPED_TRACE(testing::Message()
+                             << "color " << color << " maker " << maker << " dither " << dither);
+                DecreaseBppRequest request;
+                request.color = color;
+                request.sourceBpp = 24;
+                request.quantize = maker;
+                request.dither = dither;
+                trial(request);
+            }
+}
+
+CDibImage Reduced(const CDibImage& page, const DecreaseBppRequest& request, int threads) {
+    const test::Threads limit(threads);
+    CDibImage image(page);
+    EXPECT_TRUE(DecreaseBpp(image, false, request));
+    return image;
+}
+
+TEST(Depths, EveryKindWithEveryMakerEndsAtItsDepthTwiceAndWithFourThreadsTheSame) {
     for (const int bpp : {8, 24}) {
+        SCOPED_TRACE(bpp);
         const CDibImage page = test::Noise(31, 23, bpp);
-        for (int color = 0; color < 20; ++color)
-            for (int maker = 0; maker < 5; ++maker)
-                for (const int dither : {0, 1}) {
-                    SCOPED_TRACE(testing::Message() << "bpp " << bpp << " color " << color
-                                                    << " maker " << maker << " dither " << dither);
-                    DecreaseBppRequest request;
-                    request.color = color;
-                    request.sourceBpp = 24;
-                    request.quantize = maker;
-                    request.dither = dither;
-                    CDibImage one(page), four(page);
-                    {
-                        const test::Threads threads(1);
-                        EXPECT_TRUE(DecreaseBpp(one, false, request));
-                    }
-                    {
-                        // The makers run on one thread; once is enough for what follows them.
-                        const test::Threads threads(maker == 2 ? 4 : 1);
-                        EXPECT_TRUE(DecreaseBpp(four, false, request));
-                    }
-                    test::ExpectSamePixels(one, four);
-                    ExpectDepth(one, color, bpp);
-                    CDibImage preview(page);
-                    EXPECT_TRUE(DecreaseBpp(preview, true, request));
-                    EXPECT_EQ(
-                        preview.GetBpp(),
-                        bpp == 8 || kDepths[color].gray || (color == 14 && maker == 3) ? 8 : 24);
-                }
+        ForEachRequest([&](const DecreaseBppRequest& request) {
+            const CDibImage one = Reduced(page, request, 1);
+            ExpectDepth(one, request.color, bpp);
+            test::ExpectSamePixels(Reduced(page, request, 1), one);
+            test::ExpectSamePixels(Reduced(page, request, 4), one);
+            CDibImage preview(page);
+            EXPECT_TRUE(DecreaseBpp(preview, true, request));
+            const bool gray = bpp == 8 || kDepths[request.color].gray ||
+                              (request.color == 14 && request.quantize == 3);
+            EXPECT_EQ(preview.GetBpp(), gray ? 8 : 24);
+            if (kDepths[request.color].colors > 0) {
+                EXPECT_LE(CountColors(preview), kDepths[request.color].colors);
+            }
+        });
     }
 }
 
@@ -101,8 +112,8 @@ TEST(Depths, PagesOfOnePixelAndOfOneColorReachTheirDepth) {
                     }
 }
 
-/// Fails the n-th allocation of a reduction, for every n.
-void SweepReduction(const CDibImage& page, const DecreaseBppRequest& request) {
+/// Fails the n-th allocation of a reduction, alone or with all later ones, for every n.
+void SweepReduction(const CDibImage& page, const DecreaseBppRequest& request, bool onlyOne) {
     CDibImage gray(page), reduced(page);
     DecreaseBppRequest grayRequest;
     grayRequest.color = 1;
@@ -114,7 +125,7 @@ void SweepReduction(const CDibImage& page, const DecreaseBppRequest& request) {
         CDibImage image(page);
         ReleaseKeptPixels();
         {
-            const test::FailAllocation fail(n);
+            const test::FailAllocation fail(n, onlyOne);
             DecreaseBpp(image, false, request);
             failed = fail.Happened();
         }
@@ -152,7 +163,8 @@ TEST(Depths, WithoutMemoryThePageStaysAPicture) {
                 request.windowSize = 10;
                 request.despeckleSize = 1;
                 request.deSmooth = 1;
-                SweepReduction(test::Noise(12, 11, bpp), request);
+                for (const bool onlyOne : {false, true})
+                    SweepReduction(test::Noise(12, 11, bpp), request, onlyOne);
             }
 }
 
