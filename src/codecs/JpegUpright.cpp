@@ -4,6 +4,7 @@
 
 #include "codecs/JpegExif.h"
 #include "core/DibImage.h"
+#include "core/Threads.h"
 #include "core/TransposePixels.h"
 
 namespace velloran {
@@ -17,7 +18,7 @@ void SwapPixels(std::uint8_t* a, std::uint8_t* b) {
 
 template <int kChannels>
 void MirrorRows(PlaneView pixels) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         std::uint8_t* left = pixels.Row(y).data();
         std::uint8_t* right = left + static_cast<std::ptrdiff_t>(pixels.width - 1) * kChannels;
@@ -27,7 +28,7 @@ void MirrorRows(PlaneView pixels) {
 }
 
 void ExchangeRows(PlaneView pixels) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height / 2; ++y) {
         const std::span<std::uint8_t> upper = pixels.Row(y);
         std::swap_ranges(upper.begin(), upper.end(), pixels.Row(pixels.height - 1 - y).begin());

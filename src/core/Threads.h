@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "core/PlaneView.h"
+
 #ifdef _OPENMP
 #include <omp.h>
 #endif
@@ -32,6 +34,11 @@ inline int ThreadNumber() {
 /// Below so many samples, waking a thread costs more than the work.
 constexpr bool IsWorthThreads(std::int64_t samples) {
     return samples >= 1 << 16;
+}
+
+/// The same of all samples of a view.
+constexpr bool IsWorthThreads(ConstPlaneView view) {
+    return IsWorthThreads(std::int64_t{view.width} * view.height * view.channels);
 }
 
 }  // namespace velloran

@@ -12,7 +12,6 @@
 #include "core/Refusal.h"
 #include "core/SimdTarget.h"
 #include "core/Threads.h"
-#include "filters/SampleCount.h"
 #include "imaging/BorderedCopy.h"
 
 namespace velloran {
@@ -115,7 +114,7 @@ void SharpenWhole(PlaneView pixels, const HighPass& filter) {
     const BorderedCopy copy(pixels, filter.reach);
     const ConstPlaneView source = copy.View();
     Lines<float> sums = MakeLines<float>(source.width * source.channels);
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y)
         SharpenRow(source, y, filter, sums[static_cast<std::size_t>(ThreadNumber())].data(),
                    pixels.Row(y));
@@ -123,7 +122,7 @@ void SharpenWhole(PlaneView pixels, const HighPass& filter) {
 
 /// A channel with its border, laid out in `plane`.
 void LayOutChannel(ConstPlaneView pixels, int channel, int border, PlaneView plane) {
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* from =
             pixels.Row(std::clamp(y - border, 0, pixels.height - 1)).data() + channel;
@@ -143,7 +142,7 @@ void SharpenByChannel(PlaneView pixels, const HighPass& filter) {
     Lines<std::uint8_t> lines = MakeLines<std::uint8_t>(pixels.width);
     for (int channel = 0; channel < 3; ++channel) {
         LayOutChannel(pixels, channel, filter.reach, plane);
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y) {
             const auto thread = static_cast<std::size_t>(ThreadNumber());
             SharpenRow(plane, y, filter, sums[thread].data(), lines[thread]);

@@ -9,7 +9,6 @@
 #include "core/Refusal.h"
 #include "core/SimdTarget.h"
 #include "core/Threads.h"
-#include "filters/SampleCount.h"
 #include "filters/SmoothPlane.h"
 
 namespace velloran {
@@ -23,7 +22,7 @@ class SmoothedCopy {
         memory_ = MakePixelBuffer(static_cast<std::size_t>(stride) *
                                   static_cast<std::size_t>(topDown.height));
         view_ = {memory_.get(), topDown.width, topDown.height, topDown.channels, stride};
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(topDown)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(topDown))
         for (int y = 0; y < topDown.height; ++y)
             std::copy_n(topDown.Row(y).data(), topDown.Row(y).size(), view_.Row(y).data());
         SmoothRowsAndColumns(view_, radius);
@@ -61,7 +60,7 @@ int MultiScaleDetail(CDibImage& image, int radius) {
         const SmoothedCopy fine(pixels, radius), middle(pixels, 2.0 * radius),
             coarse(pixels, 4.0 * radius);
         // Row padding would come out as it is: its smoothings equal it.
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y)
             EnhanceRow(fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
                        pixels.Row(y).data());

@@ -7,7 +7,6 @@
 #include "core/DibImage.h"
 #include "core/SimdTarget.h"
 #include "core/Threads.h"
-#include "filters/SampleCount.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BorderedCopy.h"
 
@@ -156,7 +155,7 @@ void BlurDirect(CDibImage& image, int radius, int threshold, int times) {
     const PlaneView pixels = ViewOf(image);
     // The last block of a row may reach past the row.
     const BorderWidths border{radius, radius, radius + kBlock, radius};
-    [[maybe_unused]] const bool isWorthThreads = IsWorthThreads(SampleCount(pixels));
+    [[maybe_unused]] const bool isWorthThreads = IsWorthThreads(pixels);
     for (int pass = 0; pass < times; ++pass) {
         const BorderedCopy copy(pixels, border);
         const ConstPlaneView source = copy.View();

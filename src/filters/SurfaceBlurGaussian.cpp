@@ -11,7 +11,6 @@
 #include "core/Rounding.h"
 #include "core/SimdTarget.h"
 #include "core/Threads.h"
-#include "filters/SampleCount.h"
 #include "filters/SurfaceBlurForms.h"
 
 namespace velloran {
@@ -128,7 +127,7 @@ struct Scratch {
 void BlurRows(ConstPlaneView pixels, const HalfKernel& kernel, int radius, int threshold,
               Scratch& scratch) {
     const std::ptrdiff_t lead = static_cast<std::ptrdiff_t>(radius - 1) * pixels.channels;
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         std::int16_t* row = scratch.rows[static_cast<std::size_t>(ThreadNumber())].data() + lead;
         const std::span<const std::uint8_t> samples = pixels.Row(y);
@@ -140,7 +139,7 @@ void BlurRows(ConstPlaneView pixels, const HalfKernel& kernel, int radius, int t
 
 void BlurColumns(const Scratch& scratch, const HalfKernel& kernel, int radius, int threshold,
                  PlaneView pixels) {
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         const std::span<std::uint8_t> target = pixels.Row(y);
         const int first = std::max(1 - radius, -y);

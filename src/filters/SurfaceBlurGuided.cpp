@@ -9,7 +9,6 @@
 #include "core/Refusal.h"
 #include "core/SimdTarget.h"
 #include "core/Threads.h"
-#include "filters/SampleCount.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BoxMean.h"
 #include "imaging/Planes.h"
@@ -159,7 +158,7 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
 void RunPass(const GuidedPass& pass, std::vector<BandPlanes>& planes) {
     const int height = pass.samples.height, bands = (height + kBandRows - 1) / kBandRows;
     std::atomic<bool> isShort = false;
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pass.samples)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pass.samples))
     for (int band = 0; band < bands; ++band) {
         const int first = band * kBandRows;
         // The means allocate, and no exception may leave the loop.
@@ -180,7 +179,7 @@ void StoreResults(const PlaneView* results, PlaneView pixels) {
         MergeChannels({results[0], results[1], results[2]}, pixels);
         return;
     }
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y)
         std::copy_n(results[0].Row(y).data(), pixels.width, pixels.Row(y).data());
 }

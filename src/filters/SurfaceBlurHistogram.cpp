@@ -8,7 +8,6 @@
 #include "core/PixelMemory.h"
 #include "core/Rounding.h"
 #include "core/Threads.h"
-#include "filters/SampleCount.h"
 #include "filters/SurfaceBlurForms.h"
 
 namespace velloran {
@@ -126,7 +125,7 @@ void RunPass(Pass& pass) {
     const int strips = (pass.source.width + kStripColumns - 1) / kStripColumns;
     const int bands = (pass.source.height + kBandRows - 1) / kBandRows;
     const int tiles = strips * bands * pass.source.channels;
-#pragma omp parallel for schedule(dynamic) if (IsWorthThreads(SampleCount(pass.source)))
+#pragma omp parallel for schedule(dynamic) if (IsWorthThreads(pass.source))
     for (int i = 0; i < tiles; ++i) {
         const int channel = i % pass.source.channels, place = i / pass.source.channels;
         const int left = place % strips * kStripColumns, top = place / strips * kBandRows;
@@ -138,7 +137,7 @@ void RunPass(Pass& pass) {
 }
 
 void CopyRows(ConstPlaneView from, PlaneView to) {
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(to)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(to))
     for (int y = 0; y < to.height; ++y)
         std::copy_n(from.Row(y).data(), to.Row(y).size(), to.Row(y).data());
 }

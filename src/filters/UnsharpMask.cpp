@@ -8,7 +8,6 @@
 #include "core/Refusal.h"
 #include "core/Threads.h"
 #include "filters/GaussianBlur.h"
-#include "filters/SampleCount.h"
 #include "filters/UsmMixer.h"
 #include "imaging/Resize.h"
 
@@ -59,7 +58,7 @@ int BlurOrSharpen(CDibImage& image, float radius, const UsmMixer* mixer) {
     if (mixer == nullptr)
         return image.TakePixels(blurred) ? 1 : 0;
     const PlaneView pixels = ViewOf(image), from = ViewOf(blurred);
-#pragma omp parallel for schedule(static) if (IsWorthThreads(SampleCount(pixels)))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y)
         mixer->Mix(from.Row(y).data(), pixels.width * pixels.channels, pixels.Row(y).data());
     return 1;

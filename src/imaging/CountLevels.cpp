@@ -12,8 +12,7 @@ LevelCounts CountLevels(ConstPlaneView pixels, int channel) {
         LevelCounts even{}, odd{};
     };
     std::vector<Tables> perThread(static_cast<std::size_t>(MaxThreads()));
-#pragma omp parallel for schedule( \
-    static) if (IsWorthThreads(std::int64_t{pixels.width} * pixels.height))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
         Tables& tables = perThread[static_cast<std::size_t>(ThreadNumber())];
         const std::uint8_t* sample = pixels.Row(y).data() + channel;

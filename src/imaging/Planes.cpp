@@ -29,10 +29,6 @@ void WeightedRow(const std::uint8_t* pixel, int count, GrayWeights weights, std:
     }
 }
 
-bool IsWorth(ConstPlaneView plane) {
-    return IsWorthThreads(std::int64_t{plane.width} * plane.height);
-}
-
 }  // namespace
 
 VELLORAN_SIMD_CLONES
@@ -42,13 +38,13 @@ void ExtractChannelRow(const std::uint8_t* pixels, int count, std::uint8_t* out)
 }
 
 void ExtractChannel(ConstPlaneView pixels, int channel, PlaneView plane) {
-#pragma omp parallel for schedule(static) if (IsWorth(plane))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y)
         ExtractChannelRow(pixels.Row(y).data() + channel, plane.width, plane.Row(y).data());
 }
 
 void InsertChannel(ConstPlaneView plane, int channel, PlaneView pixels) {
-#pragma omp parallel for schedule(static) if (IsWorth(plane))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* from = plane.Row(y).data();
         std::uint8_t* out = pixels.Row(y).data() + channel;
@@ -58,14 +54,14 @@ void InsertChannel(ConstPlaneView plane, int channel, PlaneView pixels) {
 }
 
 void MergeChannels(const std::array<ConstPlaneView, 3>& planes, PlaneView pixels) {
-#pragma omp parallel for schedule(static) if (IsWorth(planes[0]))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(planes[0]))
     for (int y = 0; y < pixels.height; ++y)
         MergeRow(planes[0].Row(y).data(), planes[1].Row(y).data(), planes[2].Row(y).data(),
                  pixels.width, pixels.Row(y).data());
 }
 
 void WeightedGray(ConstPlaneView pixels, GrayWeights weights, PlaneView gray) {
-#pragma omp parallel for schedule(static) if (IsWorth(gray))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(gray))
     for (int y = 0; y < gray.height; ++y)
         WeightedRow(pixels.Row(y).data(), gray.width, weights, gray.Row(y).data());
 }

@@ -5,6 +5,7 @@
 
 #include "core/DibImage.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 
 namespace velloran {
 namespace {
@@ -70,7 +71,7 @@ int FillOutsideMask(CDibImage& image, const CDibImage& mask, std::uint32_t color
     const auto blue = static_cast<std::uint8_t>(color >> 16);
     const int gray = LumaOf(blue, green, red);
     const int index = bits < 8 ? NearestEntry(image, gray) : gray;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{width} * height))
     for (int y = 0; y < height; ++y) {
         const MaskRows around(mask, y);
         std::uint8_t* row = image.GetBits(y);

@@ -2,6 +2,7 @@
 #include <cstring>
 #include <new>
 
+#include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/DiffuseErrors.h"
 #include "reduce/NearestColor.h"
@@ -74,7 +75,7 @@ bool Reduce16(CDibImage& image, bool dither, bool is565) {
                                }
                                return kept;
                            });
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(ViewOf(image)))
     for (int y = 0; y < image.GetHeight(); ++y) {
         std::uint8_t* pixel = image.GetBits(y);
         for (int x = 0; x < image.GetWidth(); ++x, pixel += 3)

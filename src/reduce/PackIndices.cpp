@@ -2,6 +2,7 @@
 #include <array>
 #include <cstring>
 
+#include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/NearestColor.h"
 #include "reduce/PackTarget.h"
@@ -47,7 +48,7 @@ CDibImage MakePackTarget(const CDibImage& image, int bits, const Palette& palett
 void PackIndicesInto(const CDibImage& indices, CDibImage& target) {
     const ConstPlaneView source = ViewOf(indices);
     const int bits = target.GetBpp();
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(source))
     for (int y = 0; y < source.height; ++y) {
         const std::uint8_t* from = source.Row(y).data();
         PackRow(target.GetBits(y), source.width, bits,
@@ -73,7 +74,7 @@ bool PackLevels(CDibImage& image, int bits, const Palette& palette,
     CDibImage target = MakePackTarget(image, bits, palette);
     if (!target.IsValid())
         return false;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(source))
     for (int y = 0; y < source.height; ++y) {
         const std::uint8_t* from = source.Row(y).data();
         PackRow(target.GetBits(y), source.width, bits,

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/GrayDepth.h"
+#include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 
 namespace velloran {
@@ -84,7 +85,7 @@ void OrderedDither(PlaneView plane) {
             // The middle of the rank's share of 0..255: of 64 places, value * 64 / 256 turn white.
             threshold[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] =
                 BayerRank(x, y) * 4 + 2;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y) {
         std::uint8_t* row = plane.Row(y).data();
         const auto& line = threshold[static_cast<std::size_t>(y) % 8];
@@ -96,7 +97,7 @@ void OrderedDither(PlaneView plane) {
 void MapLevelsToIndices(CDibImage& image, const Palette& palette) {
     const std::array<std::uint8_t, 256> index = NearestLevels(palette);
     const PlaneView plane = ViewOf(image);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y)
         for (std::uint8_t& sample : plane.Row(y))
             sample = index[sample];

@@ -6,6 +6,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/BilevelRows.h"
 #include "reduce/Binarize.h"
@@ -30,7 +31,7 @@ bool MakeGray(CDibImage& image) {
 
 void MapLevels(CDibImage& image, const LevelMap& map) {
     const PlaneView plane = ViewOf(image);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y)
         for (std::uint8_t& sample : plane.Row(y))
             sample = map[sample];
@@ -44,7 +45,7 @@ void SplitAt(CDibImage& image, int threshold) {
         return;
     }
     const std::uint8_t last = ClampToByte(threshold);  // bytes, or the vectors would be wider
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y)
         for (std::uint8_t& sample : plane.Row(y))
             sample = sample > last ? 255 : 0;
@@ -165,7 +166,7 @@ bool BlockThreshold(CDibImage& image, bool keepDepth, int blockSize, float balan
                if (value.empty()) {
                    SplitAt(image, whole);
                } else {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
                    for (int y = 0; y < plane.height; ++y) {
                        const std::uint8_t* line =
                            &value[static_cast<std::size_t>(std::min(y / block, rows - 1)) *
@@ -190,7 +191,7 @@ bool PackBilevel(CDibImage& image) {
         return false;
     bilevel.SetGrayPalette();
     const ConstPlaneView plane = ViewOf(static_cast<const CDibImage&>(image));
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* sample = plane.Row(y).data();
         std::uint8_t* out = bilevel.GetBits(y);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/DibImage.h"
+#include "core/Threads.h"
 #include "tone/PixelMapRows.h"
 
 namespace velloran {
@@ -35,7 +36,7 @@ void SwapInPixels(PlaneView pixels, std::size_t a, std::size_t b) {
 
 void InvertRows(CDibImage& image) {
     const auto bytes = static_cast<std::int64_t>(image.GetWidth()) * image.GetBpp() / 8;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(bytes * image.GetHeight()))
     for (int y = 0; y < image.GetHeight(); ++y) {
         std::uint8_t* row = image.GetBits(y);
         for (std::int64_t i = 0; i < bytes; ++i)

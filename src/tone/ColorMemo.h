@@ -9,6 +9,7 @@
 #include <span>
 
 #include "core/PlaneView.h"
+#include "core/Threads.h"
 #include "tone/PixelMapRows.h"
 
 namespace velloran {

@@ -6,6 +6,7 @@
 #include "core/DibImage.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 #include "imaging/Planes.h"
 #include "tone/Channels.h"
 #include "tone/ColorMemo.h"
@@ -118,7 +119,7 @@ void MixPalette(const CDibImage& image, int mode, CDibImage& gray) {
         table[1] = 255;
     }
     const int bpp = image.GetBpp(), perByte = 8 / bpp, mask = (1 << bpp) - 1;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(ViewOf(gray)))
     for (int y = 0; y < image.GetHeight(); ++y) {
         const std::uint8_t* from = image.GetBits(y);
         std::uint8_t* out = gray.GetBits(y);

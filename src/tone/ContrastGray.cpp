@@ -11,6 +11,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/SimdTarget.h"
+#include "core/Threads.h"
 #include "filters/Resample.h"
 #include "tone/Channels.h"
 #include "tone/PixelMapRows.h"

@@ -13,6 +13,7 @@
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 #include "tone/AutoLevelsCount.h"
 #include "tone/FrankleMcCannPasses.h"
 #include "tone/PixelMapRows.h"

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "core/SimdTarget.h"
+#include "core/Threads.h"
 
 namespace velloran {
 namespace {

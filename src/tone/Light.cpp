@@ -8,6 +8,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 #include "filters/SmoothPlane.h"
 #include "tone/PixelMapRows.h"
 

@@ -222,7 +222,7 @@ int MultiScaleRetinex(CDibImage& image, bool brighten, int scale, int scaleCount
         }
         const auto low = static_cast<float>(spread.mean - reach);
         const auto factor = static_cast<float>(255.0 / (2 * reach));
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y)
             ScaleRow(differences.Row(y), low, factor, differences.RowSize(), pixels.Row(y).data());
         if (brighten)

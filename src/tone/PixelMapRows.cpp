@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstring>
 
+#include "core/Threads.h"
 #include "tone/PixelMapKernels.h"
 
 namespace velloran {
@@ -70,11 +71,6 @@ std::span<const MapWay> MapWays() {
 const MapWay& BestMapWay() {
     static const MapWay& best = FindBestMapWay();
     return best;
-}
-
-bool IsWorthThreads(ConstPlaneView pixels) {
-    constexpr std::int64_t kSamples = 1 << 16;  // below, waking a thread costs more than the work
-    return std::int64_t{pixels.width} * pixels.height * pixels.channels >= kSamples;
 }
 
 void MapRows(const PixelMap& map, PlaneView pixels) {

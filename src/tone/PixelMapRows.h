@@ -16,9 +16,6 @@ namespace velloran {
 /// One table for each byte of a 24-bit pixel: blue, green, red.
 using ChannelMaps = std::array<PixelMap, 3>;
 
-/// Whether a page is large enough for its rows to be shared among threads.
-bool IsWorthThreads(ConstPlaneView pixels);
-
 /// Every sample of every row through the map; rows in parallel. An empty view is left alone.
 void MapRows(const PixelMap& map, PlaneView pixels);
 

@@ -7,6 +7,7 @@
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "core/SimdTarget.h"
+#include "core/Threads.h"
 #include "tone/Channels.h"
 #include "tone/PixelMapRows.h"
 

@@ -8,6 +8,7 @@
 
 #include "core/DibImage.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 #include "tone/PagePlanes.h"
 #include "tone/PaperBackground.h"
 #include "tone/PaperBlocks.h"

@@ -8,6 +8,7 @@
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 #include "tone/AutoLevels.h"
 #include "tone/AutoLevelsCount.h"
 #include "tone/PixelMapRows.h"
