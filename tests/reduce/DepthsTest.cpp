@@ -102,6 +102,22 @@ TEST(Depths, FourThreadsGiveTheSamePageAsOneForEveryKindAndMaker) {
     }
 }
 
+TEST(Depths, FourThreadsGiveTheSamePageAsOneForEveryThreshold) {
+    for (const int bpp : {8, 24}) {
+        const CDibImage page = test::Noise(263, 251, bpp);
+        for (int method = 0; method < 4; ++method)
+            for (const int cleaned : {0, 1}) {
+                SCOPED_TRACE(testing::Message() << "bpp " << bpp << " method " << method);
+                DecreaseBppRequest request;
+                request.color = 7;
+                request.thresholdMethod = method;
+                request.windowSize = 20;
+                request.despeckleSize = request.deSmooth = request.deBlack = cleaned;
+                test::ExpectSamePixels(Reduced(page, request, 4), Reduced(page, request, 1));
+            }
+    }
+}
+
 TEST(Depths, PagesOfOnePixelAndOfOneColorReachTheirDepth) {
     for (const int bpp : {8, 24})
         for (int color = 1; color < 18; ++color)
