@@ -28,6 +28,27 @@ std::size_t PairAt(const std::uint8_t* bytes) {
     return static_cast<std::size_t>(bytes[0] | bytes[1] << 8);
 }
 
+void CountBytePairs(std::span<const std::uint8_t> bytes, PairTable& table, Histogram& rest) {
+    const std::uint8_t* at = bytes.data();
+    for (std::size_t count = bytes.size() / 2; count > 0; --count, at += 2)
+        ++table[PairAt(at)];
+    if (bytes.size() % 2 != 0)
+        ++rest[bytes.back()];
+}
+
+/// Two pixels of three channels are three pairs.
+template <std::size_t N>
+void CountPixelPairs(std::span<const std::uint8_t> bytes, PairTable* tables,
+                     std::array<Histogram, N>& rest) {
+    const std::uint8_t* at = bytes.data();
+    for (std::size_t count = bytes.size() / 6; count > 0; --count, at += 6)
+        for (std::size_t pair = 0; pair < 3; ++pair)
+            ++tables[pair][PairAt(at + 2 * pair)];
+    if (bytes.size() % 6 != 0)
+        for (std::size_t c = 0; c < 3; ++c)
+            ++rest[c][at[c]];
+}
+
 /// All bytes in one histogram.
 struct BytesCounter {
     static constexpr std::array<PairTarget, 1> kPairs{{{0, 0}}};
@@ -39,15 +60,11 @@ struct BytesCounter {
     }
     static void CountPairs(std::span<const std::uint8_t> bytes, PairTable* tables,
                            Histograms& sums) {
-        const std::size_t even = bytes.size() & ~std::size_t{1};
-        const std::uint8_t* at = bytes.data();
-        for (std::size_t i = 0; i < even; i += 2)
-            ++tables[0][PairAt(at + i)];
-        CountEach(bytes.subspan(even), sums);
+        CountBytePairs(bytes, tables[0], sums[0]);
     }
 };
 
-/// Blue, green and red: two pixels are three pairs.
+/// Blue, green and red.
 struct ChannelsCounter {
     static constexpr std::array<PairTarget, 3> kPairs{{{0, 1}, {2, 0}, {1, 2}}};
     using Histograms = std::array<Histogram, 3>;
@@ -58,12 +75,7 @@ struct ChannelsCounter {
     }
     static void CountPairs(std::span<const std::uint8_t> bytes, PairTable* tables,
                            Histograms& sums) {
-        const std::size_t even = bytes.size() / 6 * 6;
-        const std::uint8_t* at = bytes.data();
-        for (std::size_t i = 0; i < even; i += 6)
-            for (std::size_t pair = 0; pair < 3; ++pair)
-                ++tables[pair][PairAt(at + i + 2 * pair)];
-        CountEach(bytes.subspan(even), sums);
+        CountPixelPairs(bytes, tables, sums);
     }
 };
 
@@ -91,26 +103,23 @@ struct LumaCounter {
     }
 };
 
-/// Blue, green, red and luma: a pixel is two pairs.
+/// Blue, green, red and luma.
 struct ChannelsAndLumaCounter {
-    static constexpr std::array<PairTarget, 2> kPairs{{{0, 1}, {2, 3}}};
+    static constexpr std::array<PairTarget, 4> kPairs{{{0, 1}, {2, 0}, {1, 2}, {3, 3}}};
     using Histograms = std::array<Histogram, 4>;
 
     static void CountEach(std::span<const std::uint8_t> pixels, Histograms& sums) {
         for (std::size_t i = 0; i < pixels.size(); ++i)
             ++sums[i % 3][pixels[i]];
-        const Luma luma(pixels);  // named: a range of a temporary would outlive it
+        const Luma luma(pixels);
         for (const std::uint8_t byte : luma.View())
             ++sums[3][byte];
     }
     static void CountPairs(std::span<const std::uint8_t> pixels, PairTable* tables,
-                           Histograms& /*sums*/) {
+                           Histograms& sums) {
+        CountPixelPairs(pixels, tables, sums);
         const Luma luma(pixels);
-        const std::uint8_t* at = pixels.data();
-        for (std::size_t i = 0; i < luma.count; ++i, at += 3) {
-            ++tables[0][PairAt(at)];
-            ++tables[1][static_cast<std::size_t>(at[2] | luma.bytes[i] << 8)];
-        }
+        CountBytePairs(luma.View(), tables[3], sums[3]);
     }
 };
 
