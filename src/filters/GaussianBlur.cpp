@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/PixelMemory.h"
 #include "core/Refusal.h"
-#include "imaging/Convolve.h"
+#include "imaging/Separable.h"
 
 namespace velloran {
 namespace {
@@ -57,15 +56,7 @@ int SeparableFilter(PlaneView pixels, const GaussianKernel& kernel, const MixSam
     return RefuseWhenOutOfMemory([&] {
         if (pixels.width < 1 || pixels.height < 1)
             return 0;
-        const std::ptrdiff_t stride = static_cast<std::ptrdiff_t>(pixels.width) * pixels.channels;
-        const PixelBuffer memory = MakePixelBuffer(static_cast<std::size_t>(stride) *
-                                                   static_cast<std::size_t>(pixels.height));
-        const PlaneView between{memory.get(), pixels.width, pixels.height, pixels.channels, stride};
-        FilterColumns(pixels, kernel.taps, kernel.sum, between);
-        if (mix)
-            FilterRowsMixed(between, kernel.taps, kernel.sum, pixels, mix);
-        else
-            FilterRows(between, kernel.taps, kernel.sum, pixels);
+        FilterInPlace(pixels, kernel.taps, kernel.sum, mix);
         return 1;
     });
 }

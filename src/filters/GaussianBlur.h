@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/PlaneView.h"
-#include "imaging/Convolve.h"
+#include "imaging/Separable.h"
 
 namespace velloran {
 

@@ -6,71 +6,13 @@
 #include <utility>
 #include <vector>
 
-#include "core/Rounding.h"
 #include "core/SimdTarget.h"
+#include "imaging/SampleSums.h"
 #include "imaging/TapGroups.h"
 #include "imaging/Tiles.h"
 
 namespace velloran {
 namespace {
-
-VELLORAN_SIMD_CLONES
-void Widen(const std::uint8_t* samples, int count, std::uint16_t* out) {
-    for (int i = 0; i < count; ++i)
-        out[i] = samples[i];
-}
-
-VELLORAN_SIMD_CLONES
-void Widen(const std::uint8_t* samples, int count, float* out) {
-    for (int i = 0; i < count; ++i)
-        out[i] = static_cast<float>(samples[i]);
-}
-
-/// The slow way for weights of any size.
-void SumExactly(std::span<const Tap> taps, std::int64_t divisor, const std::uint16_t* samples,
-                int count, std::uint8_t* out) {
-    for (int i = 0; i < count; ++i) {
-        std::int64_t sum = 0;
-        for (const Tap& tap : taps)
-            sum += std::int64_t{tap.weight} * samples[i + tap.offset];
-        out[i] = sum <= 0 ? 0 : ClampToByte(sum / divisor + (sum % divisor * 2 >= divisor ? 1 : 0));
-    }
-}
-
-/// Calls `store(sum, samples, count, out)` for each row of a tile, where `sum` makes the results.
-template <typename LayOut, typename Store>
-void SumInTiles(const TileShape& shape, std::span<const Tap> taps, std::int32_t divisor,
-                PlaneView target, LayOut&& layOut, Store&& store) {
-    Tiles<std::uint16_t> tiles = MakeTiles<std::uint16_t>(shape);
-    if (TapGroups::CanHold(taps, divisor)) {
-        const TapGroups groups(taps, divisor);
-        const SumTaps sumTaps = BestSumTaps();
-        const auto sum = [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-            sumTaps(groups, samples, count, out);
-        };
-        ForEachTile(shape, tiles, target, layOut,
-                    [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-                        store(sum, samples, count, out);
-                    });
-        return;
-    }
-    const auto sum = [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-        SumExactly(taps, divisor, samples, count, out);
-    };
-    ForEachTile(shape, tiles, target, layOut,
-                [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-                    store(sum, samples, count, out);
-                });
-}
-
-template <typename LayOut>
-void SumInTiles(const TileShape& shape, std::span<const Tap> taps, std::int32_t divisor,
-                PlaneView target, LayOut&& layOut) {
-    SumInTiles(shape, taps, divisor, target, layOut,
-               [](auto&& sum, const std::uint16_t* samples, int count, std::uint8_t* out) {
-                   sum(samples, count, out);
-               });
-}
 
 /// The samples of a kernel of `size` x `size` weights in a tile.
 template <typename Weight>
@@ -130,56 +72,6 @@ std::vector<std::int32_t> WholeWeights(std::span<const float> weights) {
     return whole;
 }
 
-/// Row or column -1 - i is i, folded again while it lies outside.
-int Reflect(int index, int size) {
-    if (index >= 0 && index < size)
-        return index;
-    const std::int64_t period = std::int64_t{2} * size;
-    std::int64_t at = (index % period + period) % period;
-    if (at >= size)
-        at = period - 1 - at;
-    return static_cast<int>(at);
-}
-
-/// A run of whole pixels of a row that may begin and end outside.
-void LayOutReflected(std::span<const std::uint8_t> row, int channels, int firstPixel, int pixels,
-                     std::uint16_t* samples) {
-    const int width = static_cast<int>(row.size()) / channels;
-    const auto outside = [&](int from, int to) {
-        for (int i = from; i < to; ++i)
-            Widen(row.data() + static_cast<std::ptrdiff_t>(Reflect(i, width)) * channels, channels,
-                  samples + static_cast<std::ptrdiff_t>(i - firstPixel) * channels);
-    };
-    const int end = firstPixel + pixels;
-    const int from = std::clamp(0, firstPixel, end), to = std::clamp(width, from, end);
-    outside(firstPixel, from);
-    Widen(row.data() + static_cast<std::ptrdiff_t>(from) * channels, (to - from) * channels,
-          samples + static_cast<std::ptrdiff_t>(from - firstPixel) * channels);
-    outside(to, end);
-}
-
-/// What both ways of filtering rows share.
-struct RowFilter {
-    RowFilter(std::span<const std::int32_t> weights, int channels)
-        : shape(ShapeOfTiles((static_cast<int>(weights.size()) - 1) * channels, 0,
-                             sizeof(std::uint16_t), kSumBlock)) {
-        shape.width -= shape.width % channels;  // tiles begin with whole pixels
-        for (std::size_t k = 0; k < weights.size(); ++k)
-            taps.push_back({static_cast<std::int32_t>(k) * channels, weights[k]});
-    }
-
-    auto LayOutOf(ConstPlaneView source) const {
-        const int reach = static_cast<int>(taps.size() / 2);
-        return [source, reach](int y, int first, int count, std::uint16_t* samples) {
-            LayOutReflected(source.Row(y), source.channels, first / source.channels - reach,
-                            count / source.channels, samples);
-        };
-    }
-
-    TileShape shape;
-    std::vector<Tap> taps;
-};
-
 }  // namespace
 
 void ConvolveInt(ConstPlaneView source, std::span<const std::int32_t> weights, int size,
@@ -189,7 +81,12 @@ void ConvolveInt(ConstPlaneView source, std::span<const std::int32_t> weights, i
     std::vector<Tap> taps;
     for (const auto& [offset, weight] : PlacesOf(weights, size, target.channels, shape.stride))
         taps.push_back({offset, weight});
-    SumInTiles(shape, taps, divisor, target, LayOutOf<std::uint16_t>(source));
+    const SampleSums sums(taps, divisor);
+    Tiles<std::uint16_t> tiles = MakeTiles<std::uint16_t>(shape);
+    ForEachTile(shape, tiles, target, LayOutOf<std::uint16_t>(source),
+                [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
+                    sums.Row(samples, count, out);
+                });
 }
 
 struct FloatConvolver::Form {
@@ -242,36 +139,6 @@ void FloatConvolver::Run(ConstPlaneView source, PlaneView target) {
 void ConvolveFloat(ConstPlaneView source, std::span<const float> weights, int size,
                    PlaneView target) {
     FloatConvolver(weights, size, target.channels).Run(source, target);
-}
-
-void FilterColumns(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
-                   PlaneView target) {
-    const int length = static_cast<int>(taps.size()), reach = length / 2;
-    const TileShape shape = ShapeOfTiles(0, length - 1, sizeof(std::uint16_t), kSumBlock);
-    std::vector<Tap> places;
-    for (int k = 0; k < length; ++k)
-        places.push_back({k * shape.stride, taps[static_cast<std::size_t>(k)]});
-    SumInTiles(
-        shape, places, divisor, target, [&](int y, int first, int count, std::uint16_t* samples) {
-            Widen(source.Row(Reflect(y - reach, source.height)).data() + first, count, samples);
-        });
-}
-
-void FilterRows(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
-                PlaneView target) {
-    const RowFilter filter(taps, target.channels);
-    SumInTiles(filter.shape, filter.taps, divisor, target, filter.LayOutOf(source));
-}
-
-void FilterRowsMixed(ConstPlaneView source, std::span<const std::int32_t> taps,
-                     std::int32_t divisor, PlaneView target, const MixSamples& mix) {
-    const RowFilter filter(taps, target.channels);
-    SumInTiles(filter.shape, filter.taps, divisor, target, filter.LayOutOf(source),
-               [&](auto&& sum, const std::uint16_t* samples, int count, std::uint8_t* out) {
-                   std::uint8_t filtered[kMostTileWidth];
-                   sum(samples, count, filtered);
-                   mix(filtered, count, out);
-               });
 }
 
 }  // namespace velloran

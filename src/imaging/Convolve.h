@@ -4,7 +4,6 @@
 // threads. The kernel is laid on the picture as stored: row-major, not mirrored.
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 
@@ -36,23 +35,5 @@ class FloatConvolver {
     struct Form;  // weights and scratch as the loops want them
     std::unique_ptr<Form> form_;
 };
-
-/// One pass of a separable filter with integer taps (an odd count, anchor in the middle), along
-/// the columns or along the rows; samples beyond the edge are the reflection that repeats the edge
-/// sample (row -1 - i is row i), folded again where the plane is smaller than the taps. Each sum
-/// is divided by `divisor`, rounded to nearest and saturated to 8 bits. `source` and `target` have
-/// equal sizes and must not overlap.
-void FilterColumns(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
-                   PlaneView target);
-void FilterRows(ConstPlaneView source, std::span<const std::int32_t> taps, std::int32_t divisor,
-                PlaneView target);
-
-/// Makes the new samples of a target from filtered ones and from those that it holds.
-using MixSamples =
-    std::function<void(const std::uint8_t* filtered, int count, std::uint8_t* target)>;
-
-/// FilterRows with `mix` in place of storing; called for parts of rows, from several threads.
-void FilterRowsMixed(ConstPlaneView source, std::span<const std::int32_t> taps,
-                     std::int32_t divisor, PlaneView target, const MixSamples& mix);
 
 }  // namespace velloran

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "imaging/BorderedCopy.h"
+#include "imaging/PlainSums.h"
 #include "imaging/SamplePlane.h"
 #include "imaging/TapGroups.h"
 #include "support/Threads.h"
@@ -17,21 +18,12 @@ namespace {
 
 using test::Content;
 using test::ExpectSameSamples;
+using test::ForManyPlanes;
 using test::kContents;
 using test::MakeSamples;
+using test::RoundedQuotient;
 using test::SamplePlane;
-using Weights = std::vector<std::int32_t>;
-
-/// Sizes of a plane at which something may go wrong, and one of several tiles.
-constexpr int kSides[] = {1, 2, 3, 7, 16, 17};
-constexpr int kLargeWidth = 1111, kLargeHeight = 150;
-
-/// Halves away from zero, limited.
-std::uint8_t RoundedQuotient(std::int64_t sum, std::int64_t divisor) {
-    const std::int64_t twice = sum < 0 ? 0 : (2 * sum + divisor) / (2 * divisor);
-    return static_cast<std::uint8_t>(std::min<std::int64_t>(twice, 255));
-}
-
+using test::Weights;
 /// Edge samples repeated.
 SamplePlane Convolved(const SamplePlane& source, const Weights& weights, int size,
                       std::int32_t divisor) {
@@ -47,41 +39,6 @@ SamplePlane Convolved(const SamplePlane& source, const Weights& weights, int siz
                 result.At(x, y, c) = RoundedQuotient(sum, divisor);
             }
     return result;
-}
-
-int Folded(int index, int size) {
-    while (index < 0 || index >= size)
-        index = index < 0 ? -1 - index : 2 * size - 1 - index;
-    return index;
-}
-
-SamplePlane Filtered(const SamplePlane& source, const Weights& taps, std::int32_t divisor,
-                     bool alongRows) {
-    const int reach = static_cast<int>(taps.size()) / 2;
-    SamplePlane result(source.Width(), source.Height(), source.Channels());
-    for (int y = 0; y < source.Height(); ++y)
-        for (int x = 0; x < source.Width(); ++x)
-            for (int c = 0; c < source.Channels(); ++c) {
-                std::int64_t sum = 0;
-                for (int k = -reach; k <= reach; ++k)
-                    sum += std::int64_t{taps[static_cast<std::size_t>(k + reach)]} *
-                           (alongRows ? source.At(Folded(x + k, source.Width()), y, c)
-                                      : source.At(x, Folded(y + k, source.Height()), c));
-                result.At(x, y, c) = RoundedQuotient(sum, divisor);
-            }
-    return result;
-}
-
-template <typename Trial>
-void ForManyPlanes(Trial&& trial) {
-    for (const int channels : {1, 3}) {
-        for (const Content content : kContents)
-            for (const int width : kSides)
-                for (const int height : kSides)
-                    trial(MakeSamples(width, height, channels, content));
-        trial(MakeSamples(kLargeWidth, kLargeHeight, channels, Content::kNoise));
-        trial(MakeSamples(kLargeWidth, kLargeHeight, channels, Content::kBlackAndWhite));
-    }
 }
 
 struct IntCase {
@@ -257,50 +214,6 @@ TEST(ConvolveFloat, FractionsAreSummedInFloatsAndRounded) {
     });
 }
 
-TEST(FilterColumnsAndRows, EqualThePlainSumWithReflectedEdges) {
-    const Weights kernels[] = {
-        {1}, {1, 2, 1}, {54, 244, 402, 244, 54}, {3, -1, 0, 7, 5, -2, 1}, Weights(39, 50)};
-    for (const Weights& taps : kernels) {
-        const std::int32_t sum = std::accumulate(taps.begin(), taps.end(), 0);
-        ForManyPlanes([&](const SamplePlane& source) {
-            SamplePlane target(source.Width(), source.Height(), source.Channels());
-            FilterColumns(source.View(), taps, sum, target.View());
-            ExpectSameSamples(target, Filtered(source, taps, sum, /*alongRows=*/false));
-            FilterRows(source.View(), taps, sum, target.View());
-            ExpectSameSamples(target, Filtered(source, taps, sum, /*alongRows=*/true));
-        });
-    }
-}
-
-TEST(FilterColumnsAndRows, TheLongestKernelFoldsOftenOverASmallPlane) {
-    Weights taps(801);
-    for (std::size_t i = 0; i < taps.size(); ++i)
-        taps[i] = static_cast<std::int32_t>(1 + i % 3);
-    const std::int32_t sum = std::accumulate(taps.begin(), taps.end(), 0);
-    for (const int channels : {1, 3})
-        for (const int width : {1, 2, 13, 500}) {
-            const SamplePlane source = MakeSamples(width, 3, channels, Content::kNoise);
-            SamplePlane target(width, 3, channels);
-            FilterColumns(source.View(), taps, sum, target.View());
-            ExpectSameSamples(target, Filtered(source, taps, sum, /*alongRows=*/false));
-            FilterRows(source.View(), taps, sum, target.View());
-            ExpectSameSamples(target, Filtered(source, taps, sum, /*alongRows=*/true));
-        }
-}
-
-TEST(FilterColumnsAndRows, PlanesOfMoreThan32767PixelsAreWhole) {
-    const Weights taps = {1, 2, 1};
-    for (const bool isWide : {true, false}) {
-        const SamplePlane source =
-            MakeSamples(isWide ? 40001 : 2, isWide ? 2 : 40001, 3, Content::kNoise);
-        SamplePlane target(source.Width(), source.Height(), 3);
-        FilterColumns(source.View(), taps, 4, target.View());
-        ExpectSameSamples(target, Filtered(source, taps, 4, /*alongRows=*/false));
-        FilterRows(source.View(), taps, 4, target.View());
-        ExpectSameSamples(target, Filtered(source, taps, 4, /*alongRows=*/true));
-    }
-}
-
 TEST(Convolutions, ThreadsDoNotChangeTheBytes) {
     const SamplePlane source = MakeSamples(701, 90, 3, Content::kNoise);
     const BorderedCopy bordered(source.View(), 1);
@@ -308,16 +221,12 @@ TEST(Convolutions, ThreadsDoNotChangeTheBytes) {
     std::vector<SamplePlane> results;
     for (const int threads : {1, 2, 7}) {
         const test::Threads guard(threads);
-        SamplePlane all(701, 90 * 4, 3);
+        SamplePlane all(701, 90 * 2, 3);
         PlaneView target = all.View();
         target.height = 90;
         ConvolveInt(bordered.View(), Weights{1, 2, 1, 2, 4, 2, 1, 2, 1}, 3, 16, target);
         target.first += 90 * target.stride;
         ConvolveFloat(bordered.View(), fractions, 3, target);
-        target.first += 90 * target.stride;
-        FilterColumns(source.View(), Weights{1, 3, 9, 3, 1}, 17, target);
-        target.first += 90 * target.stride;
-        FilterRows(source.View(), Weights{1, 3, 9, 3, 1}, 17, target);
         results.push_back(all);
     }
     ExpectSameSamples(results[1], results[0]);

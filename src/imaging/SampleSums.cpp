@@ -1,0 +1,47 @@
+#include "imaging/SampleSums.h"
+
+#include "core/Rounding.h"
+#include "core/SimdTarget.h"
+
+namespace velloran {
+namespace {
+
+/// The slow way for weights of any size.
+void SumExactly(std::span<const Tap> taps, std::int64_t divisor, const std::uint16_t* samples,
+                int count, std::uint8_t* out) {
+    for (int i = 0; i < count; ++i) {
+        std::int64_t sum = 0;
+        for (const Tap& tap : taps)
+            sum += std::int64_t{tap.weight} * samples[i + tap.offset];
+        out[i] = sum <= 0 ? 0 : ClampToByte(sum / divisor + (sum % divisor * 2 >= divisor ? 1 : 0));
+    }
+}
+
+}  // namespace
+
+VELLORAN_SIMD_CLONES
+void Widen(const std::uint8_t* samples, int count, std::uint16_t* out) {
+    for (int i = 0; i < count; ++i)
+        out[i] = samples[i];
+}
+
+VELLORAN_SIMD_CLONES
+void Widen(const std::uint8_t* samples, int count, float* out) {
+    for (int i = 0; i < count; ++i)
+        out[i] = static_cast<float>(samples[i]);
+}
+
+SampleSums::SampleSums(std::span<const Tap> taps, std::int32_t divisor)
+    : taps_(taps.begin(), taps.end()), divisor_(divisor), sumTaps_(BestSumTaps()) {
+    if (TapGroups::CanHold(taps, divisor))
+        groups_.emplace(taps, divisor);
+}
+
+void SampleSums::Row(const std::uint16_t* samples, int count, std::uint8_t* out) const {
+    if (groups_)
+        sumTaps_(*groups_, samples, count, out);
+    else
+        SumExactly(taps_, divisor_, samples, count, out);
+}
+
+}  // namespace velloran
