@@ -6,6 +6,7 @@
 #include "core/DibImage.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/CountColors.h"
+#include "reduce/DecreaseBpp.h"
 #include "reduce/PaletteMakers.h"
 #include "support/BesideOpenCv.h"
 #include "support/Page.h"
@@ -68,14 +69,7 @@ template <PageKind kKind>
 void PackNearest256(benchmark::State& state) {
     const CDibImage page = PageOf(kKind);
     const Palette palette = OctreePalette(page, 256);
-    const BothThreads threads(1);
-    for (auto _ : state) {
-        state.PauseTiming();
-        CDibImage image(page);
-        state.ResumeTiming();
-        PackNearest(image, 8, palette);
-    }
-    CountBytes(state, page);
+    MeasureOnNew(state, page, [&](CDibImage& image) { PackNearest(image, 8, palette); });
 }
 BENCHMARK(PackNearest256<kScanned>)->Apply(OnOneThread);
 BENCHMARK(PackNearest256<kNoise>)->Apply(OnOneThread);
@@ -84,17 +78,31 @@ template <PageKind kKind>
 void Diffuse16(benchmark::State& state) {
     const CDibImage page = PageOf(kKind);
     const Palette palette = OctreePalette(page, 16);
-    const BothThreads threads(1);
-    for (auto _ : state) {
-        state.PauseTiming();
-        CDibImage image(page);
-        state.ResumeTiming();
-        DiffusePalette(image, palette, /*keepDepth=*/false);
-    }
-    CountBytes(state, page);
+    MeasureOnNew(state, page,
+                 [&](CDibImage& image) { DiffusePalette(image, palette, /*keepDepth=*/false); });
 }
 BENCHMARK(Diffuse16<kScanned>)->Apply(OnOneThread);
 BENCHMARK(Diffuse16<kNoise>)->Apply(OnOneThread);
+
+/// The whole step, as the pipeline calls it; noise takes the most memory.
+template <int kColor, int kMaker, bool kDither>
+void ReduceNoise(benchmark::State& state) {
+    MeasureOnNew(state, NoisePage(kColorBits), [](CDibImage& image) {
+        DecreaseBppRequest request;
+        request.color = kColor;
+        request.quantize = kMaker;
+        request.dither = kDither ? 1 : 0;
+        DecreaseBpp(image, /*previewing=*/false, request);
+    });
+}
+BENCHMARK(ReduceNoise<3, 0, false>)->Apply(OnOneThread);
+BENCHMARK(ReduceNoise<3, 1, false>)->Apply(OnOneThread);
+BENCHMARK(ReduceNoise<3, 2, false>)->Apply(OnOneThread);
+BENCHMARK(ReduceNoise<3, 3, false>)->Apply(OnOneThread);
+BENCHMARK(ReduceNoise<3, 4, false>)->Apply(OnOneThread);
+BENCHMARK(ReduceNoise<11, 2, true>)->Apply(OnOneThread);
+BENCHMARK(ReduceNoise<7, 2, false>)->Apply(OnOneThread);
+BENCHMARK(ReduceNoise<7, 2, true>)->Apply(OnOneThread);
 
 }  // namespace
 }  // namespace velloran::bench

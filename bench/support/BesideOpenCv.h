@@ -88,6 +88,26 @@ void MeasureOnCopies(benchmark::State& state, const CDibImage& page, Work&& work
     CountBytes(state, page);
 }
 
+/// The same for work that may leave an image of another depth: a new one each round. The peak holds
+/// the result and not the page.
+template <typename Work>
+void MeasureOnNew(benchmark::State& state, const CDibImage& page, Work&& work) {
+    const BothThreads threads(state.range(0));
+    {
+        CDibImage image(page);
+        state.counters["peak_MB"] =
+            static_cast<double>(PeakBytes([&] { work(image); })) / (1024.0 * 1024.0);
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        CDibImage image(page);
+        state.ResumeTiming();
+        work(image);
+        benchmark::ClobberMemory();
+    }
+    CountBytes(state, page);
+}
+
 /// The floor: a plain copy of a page of that depth.
 template <int kBits>
 void FloorCopyPage(benchmark::State& state) {

@@ -26,17 +26,8 @@ void StepOnGray(benchmark::State& state, Step step) {
     MeasureOnCopies(state, ScannedPage(kGrayBits), step);
 }
 
-/// A step that makes a new page: the old one's memory is given back and taken again each time.
 void StepToGray(benchmark::State& state, Step step) {
-    const CDibImage page = ScannedPage(kColorBits);
-    const BothThreads threads(state.range(0));
-    for (auto _ : state) {
-        state.PauseTiming();
-        CDibImage work(page);
-        state.ResumeTiming();
-        benchmark::DoNotOptimize(step(work));
-    }
-    CountBytes(state, page);
+    MeasureOnNew(state, ScannedPage(kColorBits), step);
 }
 
 constexpr std::uint32_t kPaper = 0xC8D2DC, kWhite = 0xFFFFFF;

@@ -2,10 +2,8 @@
 
 #include <array>
 #include <bit>
-#include <cstring>
 #include <new>
-
-#include "core/PixelMemory.h"
+#include <vector>
 
 namespace velloran {
 namespace {
@@ -15,23 +13,19 @@ constexpr std::size_t kSetWords = (std::size_t{1} << 24) / 64;
 /// A bit for each 24-bit colour.
 class ColorSet {
  public:
-    ColorSet() : memory_(MakePixelBuffer(kSetWords * 8)) {
-        std::memset(memory_.get(), 0, kSetWords * 8);
-    }
-
-    void Add(std::uint32_t color) { Words()[color >> 6] |= std::uint64_t{1} << (color & 63); }
-    bool Has(std::uint32_t color) const { return (Words()[color >> 6] >> (color & 63) & 1) != 0; }
+    void Add(std::uint32_t color) { words_[color >> 6] |= std::uint64_t{1} << (color & 63); }
+    bool Has(std::uint32_t color) const { return (words_[color >> 6] >> (color & 63) & 1) != 0; }
     int Count() const {
         int count = 0;
-        for (std::size_t i = 0; i < kSetWords; ++i)
-            count += std::popcount(Words()[i]);
+        for (const std::uint64_t word : words_)
+            count += std::popcount(word);
         return count;
     }
     /// Calls `use` for each colour in ascending order.
     template <typename Use>
     void ForEach(Use&& use) const {
         for (std::size_t i = 0; i < kSetWords; ++i)
-            for (std::uint64_t rest = Words()[i]; rest != 0; rest &= rest - 1)
+            for (std::uint64_t rest = words_[i]; rest != 0; rest &= rest - 1)
                 use(static_cast<std::uint32_t>(i * 64) +
                     static_cast<std::uint32_t>(std::countr_zero(rest)));
     }
@@ -52,12 +46,7 @@ class ColorSet {
     }
 
  private:
-    std::uint64_t* Words() { return reinterpret_cast<std::uint64_t*>(memory_.get()); }
-    const std::uint64_t* Words() const {
-        return reinterpret_cast<const std::uint64_t*>(memory_.get());
-    }
-
-    PixelBuffer memory_;
+    std::vector<std::uint64_t> words_ = std::vector<std::uint64_t>(kSetWords);
 };
 
 /// Which indices a palette image uses.

@@ -48,13 +48,11 @@ NearestColor::NearestColor(const Palette& palette)
             (entry.blue * entry.blue + entry.green * entry.green + entry.red * entry.red) * 256 +
             static_cast<std::int32_t>(i);
     }
-    index_.reset(static_cast<std::uint8_t*>(AllocatePixels(kColors)));
-    solved_.reset(static_cast<std::uint8_t*>(AllocatePixels(kColors / 8)));
-    if (index_ == nullptr || solved_ == nullptr) {
-        index_.reset();
-        solved_.reset();
-    } else {
-        std::memset(solved_.get(), 0, kColors / 8);
+    memory_.reset(static_cast<std::uint8_t*>(AllocatePixels(kColors / 8 + kColors)));
+    if (memory_ != nullptr) {
+        solved_ = memory_.get();
+        index_ = solved_ + kColors / 8;
+        std::memset(solved_, 0, kColors / 8);
     }
 }
 

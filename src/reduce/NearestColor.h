@@ -40,8 +40,9 @@ class NearestColor {
 
     Entries entries_;
     int count_;
-    PixelBuffer index_;   // by colour
-    PixelBuffer solved_;  // a bit by colour
+    PixelBuffer memory_;              // of both; one block, as each is rounded up to large pages
+    std::uint8_t* solved_ = nullptr;  // a bit by colour
+    std::uint8_t* index_ = nullptr;   // by colour
     std::uint32_t lastColor_ = 0xFFFFFFFF;
     std::uint8_t lastIndex_ = 0;
 };
