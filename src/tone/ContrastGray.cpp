@@ -92,21 +92,24 @@ double ScoreOf(const Weights& weights, const std::vector<Difference>& difference
     return sum / static_cast<double>(differences.size());
 }
 
-Weights BestWeights(const std::vector<Difference>& differences) {
-    Weights best;
-    double bestScore = 0;
-    bool first = true;
+/// All weights in tenths that add up to 1.
+std::vector<Weights> WeightsInTenths() {
+    std::vector<Weights> all;
     for (int red = 0; red <= 10; ++red)
-        for (int green = 0; green <= 10 - red; ++green) {
-            const Weights weights{red / 10.0, green / 10.0, (10 - red - green) / 10.0};
-            const double score = ScoreOf(weights, differences);
-            if (first || score > bestScore) {
-                best = weights;
-                bestScore = score;
-                first = false;
-            }
-        }
-    return best;
+        for (int green = 0; green <= 10 - red; ++green)
+            all.push_back({red / 10.0, green / 10.0, (10 - red - green) / 10.0});
+    return all;
+}
+
+Weights BestWeights(const std::vector<Difference>& differences) {
+    const std::vector<Weights> all = WeightsInTenths();
+    std::vector<double> scores(all.size());
+    const auto work = static_cast<std::int64_t>(all.size() * differences.size());
+#pragma omp parallel for schedule(static) if (IsWorthThreads(work))
+    for (std::size_t i = 0; i < all.size(); ++i)
+        scores[i] = ScoreOf(all[i], differences);
+    return all[static_cast<std::size_t>(std::max_element(scores.begin(), scores.end()) -
+                                        scores.begin())];
 }
 
 int HalfAwayFromZero(double value) {
