@@ -284,6 +284,8 @@ TEST_F(Batch, SameFolderNeedsAYes) {
 }
 
 TEST_F(Batch, OnATerminalTheSameFolderIsAsked) {
+    if (!HasTerminals())
+        GTEST_SKIP() << "no terminals here";
     WritePage(Source() / "a.bmp");
     const std::vector<std::string> arguments = {"batch", "src", "src", "--ext", "png"};
     const Outcome no = RunProgram(arguments, {.folder = folder_.Path(), .terminalAnswer = "n\n"});
@@ -309,6 +311,8 @@ TEST_F(Batch, ProgressShowsDoneTotalRateAndTimeLeftWithoutATerminal) {
 }
 
 TEST_F(Batch, NoColorKeepsColorsFromATerminal) {
+    if (!HasTerminals())
+        GTEST_SKIP() << "no terminals here";
     WriteAll(Source() / "a.png", "nonsense");
     const std::vector<std::string> arguments = {"batch", "src", "out", "--log", "log"};
     Surroundings around{
@@ -319,6 +323,8 @@ TEST_F(Batch, NoColorKeepsColorsFromATerminal) {
 }
 
 TEST_F(Batch, EndsOnTerminalsWithTheMessageAlone) {
+    if (!HasTerminals())
+        GTEST_SKIP() << "no terminals here";
     WritePage(Source() / "a.png");
     const Outcome outcome = RunProgram({"batch", "src", "out", "--log", "log"},
                                        {.folder = folder_.Path(), .terminalAnswer = "\n"});

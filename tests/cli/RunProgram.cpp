@@ -158,6 +158,15 @@ Outcome RunOnTerminal(int program, const Words& words, const Surroundings& aroun
 
 }  // namespace
 
+bool HasTerminals() {
+    int terminal = -1, program = -1;
+    if (openpty(&terminal, &program, nullptr, nullptr, nullptr) != 0)
+        return false;
+    close(terminal);
+    close(program);
+    return true;
+}
+
 std::filesystem::path BuiltProgram() {
     return VELLORAN_PROGRAM;
 }

@@ -42,6 +42,9 @@ pid_t StartProgram(const std::vector<std::string>& arguments);
 /// Waits for its end; the status as in Outcome.
 int WaitFor(pid_t program);
 
+/// Whether the system gives programs terminals; small containers may have none.
+bool HasTerminals();
+
 /// The program that was built.
 std::filesystem::path BuiltProgram();
 
