@@ -149,21 +149,31 @@ struct PageTone {
 VELLORAN_SIMD_CLONES
 void ThresholdRow(const std::uint64_t* first, const std::uint64_t* last,
                   const std::uint64_t* firstSquares, const std::uint64_t* lastSquares,
-                  const double* share, int width, const PageTone& tone, const std::uint8_t* in,
+                  const double* share, int width, const PageTone& pageTone, const std::uint8_t* in,
                   std::uint8_t* out) {
+    constexpr int kBlock = 128;  // doubles first, then bytes: each loop has one width
+    const PageTone tone = pageTone;
     const bool flat = tone.largestDeviation < 0.0001F;
     const float largest = flat ? 1.0F : tone.largestDeviation;
     const float weight = flat ? 0.0F : 1.0F;
-    for (int x = 0; x < width; ++x) {
-        const Statistics s = StatisticsAt(first, last, firstSquares, lastSquares, share, x);
-        const float mean = static_cast<float>(s.mean);
-        const float deviation = static_cast<float>(std::sqrt(s.variance));
-        const float f = 1.0F - weight * (deviation / largest);
-        const float t = mean - (mean - tone.darkest) * (0.3F * f) + 0.5F;
-        const int sample = in[x];
-        const int local = sample < static_cast<int>(t) ? 0 : 255;
-        const int light = sample > tone.highBound ? 255 : local;
-        out[x] = static_cast<std::uint8_t>(sample < tone.lowBound ? 0 : light);
+    for (int begin = 0; begin < width; begin += kBlock) {
+        const int count = std::min(kBlock, width - begin);
+        std::int32_t threshold[kBlock];
+        for (int i = 0; i < count; ++i) {
+            const Statistics s =
+                StatisticsAt(first, last, firstSquares, lastSquares, share, begin + i);
+            const float mean = static_cast<float>(s.mean);
+            const float deviation = static_cast<float>(std::sqrt(s.variance));
+            const float f = 1.0F - weight * (deviation / largest);
+            threshold[i] =
+                static_cast<std::int32_t>(mean - (mean - tone.darkest) * (0.3F * f) + 0.5F);
+        }
+        for (int i = 0; i < count; ++i) {
+            const std::int32_t sample = in[begin + i];
+            const std::int32_t local = sample < threshold[i] ? 0 : 255;
+            const std::int32_t light = sample > tone.highBound ? 255 : local;
+            out[begin + i] = static_cast<std::uint8_t>(sample < tone.lowBound ? 0 : light);
+        }
     }
 }
 
