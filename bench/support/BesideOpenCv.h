@@ -70,14 +70,19 @@ void Measure(benchmark::State& state, const CDibImage& page, Work&& work) {
     CountBytes(state, page);
 }
 
+/// Runs `work` once and counts the memory that it takes beside what is there.
+template <typename Work>
+void CountPeak(benchmark::State& state, Work&& work) {
+    state.counters["peak_MB"] = static_cast<double>(PeakBytes(work)) / (1024.0 * 1024.0);
+}
+
 /// Measures `work(image)` on a fresh copy of the page each round; the copying is not timed. Counts
 /// the memory that a round takes beside the page.
 template <typename Work>
 void MeasureOnCopies(benchmark::State& state, const CDibImage& page, Work&& work) {
     const BothThreads threads(state.range(0));
     CDibImage image(page);
-    state.counters["peak_MB"] =
-        static_cast<double>(PeakBytes([&] { work(image); })) / (1024.0 * 1024.0);
+    CountPeak(state, [&] { work(image); });
     for (auto _ : state) {
         state.PauseTiming();
         CopyPixels(page, image);
@@ -95,8 +100,7 @@ void MeasureOnNew(benchmark::State& state, const CDibImage& page, Work&& work) {
     const BothThreads threads(state.range(0));
     {
         CDibImage image(page);
-        state.counters["peak_MB"] =
-            static_cast<double>(PeakBytes([&] { work(image); })) / (1024.0 * 1024.0);
+        CountPeak(state, [&] { work(image); });
     }
     for (auto _ : state) {
         state.PauseTiming();

@@ -30,9 +30,7 @@ struct BasicPlaneView {
         return {first + (height - 1) * stride, width, height, channels, -stride};
     }
 
-    operator BasicPlaneView<const Byte>() const
-        requires(!std::is_const_v<Byte>)
-    {
+    operator BasicPlaneView<const Byte>() const requires(!std::is_const_v<Byte>) {
         return {first, width, height, channels, stride};
     }
 };
