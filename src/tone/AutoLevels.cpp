@@ -40,13 +40,6 @@ PixelMap ClippedStretch(const Histogram& histogram, const Mode& mode) {
     return table;
 }
 
-PixelMap Behind(const PixelMap& first, const PixelMap& second) {
-    PixelMap both{};
-    for (std::size_t i = 0; i < both.size(); ++i)
-        both[i] = second[first[i]];
-    return both;
-}
-
 /// Each channel by itself, which takes colour casts away.
 void StretchChannels(PlaneView pixels, const Mode& mode) {
     const std::array<Histogram, 3> histograms = CountChannels(pixels);
@@ -59,14 +52,14 @@ void StretchChannels(PlaneView pixels, const Mode& mode) {
 void StretchBrightness(PlaneView pixels, const Mode& mode) {
     if (pixels.channels == 1) {
         const PixelMap table = BrightnessTable(CountBytes(pixels), mode.low);
-        MapRows(Behind(table, table), pixels);  // twice, on purpose
+        MapRows(Compose(table, table), pixels);  // twice, on purpose
         return;
     }
     const std::array<Histogram, 4> histograms = CountChannelsAndLuma(pixels);
     const PixelMap luma = BrightnessTable(histograms[3], mode.low);
     ChannelMaps maps{};
     for (std::size_t c = 0; c < maps.size(); ++c)
-        maps[c] = Behind(BrightnessTable(histograms[c], mode.low), luma);
+        maps[c] = Compose(BrightnessTable(histograms[c], mode.low), luma);
     MapChannelRows(maps, pixels);
 }
 

@@ -19,14 +19,6 @@ PixelMap TableOf(std::uint32_t shadow, std::uint32_t light, PointByte which) {
                       static_cast<int>(light >> shift & 255));
 }
 
-/// `first`, then `second`.
-PixelMap Compose(const PixelMap& first, const PixelMap& second) {
-    PixelMap both;
-    for (std::size_t i = 0; i < both.size(); ++i)
-        both[i] = second[first[i]];
-    return both;
-}
-
 int ApplyMaster(CDibImage& image, std::uint32_t shadow, std::uint32_t light) {
     const std::uint32_t low = shadow >> 24, high = light >> 24;
     if (low == high || (low == 0 && high == 255))

@@ -65,6 +65,13 @@ PixelMap IdentityPixelMap() {
     return map;
 }
 
+PixelMap Compose(const PixelMap& first, const PixelMap& second) {
+    PixelMap both{};
+    for (std::size_t i = 0; i < both.size(); ++i)
+        both[i] = second[first[i]];
+    return both;
+}
+
 int MapHighlight(int highlight, int threshold, PixelMap& map) {
     if (highlight == 100)
         return 0;

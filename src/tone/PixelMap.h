@@ -16,6 +16,8 @@ class CDibImage;
 using PixelMap = std::array<std::uint8_t, 256>;
 
 PixelMap IdentityPixelMap();
+/// `first`, then `second`.
+PixelMap Compose(const PixelMap& first, const PixelMap& second);
 
 /// Gain in percent for samples from `threshold` on, the others keep their value; 100 is neutral.
 /// Here, in brightness and in gamma a negative result saturates at 255.
