@@ -31,18 +31,22 @@ bool CreateScaled(const CDibImage& image, int width, int height, CDibImage& scal
            (image.GetAlpha() == nullptr || scaled.CreateAlpha());
 }
 
-/// Replaces an 8-bit or 24-bit image by its scaled form, alpha with it.
+/// The scaled form of an 8-bit or 24-bit image, alpha with it; empty without memory.
+CDibImage Scaled(const CDibImage& image, int width, int height, PlaneResizer resize) {
+    CDibImage scaled;
+    if (!CreateScaled(image, width, height, scaled))
+        return {};
+    scaled.SetGrayPalette();
+    resize(ViewOf(image), ViewOf(scaled));
+    if (image.GetAlpha() != nullptr)
+        ScaleAlpha(image, scaled, resize);
+    return scaled;
+}
+
 int Scale(CDibImage& image, int width, int height, PlaneResizer resize) {
     return RefuseWhenOutOfMemory([&] {
-        CDibImage scaled;
-        if (!CreateScaled(image, width, height, scaled))
-            return 0;
-        scaled.SetGrayPalette();
-        const CDibImage& source = image;
-        resize(ViewOf(source), ViewOf(scaled));
-        if (source.GetAlpha() != nullptr)
-            ScaleAlpha(source, scaled, resize);
-        return image.TakePixels(scaled) ? 1 : 0;
+        CDibImage scaled = Scaled(image, width, height, resize);
+        return scaled.IsValid() && image.TakePixels(scaled) ? 1 : 0;
     });
 }
 
@@ -108,6 +112,10 @@ int ScaleAtLowDepth(CDibImage& image, int width, int height, PlaneResizer resize
     });
 }
 
+PlaneResizer AreaOrLanczos(const CDibImage& image, int width, int height) {
+    return Shrinks(image, width, height) ? PlaneResizer(ResizeArea) : PlaneResizer(ResizeLanczos);
+}
+
 }  // namespace
 
 int ResizeTo(CDibImage& image, int width, int height, bool keepBits) {
@@ -115,13 +123,19 @@ int ResizeTo(CDibImage& image, int width, int height, bool keepBits) {
         return 0;
     if (HasSize(image, width, height))
         return 1;
-    const bool shrinks = Shrinks(image, width, height);
-    if (shrinks && (image.IsBW() || (keepBits && image.GetBpp() < 8)))
+    if (Shrinks(image, width, height) && (image.IsBW() || (keepBits && image.GetBpp() < 8)))
         return ReduceBilevelAware(image, width, height);
     if (EnsureGrayOrRgb(image) == 0)
         return 0;
-    return Scale(image, width, height,
-                 shrinks ? PlaneResizer(ResizeArea) : PlaneResizer(ResizeLanczos));
+    return Scale(image, width, height, AreaOrLanczos(image, width, height));
+}
+
+CDibImage ResizedColor(const CDibImage& image, int width, int height) {
+    if (!CanScale(image, width, height) || image.GetBpp() != 24)
+        return {};
+    if (HasSize(image, width, height))
+        return image;
+    return Scaled(image, width, height, AreaOrLanczos(image, width, height));
 }
 
 int ResizeToLinear(CDibImage& image, int width, int height) {

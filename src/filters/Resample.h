@@ -13,7 +13,11 @@ class CDibImage;
 /// no memory.
 int ResizeTo(CDibImage& image, int width, int height, bool keepBits = false);
 
-/// The same with linear interpolation both ways; 8 and 24 bits.
+/// What ResizeTo makes of a 24-bit image, which stays. Empty for other images, a side below 1 or no
+/// memory; throws std::bad_alloc where a resize needs more.
+CDibImage ResizedColor(const CDibImage& image, int width, int height);
+
+/// ResizeTo with linear interpolation both ways; 8 and 24 bits.
 int ResizeToLinear(CDibImage& image, int width, int height);
 
 /// Area averaging where both sides shrink, else linear. 1-bit and 4-bit images stay at their depth,

@@ -119,10 +119,10 @@ int HalfAwayFromZero(double value) {
 Weights WeightsFor(const CDibImage& image) {
     const double width = image.GetWidth(), height = image.GetHeight();
     const double factor = kSmallSide / std::sqrt(width * height);
-    CDibImage small(image);
+    CDibImage small =
+        ResizedColor(image, HalfAwayFromZero(width * factor), HalfAwayFromZero(height * factor));
     std::vector<Difference> differences;
-    if (!small.IsValid() ||
-        ResizeTo(small, HalfAwayFromZero(width * factor), HalfAwayFromZero(height * factor)) == 0)
+    if (!small.IsValid())
         throw std::bad_alloc();
     AddGlobalPairs(small, differences);
     if (ResizeTo(small, HalfAwayFromZero(small.GetWidth() / 2.0),
