@@ -187,9 +187,9 @@ int DarkestLevel(ConstPlaneView plane) {
 
 /// Calls `visit(sums, y)` for every row with the sums at that row; each thread has its own.
 template <typename Visit>
-void ForEachRow(std::vector<WindowSums>& sums, int height, Visit&& visit) {
-#pragma omp parallel for schedule(static)
-    for (int y = 0; y < height; ++y) {
+void ForEachRow(std::vector<WindowSums>& sums, ConstPlaneView plane, Visit&& visit) {
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
+    for (int y = 0; y < plane.height; ++y) {
         WindowSums& own = sums[static_cast<std::size_t>(ThreadNumber())];
         own.GoTo(y);
         visit(own, y);
@@ -198,7 +198,7 @@ void ForEachRow(std::vector<WindowSums>& sums, int height, Visit&& visit) {
 
 double LargestVariance(std::vector<WindowSums>& sums, ConstPlaneView plane) {
     std::vector<double> ofRow(static_cast<std::size_t>(plane.height));
-    ForEachRow(sums, plane.height, [&](const WindowSums& at, int y) {
+    ForEachRow(sums, plane, [&](const WindowSums& at, int y) {
         ofRow[static_cast<std::size_t>(y)] = LargestVarianceOfRow(
             at.First(), at.Last(), at.FirstSquares(), at.LastSquares(), at.Share(), plane.width);
     });
@@ -233,7 +233,7 @@ bool WolfThreshold(CDibImage& image, int windowWidth, int windowHeight, int lowB
                const PageTone tone{static_cast<float>(std::sqrt(LargestVariance(sums, plane))),
                                    static_cast<float>(DarkestLevel(plane)), lowBound, highBound};
                const PlaneView target = ViewOf(image);
-               ForEachRow(sums, plane.height, [&](const WindowSums& at, int y) {
+               ForEachRow(sums, plane, [&](const WindowSums& at, int y) {
                    ThresholdRow(at.First(), at.Last(), at.FirstSquares(), at.LastSquares(),
                                 at.Share(), plane.width, tone, plane.Row(y).data(),
                                 target.Row(y).data());

@@ -58,7 +58,8 @@ BoxSize WorkSize(ConstPlaneView pixels) {
 FloatPlane ReducedSamples(ConstPlaneView pixels, BoxSize size) {
     FloatPlane plane(size.width, size.height, pixels.channels);
     ResizeArea(pixels, plane.View());
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{size.width} * size.height))
     for (int y = 0; y < size.height; ++y)
         for (float& sample : plane.View().Row(y))
             sample += 1.0F;
@@ -67,7 +68,8 @@ FloatPlane ReducedSamples(ConstPlaneView pixels, BoxSize size) {
 
 /// A blur of samples from 1 up is no less than 1, save for what the floats lose.
 void AddLogs(ConstFloatView blurred, FloatView sums) {
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{sums.width} * sums.height))
     for (int y = 0; y < sums.height; ++y) {
         const float* from = blurred.Row(y).data();
         for (float& sum : sums.Row(y))
@@ -147,7 +149,8 @@ Spread MeasureSpread(Differences& differences, int height) {
         double sum = 0, squares = 0;
     };
     std::vector<RowSums> perRow(static_cast<std::size_t>(height));
-#pragma omp parallel for schedule(static)
+    const auto samples = static_cast<std::int64_t>(differences.RowSize()) * height;
+#pragma omp parallel for schedule(static) if (IsWorthThreads(samples))
     for (int y = 0; y < height; ++y) {
         const float* row = differences.Row(y);
         std::array<double, 4> sums{}, squares{};
@@ -165,7 +168,7 @@ Spread MeasureSpread(Differences& differences, int height) {
         total.sum += row.sum;
         total.squares += row.squares;
     }
-    const double count = static_cast<double>(differences.RowSize()) * height;
+    const auto count = static_cast<double>(samples);
     const double mean = total.sum / count;
     return {mean, std::sqrt(std::max(total.squares / count - mean * mean, 0.0))};
 }

@@ -6,7 +6,6 @@
 
 #include "reduce/CleanPage.h"
 #include "support/Images.h"
-#include "support/Threads.h"
 
 namespace velloran {
 namespace {
@@ -167,20 +166,6 @@ TEST(SmoothEdges, SmallSidesAndOtherDepthsAreLeftAlone) {
     }
     CDibImage empty;
     EXPECT_EQ(SmoothEdges(empty), 0);
-}
-
-TEST(SmoothEdges, ThreadsDoNotChangeAPixel) {
-    const CDibImage page = RoughPage(97, 83, 5);
-    CDibImage one(page), four(page);
-    {
-        const test::Threads threads(1);
-        ASSERT_NE(SmoothEdges(one), 0);
-    }
-    {
-        const test::Threads threads(4);
-        ASSERT_NE(SmoothEdges(four), 0);
-    }
-    test::ExpectSamePixels(one, four);
 }
 
 }  // namespace

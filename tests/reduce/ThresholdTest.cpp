@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/Threads.h"
 #include "reduce/Binarize.h"
 #include "support/Images.h"
 #include "support/Threads.h"
@@ -264,7 +265,8 @@ TEST(WolfThreshold, AnyWindowThatAnIntHoldsIsTheWholePage) {
 }
 
 TEST(WolfThreshold, ThreadsDoNotChangeAPixel) {
-    const CDibImage page = test::Noise(101, 67, 8);
+    const CDibImage page = test::Noise(331, 211, 8);
+    ASSERT_TRUE(IsWorthThreads(ViewOf(page)));
     CDibImage one(page), four(page);
     {
         const test::Threads threads(1);
