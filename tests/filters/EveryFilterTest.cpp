@@ -16,6 +16,7 @@
 #include "filters/SmoothPlane.h"
 #include "filters/SurfaceBlur.h"
 #include "filters/UnsharpMask.h"
+#include "support/Differ.h"
 #include "support/Images.h"
 #include "support/Threads.h"
 
@@ -206,16 +207,6 @@ TEST_P(EveryFilter, GivesTheSameBytesWithOneTwoAndSevenThreads) {
     }
 }
 
-bool AreSame(const CDibImage& a, const CDibImage& b) {
-    if (a.GetBpp() != b.GetBpp() || a.GetWidth() != b.GetWidth() || a.GetHeight() != b.GetHeight())
-        return false;
-    for (int y = 0; y < a.GetHeight(); ++y)
-        for (int x = 0; x < a.GetWidth(); ++x)
-            if (test::PixelAt(a, x, y) != test::PixelAt(b, x, y))
-                return false;
-    return true;
-}
-
 TEST_P(EveryFilter, WithoutMemoryThePixelsAreThoseOfWholeRounds) {
     const auto& [name, run, depth, reach, firstRound] = GetParam();
     for (const int bpp : {1, 4, 8}) {
@@ -231,9 +222,9 @@ TEST_P(EveryFilter, WithoutMemoryThePixelsAreThoseOfWholeRounds) {
         const int failures = test::RunWithScarceMemory(
             page, /*onlyOne=*/false, run, [&](const CDibImage& image, int result, bool failed) {
                 if (!failed) {
-                    EXPECT_TRUE(result != 0 && AreSame(image, whole));
-                } else if (!AreSame(image, page) && !AreSame(image, normal)) {
-                    EXPECT_TRUE(result != 0 && firstRound != nullptr && AreSame(image, half));
+                    EXPECT_TRUE(result != 0 && !test::Differ(image, whole));
+                } else if (test::Differ(image, page) && test::Differ(image, normal)) {
+                    EXPECT_TRUE(result != 0 && firstRound != nullptr && !test::Differ(image, half));
                     wasHalf = true;
                 }
             });

@@ -110,12 +110,16 @@ TEST(UnsharpMask, IsTheMaskOfTheBlurOnEveryPictureOfSixPixelsAndMore) {
     });
 }
 
-TEST(UnsharpMask, WithBlurOnlyTheBlurIsTheResult) {
-    const CDibImage page = test::Noise(50, 40, 24);
+/// Blurring alone must give the Gaussian of the whole page.
+void ExpectBlurAtFullSize(const CDibImage& page, float radius) {
     CDibImage image = page, blurred = page;
-    EXPECT_EQ(UnsharpMask(image, 1, 2.5F, 1, 1, /*blurOnly=*/true), 1);
-    EXPECT_EQ(GaussianBlurInPlace(ViewOf(blurred), 2.5F), 1);
+    EXPECT_EQ(UnsharpMask(image, 1, radius, 1, 1, /*blurOnly=*/true), 1);
+    EXPECT_EQ(GaussianBlurInPlace(ViewOf(blurred), radius), 1);
     test::ExpectSamePixels(image, blurred);
+}
+
+TEST(UnsharpMask, WithBlurOnlyTheBlurIsTheResult) {
+    ExpectBlurAtFullSize(test::Noise(50, 40, 24), 2.5F);
 }
 
 TEST(UnsharpMask, AThresholdOfOneIsHalvedToNone) {
@@ -206,19 +210,11 @@ TEST(UsmWorkingSize, AThinPictureKeepsAPixel) {
 }
 
 TEST(UnsharpMask, RadiusFortyOn900By700BlursAtFullSize) {
-    const CDibImage page = test::Noise(900, 700, 8);
-    CDibImage image = page, blurred = page;
-    EXPECT_EQ(UnsharpMask(image, 1, 40.0F, 1, 1, /*blurOnly=*/true), 1);
-    EXPECT_EQ(GaussianBlurInPlace(ViewOf(blurred), 40.0F), 1);
-    test::ExpectSamePixels(image, blurred);
+    ExpectBlurAtFullSize(test::Noise(900, 700, 8), 40.0F);
 }
 
 TEST(UnsharpMask, RadiusTwentyOn2000By2000BlursAtFullSize) {
-    const CDibImage page = test::Smooth(2000, 2000, 8);
-    CDibImage image = page, blurred = page;
-    EXPECT_EQ(UnsharpMask(image, 1, 20.0F, 1, 1, /*blurOnly=*/true), 1);
-    EXPECT_EQ(GaussianBlurInPlace(ViewOf(blurred), 20.0F), 1);
-    test::ExpectSamePixels(image, blurred);
+    ExpectBlurAtFullSize(test::Smooth(2000, 2000, 8), 20.0F);
 }
 
 TEST(UnsharpMask, ALargeRadiusBlursAReducedCopy) {

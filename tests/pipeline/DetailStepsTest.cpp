@@ -15,16 +15,8 @@
 namespace velloran {
 namespace {
 
-using Values = std::vector<std::pair<ParaIndex, std::int32_t>>;
-
-CDibImage After(const Values& values, const CDibImage& before) {
-    CParaBlock block;
-    for (const auto& [index, value] : values)
-        block.SetPara(index, value);
-    CDibImage image = before;
-    test::Run(block, image);
-    return image;
-}
+using test::After;
+using test::Values;
 
 TEST(SurfaceBlurStep, CountsTheRadiusFromOneAndTheThresholdFromTwo) {
     const CDibImage page = test::Noise(40, 30, 24);

@@ -21,6 +21,7 @@
 #include "filters/SurfaceBlur.h"
 #include "filters/UnsharpMask.h"
 #include "pipeline/RunRecord.h"
+#include "support/Differ.h"
 #include "support/Images.h"
 #include "tone/Channels.h"
 #include "tone/LumCorrect.h"
@@ -270,20 +271,10 @@ TEST_P(OperationOfStep, MeetsPalettesAsTheyWereLoaded) {
     }
 }
 
-bool AreSame(const CDibImage& a, const CDibImage& b) {
-    if (a.GetBpp() != b.GetBpp() || a.GetWidth() != b.GetWidth() || a.GetHeight() != b.GetHeight())
-        return false;
-    for (int y = 0; y < a.GetHeight(); ++y)
-        for (int x = 0; x < a.GetWidth(); ++x)
-            if (test::PixelAt(a, x, y) != test::PixelAt(b, x, y))
-                return false;
-    return true;
-}
-
 TEST_P(OperationOfStep, ChangesThePage) {
     // Otherwise the comparison above would say nothing.
     const CDibImage page = Page(24);
-    EXPECT_FALSE(AreSame(Done(page, GetParam().operation), page));
+    EXPECT_TRUE(test::Differ(Done(page, GetParam().operation), page));
 }
 
 TEST_P(OperationOfStep, IsLeftOutWhereItsFirstValueIsNeutral) {
@@ -443,7 +434,7 @@ TEST(OperationsOfSteps, FromWhereMemoryEndsOnEachStepPassesThePageOn) {
             return 1;
         },
         [&](const CDibImage& image, int, bool failed) {
-            if (reached + 1 < states.size() && !AreSame(image, states[reached]))
+            if (reached + 1 < states.size() && test::Differ(image, states[reached]))
                 ++reached;
             test::ExpectSamePixels(image, states[reached]);
             EXPECT_TRUE(failed || reached + 1 == states.size());

@@ -1,9 +1,11 @@
 #pragma once
 
-// What a run tells while it goes: labels and polls of cancel, in their order.
+// What a run tells while it goes - labels and polls of cancel, in their order - and what it makes
+// of a page.
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/DibImage.h"
@@ -47,6 +49,18 @@ inline void Run(CParaBlock& block, CDibImage* image, int stop, RunRecord& record
 /// A whole run that nobody watches.
 inline void Run(CParaBlock& block, CDibImage& image) {
     block.RunPipeline(&image, nullptr, nullptr, nullptr, kStopWhole, nullptr);
+}
+
+using Values = std::vector<std::pair<ParaIndex, std::int32_t>>;
+
+/// What a whole run with these values makes of a page.
+inline CDibImage After(const Values& values, const CDibImage& before) {
+    CParaBlock block;
+    for (const auto& [index, value] : values)
+        block.SetPara(index, value);
+    CDibImage image = before;
+    Run(block, image);
+    return image;
 }
 
 }  // namespace velloran::test

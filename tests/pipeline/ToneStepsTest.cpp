@@ -14,6 +14,7 @@
 #include "core/ParaBlock.h"
 #include "filters/MultiScaleDetail.h"
 #include "pipeline/RunRecord.h"
+#include "support/Differ.h"
 #include "support/Images.h"
 #include "tone/AutoLevels.h"
 #include "tone/Channels.h"
@@ -29,27 +30,10 @@
 namespace velloran {
 namespace {
 
-using Values = std::vector<std::pair<ParaIndex, std::int32_t>>;
+using test::After;
+using test::Differ;
+using test::Values;
 using Change = std::function<void(CDibImage&)>;
-
-CDibImage After(const Values& values, const CDibImage& before) {
-    CParaBlock block;
-    for (const auto& [index, value] : values)
-        block.SetPara(index, value);
-    CDibImage image = before;
-    test::Run(block, image);
-    return image;
-}
-
-bool Differ(const CDibImage& a, const CDibImage& b) {
-    if (a.GetBpp() != b.GetBpp())
-        return true;
-    for (int y = 0; y < a.GetHeight(); ++y)
-        for (int x = 0; x < a.GetWidth(); ++x)
-            if (test::PixelAt(a, x, y) != test::PixelAt(b, x, y))
-                return true;
-    return false;
-}
 
 /// Values that switch on one step, and the call that they mean.
 struct StepCase {

@@ -8,6 +8,7 @@
 #include <set>
 #include <tuple>
 
+#include "reduce/AllColors.h"
 #include "reduce/DecreaseBpp.h"
 #include "reduce/PaletteMakers.h"
 #include "support/Images.h"
@@ -49,23 +50,8 @@ TEST(BadInput, WithoutPixelsEveryKindIsRefused) {
                 }
 }
 
-CDibImage AllColors() {
-    CDibImage image;
-    EXPECT_NE(image.Create(4096, 4096, 24), nullptr);
-    std::uint32_t color = 0;
-    for (int y = 0; y < 4096; ++y) {
-        std::uint8_t* pixel = image.GetBits(y);
-        for (int x = 0; x < 4096; ++x, ++color, pixel += 3) {
-            pixel[0] = static_cast<std::uint8_t>(color);
-            pixel[1] = static_cast<std::uint8_t>(color >> 8);
-            pixel[2] = static_cast<std::uint8_t>(color >> 16);
-        }
-    }
-    return image;
-}
-
 TEST(BadInput, AllColorsAreCutIntoTheEightOctantsOfTheCube) {
-    const CDibImage image = AllColors();
+    const CDibImage image = test::AllColors();
     std::set<std::tuple<int, int, int>> octants;  // the means 63.5 and 191.5 lose their halves
     for (const int red : {63, 191})
         for (const int green : {63, 191})
@@ -80,7 +66,7 @@ TEST(BadInput, AllColorsAreCutIntoTheEightOctantsOfTheCube) {
 }
 
 TEST(BadInput, AllColorsKeepTheOctreeWithinItsLeaves) {
-    const Palette palette = MakePalette(AllColors(), kOctree, 256, 8);
+    const Palette palette = MakePalette(test::AllColors(), kOctree, 256, 8);
     EXPECT_LE(palette.size(), 256u);
     EXPECT_GT(palette.size(), 128u);
 }

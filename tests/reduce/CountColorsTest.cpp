@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "core/PixelMemory.h"
+#include "reduce/AllColors.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"
 
@@ -58,17 +59,7 @@ TEST(CountColors, PaddingIsNotRead) {
 }
 
 TEST(CountColors, All16777216ColorsAreFound) {
-    CDibImage image;
-    ASSERT_NE(image.Create(4096, 4096, 24), nullptr);
-    std::uint32_t color = 0;
-    for (int y = 0; y < 4096; ++y) {
-        std::uint8_t* pixel = image.GetBits(y);
-        for (int x = 0; x < 4096; ++x, ++color, pixel += 3) {
-            pixel[0] = static_cast<std::uint8_t>(color);
-            pixel[1] = static_cast<std::uint8_t>(color >> 8);
-            pixel[2] = static_cast<std::uint8_t>(color >> 16);
-        }
-    }
+    const CDibImage image = test::AllColors();
     EXPECT_EQ(CountColors(image), 1 << 24);
     EXPECT_TRUE(CollectExactPalette(image, 256, 0xFFFFFFFF).palette.empty());
 }
