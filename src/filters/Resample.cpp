@@ -130,8 +130,8 @@ int ResizeTo(CDibImage& image, int width, int height, bool keepBits) {
     return Scale(image, width, height, AreaOrLanczos(image, width, height));
 }
 
-CDibImage ResizedColor(const CDibImage& image, int width, int height) {
-    if (!CanScale(image, width, height) || image.GetBpp() != 24)
+CDibImage ResizedCopy(const CDibImage& image, int width, int height) {
+    if (!CanScale(image, width, height) || (image.GetBpp() != 24 && !image.IsGrayScale()))
         return {};
     if (HasSize(image, width, height))
         return image;

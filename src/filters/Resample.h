@@ -13,9 +13,9 @@ class CDibImage;
 /// no memory.
 int ResizeTo(CDibImage& image, int width, int height, bool keepBits = false);
 
-/// What ResizeTo makes of a 24-bit image, which stays. Empty for other images, a side below 1 or no
-/// memory; throws std::bad_alloc where a resize needs more.
-CDibImage ResizedColor(const CDibImage& image, int width, int height);
+/// What ResizeTo makes of a 24-bit or grey image, which stays. Empty for other images, a side below
+/// 1 or no memory; throws std::bad_alloc where a resize needs more.
+CDibImage ResizedCopy(const CDibImage& image, int width, int height);
 
 /// ResizeTo with linear interpolation both ways; 8 and 24 bits.
 int ResizeToLinear(CDibImage& image, int width, int height);

@@ -120,7 +120,7 @@ Weights WeightsFor(const CDibImage& image) {
     const double width = image.GetWidth(), height = image.GetHeight();
     const double factor = kSmallSide / std::sqrt(width * height);
     CDibImage small =
-        ResizedColor(image, HalfAwayFromZero(width * factor), HalfAwayFromZero(height * factor));
+        ResizedCopy(image, HalfAwayFromZero(width * factor), HalfAwayFromZero(height * factor));
     std::vector<Difference> differences;
     if (!small.IsValid())
         throw std::bad_alloc();

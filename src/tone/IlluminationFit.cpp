@@ -31,27 +31,28 @@ constexpr std::size_t kMostSamples = 8000;
 constexpr int kRounds = 5;
 constexpr double kOutlierDeviations = 1.5, kLeastOutlier = 6;
 
-CDibImage ReducedGray(const CDibImage& image) {
-    CDibImage gray;
-    if (image.GetBpp() == 24) {
-        if (gray.Create(image.GetWidth(), image.GetHeight(), 8) == nullptr)
-            throw std::bad_alloc();
-        gray.SetGrayPalette();
-        WeightedGray(ViewOf(image), {0.114F, 0.587F, 0.299F}, ViewOf(gray));
-    } else {
-        gray = image;
-    }
-    const std::int64_t width = image.GetWidth(), height = image.GetHeight();
-    const std::int64_t longer = std::max(width, height);
-    if (longer > kReducedSide) {
-        const auto reduced = [&](std::int64_t side) {
-            return static_cast<int>(std::max<std::int64_t>(side * kReducedSide / longer, 1));
-        };
-        ResizeTo(gray, reduced(width), reduced(height));
-    }
-    if (!gray.IsValid() || std::max(gray.GetWidth(), gray.GetHeight()) > kReducedSide)
+/// A grey image no longer than the reduced side.
+CDibImage Reduced(const CDibImage& gray) {
+    const std::int64_t width = gray.GetWidth(), height = gray.GetHeight();
+    const std::int64_t longer = std::max<std::int64_t>({width, height, kReducedSide});
+    const auto side = [&](std::int64_t whole) {
+        return static_cast<int>(std::max<std::int64_t>(whole * kReducedSide / longer, 1));
+    };
+    CDibImage reduced = ResizedCopy(gray, side(width), side(height));
+    if (!reduced.IsValid())
         throw std::bad_alloc();
-    return gray;
+    return reduced;
+}
+
+CDibImage ReducedGray(const CDibImage& image) {
+    if (image.GetBpp() == 8)
+        return Reduced(image);
+    CDibImage gray;
+    if (gray.Create(image.GetWidth(), image.GetHeight(), 8) == nullptr)
+        throw std::bad_alloc();
+    gray.SetGrayPalette();
+    WeightedGray(ViewOf(image), {0.114F, 0.587F, 0.299F}, ViewOf(gray));
+    return Reduced(gray);
 }
 
 /// Black where something lies on the paper, and close around it.

@@ -51,6 +51,24 @@ TEST(ResizeTo, EnlargesAndStretchesByLanczosAndReducesByArea) {
     }
 }
 
+TEST(ResizedCopy, IsWhatResizeToMakesAndLeavesTheImage) {
+    for (const int bpp : {8, 24})
+        for (const auto& [width, height] : {std::pair{13, 9}, {60, 50}, {60, 10}, {40, 30}}) {
+            const CDibImage page = test::Noise(40, 30, bpp);
+            CDibImage resized = page;
+            ASSERT_EQ(ResizeTo(resized, width, height), 1);
+            test::ExpectSamePixels(ResizedCopy(page, width, height), resized);
+            test::ExpectSamePixels(page, test::Noise(40, 30, bpp));
+        }
+}
+
+TEST(ResizedCopy, RefusesOtherImagesAndSides) {
+    EXPECT_FALSE(ResizedCopy(CDibImage(), 5, 5).IsValid());
+    EXPECT_FALSE(ResizedCopy(test::Noise(40, 30, 24), 0, 5).IsValid());
+    EXPECT_FALSE(ResizedCopy(test::Noise(40, 30, 1), 5, 5).IsValid());
+    EXPECT_FALSE(ResizedCopy(test::Noise(40, 30, 4), 5, 5).IsValid());
+}
+
 TEST(ResizeTo, ATargetLargerOneWayAndSmallerTheOtherTakesLanczos) {
     const CDibImage page = test::Noise(40, 30, 24);
     for (const auto& [width, height] : {std::pair{60, 10}, {10, 60}}) {
