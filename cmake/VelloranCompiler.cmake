@@ -12,8 +12,12 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG")
 
 find_program(VELLORAN_CCACHE ccache)
 if(VELLORAN_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${VELLORAN_CCACHE})
+    # The cache looks into precompiled headers only when it is told that it may.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros ${VELLORAN_CCACHE})
 endif()
+# Last on the command line, so that it wins over the build type.
+set(VELLORAN_TEST_OPTIONS -O1)
 
 add_library(velloran_flags INTERFACE)
 target_include_directories(velloran_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
@@ -23,8 +27,9 @@ target_compile_options(velloran_flags INTERFACE
     # Results must not hang on what the compiler contracts.
     -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # This compiler warns of overlaps inside its own std::string, where there are none.
+    # This compiler warns of overlaps and bounds inside its own std::string, where there are none.
     target_compile_options(velloran_flags INTERFACE -Wno-restrict)
+    list(APPEND VELLORAN_TEST_OPTIONS -Wno-array-bounds)
 endif()
 if(VELLORAN_WERROR)
     target_compile_options(velloran_flags INTERFACE -Werror)

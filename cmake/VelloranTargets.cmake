@@ -24,6 +24,9 @@ function(velloran_test name)
     endif()
     target_link_libraries(velloran_${name}_test PRIVATE
         ${ARG_DEPENDS} velloran_test_support GTest::gtest GTest::gtest_main)
+    # What a test computes beside the code under test is small; compiling it should be quick.
+    target_compile_options(velloran_${name}_test PRIVATE ${VELLORAN_TEST_OPTIONS})
+    target_precompile_headers(velloran_${name}_test REUSE_FROM velloran_test_support)
     gtest_discover_tests(velloran_${name}_test DISCOVERY_MODE PRE_TEST
         PROPERTIES TIMEOUT 600)
 endfunction()

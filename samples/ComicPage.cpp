@@ -4,9 +4,9 @@
 #include <cmath>
 #include <numeric>
 
-#include "core/Text.h"
 #include "samples/ComicScenes.h"
 #include "samples/TextFlow.h"
+#include "text/Text.h"
 
 namespace velloran::samples {
 

@@ -7,11 +7,11 @@
 #include <new>
 #include <stdexcept>
 
-#include "batch/ImageFiles.h"
 #include "core/GrayDepth.h"
-#include "core/ParaBlock.h"
-#include "core/Text.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "samples/ContactSheet.h"
+#include "text/Text.h"
 
 namespace {
 

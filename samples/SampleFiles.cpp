@@ -8,8 +8,8 @@
 #include "codecs/Jpeg.h"
 #include "codecs/Png.h"
 #include "codecs/Tiff.h"
-#include "core/AtomicFile.h"
-#include "core/ParaBlock.h"
+#include "io/AtomicFile.h"
+#include "params/ParaBlock.h"
 #include "samples/Random.h"
 
 namespace velloran::samples {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "core/Text.h"
+#include "text/Text.h"
 
 namespace velloran::samples {
 

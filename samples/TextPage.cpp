@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/Text.h"
 #include "samples/TextFlow.h"
+#include "text/Text.h"
 
 namespace velloran::samples {
 

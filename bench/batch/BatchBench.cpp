@@ -9,10 +9,10 @@
 #include <string>
 
 #include "batch/BatchEngine.h"
-#include "batch/ImageFiles.h"
-#include "batch/ProcessorCount.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "core/ProcessorCount.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "support/Page.h"
 
 namespace velloran::bench {

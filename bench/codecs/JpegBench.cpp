@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 #include "support/Page.h"
 
 // An A4 page at 300 dpi, quality 85. Beside each stands the same work by plain calls of

@@ -10,7 +10,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Console.h"
-#include "core/ParaTable.h"
+#include "params/ParaTable.h"
 
 namespace {
 

@@ -13,13 +13,13 @@
 #include "batch/BatchWorkers.h"
 #include "batch/ConvertFile.h"
 #include "batch/FoundValues.h"
-#include "batch/ProcessorCount.h"
-#include "batch/ProgramPlaces.h"
 #include "batch/RunLog.h"
-#include "batch/TargetNames.h"
-#include "core/Labels.h"
-#include "core/ParaBlock.h"
-#include "core/Text.h"
+#include "core/ProcessorCount.h"
+#include "files/ProgramPlaces.h"
+#include "files/TargetNames.h"
+#include "params/ParaBlock.h"
+#include "text/Labels.h"
+#include "text/Text.h"
 
 namespace velloran {
 

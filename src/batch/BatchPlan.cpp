@@ -5,9 +5,10 @@
 #include <utility>
 
 #include "batch/DirEnhance.h"
-#include "batch/TargetNames.h"
-#include "core/TargetRule.h"
-#include "core/Text.h"
+#include "files/TargetNames.h"
+#include "params/TargetRule.h"
+#include "text/PathText.h"
+#include "text/Text.h"
 
 namespace velloran {
 

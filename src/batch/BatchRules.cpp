@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 
-#include "core/Labels.h"
-#include "core/ParaBlock.h"
-#include "core/TargetRule.h"
+#include "params/ParaBlock.h"
+#include "params/TargetRule.h"
+#include "text/Labels.h"
 
 namespace velloran {
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "batch/ProcessorCount.h"
+#include "core/ProcessorCount.h"
 
 namespace velloran {
 

@@ -4,17 +4,17 @@
 #include <system_error>
 #include <utility>
 
-#include "batch/AutoExtension.h"
-#include "batch/FileCopy.h"
-#include "batch/ImageFiles.h"
 #include "batch/RunLog.h"
-#include "batch/TargetNames.h"
 #include "core/DibImage.h"
-#include "core/Labels.h"
-#include "core/ParaBlock.h"
-#include "core/TargetRule.h"
-#include "core/Text.h"
+#include "files/AutoExtension.h"
+#include "files/FileCopy.h"
+#include "files/ImageFiles.h"
+#include "files/TargetNames.h"
+#include "params/ParaBlock.h"
+#include "params/TargetRule.h"
 #include "reduce/CheckGray.h"
+#include "text/Labels.h"
+#include "text/Text.h"
 
 namespace velloran {
 

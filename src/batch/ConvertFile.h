@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "batch/BatchPlan.h"
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

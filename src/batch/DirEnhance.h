@@ -7,7 +7,7 @@
 #include <functional>
 #include <system_error>
 
-#include "batch/SrchDir.h"
+#include "files/SrchDir.h"
 
 namespace velloran {
 

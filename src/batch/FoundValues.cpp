@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 #include "pipeline/Split.h"
 
 namespace velloran {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 
 namespace velloran {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "batch/MessagePump.h"
+#include "core/MessagePump.h"
 
 namespace velloran {
 

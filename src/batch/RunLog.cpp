@@ -9,8 +9,9 @@
 #include <iterator>
 #include <utility>
 
-#include "core/Labels.h"
-#include "core/Text.h"
+#include "text/Labels.h"
+#include "text/PathText.h"
+#include "text/Text.h"
 
 namespace velloran {
 

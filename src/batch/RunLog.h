@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

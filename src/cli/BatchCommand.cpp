@@ -20,11 +20,11 @@
 #include "cli/ParameterOptions.h"
 #include "cli/ProcessUsage.h"
 #include "cli/StopSignal.h"
-#include "core/Labels.h"
-#include "core/ParaBlock.h"
 #include "core/PixelMemory.h"
-#include "core/TargetRule.h"
-#include "core/Text.h"
+#include "params/ParaBlock.h"
+#include "params/TargetRule.h"
+#include "text/Labels.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 

@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <system_error>
 
-#include "batch/ProgramPlaces.h"
 #include "cli/ParameterOptions.h"
-#include "core/ParaBlock.h"
-#include "core/ProfileFile.h"
-#include "core/Text.h"
+#include "files/ProgramPlaces.h"
+#include "io/FileError.h"
+#include "params/ParaBlock.h"
+#include "params/ProfileStore.h"
+#include "text/ProfileFile.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 
@@ -56,11 +58,11 @@ std::string ReadSection(const fs::path& file, const ProfileFile& profile,
     return {};
 }
 
-std::string LoadProfile(const fs::path& file, ProfileFile& profile) {
+std::string OpenProfile(const fs::path& file, ProfileFile& profile) {
     FileError error;
     if (!IsPlainFile(file))
         return fmt::format("{}: there is no such settings file", file.native());
-    if (!profile.Load(file, &error))
+    if (!velloran::LoadProfile(file, profile, &error))
         return fmt::format("{}: {}", file.native(), error.detail);
     return {};
 }
@@ -69,7 +71,7 @@ std::string FillFromSetting(const std::string& text, CParaBlock& block,
                             std::vector<std::string>& warnings) {
     const SettingPlace place = PickReading(text);
     ProfileFile profile;
-    if (std::string problem = LoadProfile(place.file, profile); !problem.empty())
+    if (std::string problem = OpenProfile(place.file, profile); !problem.empty())
         return problem;
     if (place.section) {
         const std::u16string section = ToUtf16(*place.section);
@@ -88,7 +90,7 @@ std::string FillFromStore(const ParameterOptions& options, CParaBlock& block,
     const fs::path store =
         options.storeFile ? fs::path(*options.storeFile) : FindProgramPlaces().namedSettings;
     ProfileFile profile;
-    if (std::string problem = LoadProfile(store, profile); !problem.empty())
+    if (std::string problem = OpenProfile(store, profile); !problem.empty())
         return problem;
     const std::u16string name = ToUtf16(*options.named);
     if (name.empty() || !profile.HasKeys(name))

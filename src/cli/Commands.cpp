@@ -7,7 +7,7 @@
 #include "cli/Arguments.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 
 namespace velloran::cli {
 

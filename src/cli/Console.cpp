@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <system_error>
 
-#include "core/Text.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 

@@ -5,8 +5,8 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
-#include "core/ParaBlock.h"
-#include "core/Text.h"
+#include "params/ParaBlock.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 

@@ -8,12 +8,12 @@
 #include <system_error>
 #include <vector>
 
-#include "batch/FileType.h"
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
-#include "core/Labels.h"
+#include "files/FileType.h"
+#include "text/Labels.h"
 
 namespace velloran::cli {
 

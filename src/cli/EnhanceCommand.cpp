@@ -7,19 +7,19 @@
 #include <optional>
 #include <string>
 
-#include "batch/ImageFiles.h"
-#include "batch/ProcessorCount.h"
-#include "batch/SaveRules.h"
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
 #include "cli/StopSignal.h"
 #include "core/DibImage.h"
-#include "core/Labels.h"
-#include "core/ParaBlock.h"
-#include "core/Text.h"
+#include "core/ProcessorCount.h"
+#include "files/ImageFiles.h"
+#include "files/SaveRules.h"
+#include "params/ParaBlock.h"
 #include "reduce/CheckGray.h"
+#include "text/Labels.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 

@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "batch/FileType.h"
-#include "batch/ImageFiles.h"
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
 #include "cli/Json.h"
-#include "core/Labels.h"
-#include "core/Text.h"
+#include "files/FileType.h"
+#include "files/ImageFiles.h"
+#include "text/Labels.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 

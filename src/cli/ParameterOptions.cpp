@@ -4,8 +4,8 @@
 
 #include <array>
 
-#include "core/ParaTable.h"
-#include "core/Text.h"
+#include "params/ParaTable.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 

@@ -8,8 +8,8 @@
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
 #include "cli/Json.h"
-#include "core/ParaTable.h"
-#include "core/Text.h"
+#include "params/ParaTable.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 

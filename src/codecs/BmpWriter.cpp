@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "codecs/Bmp.h"
-#include "core/AtomicFile.h"
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 namespace {

@@ -11,7 +11,7 @@
 #include <span>
 
 #include "core/DibImage.h"
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

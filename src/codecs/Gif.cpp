@@ -3,7 +3,7 @@
 #include "codecs/DecodedPage.h"
 #include "codecs/GifReader.h"
 #include "codecs/GifWriter.h"
-#include "core/AtomicFile.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 

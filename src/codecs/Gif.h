@@ -7,7 +7,7 @@
 #include <span>
 
 #include "codecs/ImageInfo.h"
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

@@ -10,7 +10,7 @@
 #include "codecs/DecodedPage.h"
 #include "codecs/GifPalette.h"
 #include "codecs/IndexRows.h"
-#include "core/AtomicFile.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 namespace {

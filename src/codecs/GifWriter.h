@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/BaseImage.h"
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint32_t kJpegFileType = 1;  // as the source record counts file types
 
 std::filesystem::path PathIfJpeg(const ImageSource& source) {
-    return source.sourceInfo == kJpegFileType ? source.sourceName : std::filesystem::path();
+    return source.sourceInfo == kJpegFileType ? source.sourceName : std::string();
 }
 
 /// The tables that a compressor starts with, to compare against.

@@ -7,10 +7,10 @@
 #include "codecs/Jpeg.h"
 #include "codecs/JpegErrors.h"
 #include "codecs/JpegSource.h"
-#include "core/AtomicFile.h"
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
-#include "core/ParaBlock.h"
+#include "io/AtomicFile.h"
+#include "params/ParaBlock.h"
 
 namespace velloran {
 namespace {

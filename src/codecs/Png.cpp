@@ -3,7 +3,7 @@
 #include "codecs/DecodedPage.h"
 #include "codecs/PngReader.h"
 #include "codecs/PngWriter.h"
-#include "core/AtomicFile.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 

@@ -11,7 +11,7 @@
 #include "codecs/ImageInfo.h"
 #include "codecs/PngGuard.h"
 #include "core/DibImage.h"
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

@@ -11,8 +11,8 @@
 #include "codecs/DecodedPage.h"
 #include "codecs/IndexRows.h"
 #include "codecs/PngGuard.h"
-#include "core/AtomicFile.h"
 #include "core/DibImage.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 namespace {

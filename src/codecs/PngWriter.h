@@ -2,7 +2,7 @@
 
 // Codes an image as PNG.
 
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

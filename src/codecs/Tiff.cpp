@@ -3,7 +3,7 @@
 #include "codecs/DecodedPage.h"
 #include "codecs/TiffReader.h"
 #include "codecs/TiffWriter.h"
-#include "core/AtomicFile.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 

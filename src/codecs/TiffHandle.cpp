@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "core/AtomicFile.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <span>
 
-#include "core/FileError.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

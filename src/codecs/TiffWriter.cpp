@@ -7,8 +7,8 @@
 
 #include "codecs/DecodedPage.h"
 #include "codecs/TiffHandle.h"
-#include "core/AtomicFile.h"
 #include "core/DibImage.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 namespace {

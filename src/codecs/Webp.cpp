@@ -3,7 +3,7 @@
 #include "codecs/DecodedPage.h"
 #include "codecs/WebpReader.h"
 #include "codecs/WebpWriter.h"
-#include "core/AtomicFile.h"
+#include "io/AtomicFile.h"
 
 namespace velloran {
 

@@ -58,7 +58,7 @@ class ErrorText {
 
 /// What an image carries beside its pixels; copied as one group.
 struct ImageFields {
-    std::uint32_t type = 0;  // file type id, see batch/FileType.h
+    std::uint32_t type = 0;  // file type id, see files/FileType.h
     ErrorText lastError;
     std::int32_t progress = 0, escape = 0;
     std::int32_t backgroundIndex = -1;  // transparent palette index, -1 for none

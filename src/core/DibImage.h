@@ -4,7 +4,7 @@
 // loader knew of the file.
 
 #include <cstdint>
-#include <filesystem>
+#include <string>
 
 #include "core/BaseImage.h"
 
@@ -15,7 +15,7 @@ struct ImageSource {
     /// Bits per pixel of the file, or the count of palette entries where a loader counted them.
     std::uint32_t sourceColours = 0;
     std::uint32_t sourceFlag = 0;  // set by a loader; 0 for images that were built
-    std::filesystem::path sourceName;
+    std::string sourceName;        // path, as the bytes of the disk
     std::uint32_t sourceInfo = 0;  // file type id of sourceName
 };
 

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <span>
 
-#include "core/FileError.h"
 #include "core/PixelMemory.h"
+#include "io/FileError.h"
 
 namespace velloran {
 

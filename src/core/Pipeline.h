@@ -2,7 +2,7 @@
 
 // What crosses floors when a page runs through the enhancement: stop codes, the callbacks of a run
 // and the request records that one step fills and another reads. CParaBlock::RunPipeline is
-// declared in core/ParaBlock.h and defined in src/pipeline/.
+// declared in params/ParaBlock.h and defined in src/pipeline/.
 
 #include <cstdint>
 #include <functional>

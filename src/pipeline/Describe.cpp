@@ -1,6 +1,6 @@
 #include "pipeline/Describe.h"
 
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 
 namespace velloran {
 

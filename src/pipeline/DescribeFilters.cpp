@@ -1,9 +1,9 @@
 #include <array>
 
-#include "core/Labels.h"
-#include "core/NumberText.h"
 #include "pipeline/Describe.h"
 #include "pipeline/DescribeText.h"
+#include "text/Labels.h"
+#include "text/NumberText.h"
 
 namespace velloran {
 

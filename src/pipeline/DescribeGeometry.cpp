@@ -1,10 +1,10 @@
 #include <array>
 
-#include "core/Labels.h"
-#include "core/NumberText.h"
-#include "core/ParaLists.h"
+#include "params/ParaLists.h"
 #include "pipeline/Describe.h"
 #include "pipeline/DescribeText.h"
+#include "text/Labels.h"
+#include "text/NumberText.h"
 
 namespace velloran {
 

@@ -1,7 +1,7 @@
 #include "pipeline/DescribeText.h"
 
-#include "core/Labels.h"
-#include "core/NumberText.h"
+#include "text/Labels.h"
+#include "text/NumberText.h"
 
 namespace velloran {
 

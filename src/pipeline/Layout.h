@@ -2,8 +2,8 @@
 
 // The layout record of a run.
 
-#include "core/ParaBlock.h"
 #include "core/Pipeline.h"
+#include "params/ParaBlock.h"
 
 namespace velloran {
 

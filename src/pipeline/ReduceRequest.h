@@ -2,8 +2,8 @@
 
 // What a run asks of the colour reduction.
 
-#include "core/ParaBlock.h"
 #include "core/Pipeline.h"
+#include "params/ParaBlock.h"
 
 namespace velloran {
 

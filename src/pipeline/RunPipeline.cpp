@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 #include "pipeline/Describe.h"
 #include "pipeline/RunState.h"
 #include "pipeline/StepTable.h"

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
 #include "core/Pipeline.h"
+#include "params/ParaBlock.h"
 
 namespace velloran {
 

@@ -1,12 +1,12 @@
 #include "pipeline/StepTable.h"
 
-#include "core/Labels.h"
 #include "pipeline/Describe.h"
 #include "pipeline/FilterSteps.h"
 #include "pipeline/RunState.h"
 #include "pipeline/Split.h"
 #include "pipeline/Steps.h"
 #include "pipeline/ToneSteps.h"
+#include "text/Labels.h"
 
 namespace velloran {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 
 namespace velloran {
 

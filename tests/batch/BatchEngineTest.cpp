@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "batch/ImageFiles.h"
 #include "core/DibImage.h"
-#include "core/Labels.h"
-#include "core/ParaBlock.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "support/Images.h"
 #include "support/TempFolder.h"
+#include "text/Labels.h"
 
 namespace velloran::test {
 namespace {

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "batch/FoundValues.h"
-#include "batch/TargetNames.h"
-#include "core/Labels.h"
-#include "core/ParaBlock.h"
+#include "files/TargetNames.h"
+#include "params/ParaBlock.h"
 #include "support/TempFolder.h"
+#include "text/Labels.h"
 
 namespace velloran::test {
 namespace {

@@ -4,10 +4,10 @@
 
 #include <filesystem>
 
-#include "batch/ImageFiles.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
 #include "core/Pipeline.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "samples/SamplePage.h"
 #include "support/Images.h"
 #include "support/TempFolder.h"

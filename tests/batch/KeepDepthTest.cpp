@@ -5,9 +5,9 @@
 
 #include <filesystem>
 
-#include "batch/ImageFiles.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "reduce/CheckGray.h"
 #include "reduce/CountColors.h"
 #include "support/Images.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 #include "support/Images.h"
 
 namespace velloran {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "batch/MessagePump.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "core/MessagePump.h"
+#include "params/ParaBlock.h"
 #include "support/Images.h"
 
 namespace velloran {

@@ -8,9 +8,9 @@
 #include <nlohmann/json.hpp>
 
 #include "RunProgram.h"
-#include "batch/ImageFiles.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "support/Images.h"
 #include "support/TempFolder.h"
 

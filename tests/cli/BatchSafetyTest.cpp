@@ -12,12 +12,12 @@
 #include <random>
 
 #include "RunProgram.h"
-#include "batch/ImageFiles.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
-#include "core/Text.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "support/Images.h"
 #include "support/TempFolder.h"
+#include "text/Text.h"
 
 namespace velloran::test {
 namespace {

@@ -5,9 +5,9 @@
 #include <csignal>
 
 #include "RunProgram.h"
-#include "batch/ImageFiles.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "support/Images.h"
 #include "support/TempFolder.h"
 

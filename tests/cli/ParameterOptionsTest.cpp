@@ -4,7 +4,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Console.h"
-#include "core/ParaTable.h"
+#include "params/ParaTable.h"
 
 namespace velloran::cli {
 namespace {

@@ -12,9 +12,9 @@
 #include <array>
 #include <csignal>
 
-#include "batch/ImageFiles.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
 #include "support/Images.h"
 
 namespace velloran::test {

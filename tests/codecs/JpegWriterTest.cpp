@@ -12,7 +12,7 @@
 #include "codecs/Mutations.h"
 #include "codecs/PlainJpeg.h"
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"
 #include "support/SharedData.h"

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/ParaBlock.h"
-#include "core/Text.h"
+#include "params/ParaBlock.h"
+#include "text/Text.h"
 
 namespace velloran {
 namespace {

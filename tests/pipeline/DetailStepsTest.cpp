@@ -5,10 +5,10 @@
 #include <climits>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
 #include "filters/AdjustSharpen.h"
 #include "filters/MultiScaleDetail.h"
 #include "filters/SurfaceBlur.h"
+#include "params/ParaBlock.h"
 #include "pipeline/RunRecord.h"
 #include "support/Images.h"
 

@@ -8,11 +8,11 @@
 #include <utility>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
 #include "filters/LevelFilters.h"
 #include "filters/Morphology.h"
 #include "filters/Resample.h"
 #include "filters/UnsharpMask.h"
+#include "params/ParaBlock.h"
 #include "pipeline/Layout.h"
 #include "pipeline/RunRecord.h"
 #include "pipeline/RunState.h"

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
 #include "filters/AdjustSharpen.h"
 #include "filters/LevelFilters.h"
 #include "filters/Morphology.h"
@@ -20,6 +19,7 @@
 #include "filters/ScarceMemory.h"
 #include "filters/SurfaceBlur.h"
 #include "filters/UnsharpMask.h"
+#include "params/ParaBlock.h"
 #include "pipeline/RunRecord.h"
 #include "support/Differ.h"
 #include "support/Images.h"

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
 #include "core/Pipeline.h"
-#include "core/Text.h"
+#include "params/ParaBlock.h"
 #include "pipeline/RunRecord.h"
 #include "support/Images.h"
+#include "text/Text.h"
 
 namespace velloran {
 namespace {

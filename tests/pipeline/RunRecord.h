@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 
 namespace velloran::test {
 

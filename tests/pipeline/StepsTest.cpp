@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
+#include "params/ParaBlock.h"
 #include "pipeline/RunRecord.h"
 #include "pipeline/RunState.h"
 #include "pipeline/StepTable.h"

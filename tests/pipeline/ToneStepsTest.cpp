@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/ParaBlock.h"
 #include "filters/MultiScaleDetail.h"
+#include "params/ParaBlock.h"
 #include "pipeline/RunRecord.h"
 #include "support/Differ.h"
 #include "support/Images.h"

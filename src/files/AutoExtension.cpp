@@ -1,0 +1,75 @@
+#include "files/AutoExtension.h"
+
+#include "core/DibImage.h"
+#include "files/FileType.h"
+#include "params/TargetRule.h"
+
+namespace velloran {
+
+namespace {
+
+/// kAuto, which has no extension, where no field speaks of the depth.
+TargetFormat FormatForDepth(const CDibImage& image, const TargetRule& rule) {
+    switch (image.GetBpp()) {
+        case 1:
+            return image.IsBW() ? rule.blackWhite : rule.other;
+        case 4:
+            return rule.other;
+        case 8:
+            return image.IsGrayScale() ? rule.gray256 : rule.other;
+        case 24:
+            return rule.color24;
+        default:
+            return TargetFormat::kAuto;
+    }
+}
+
+bool IsGrayOrTrueColor(const CDibImage& image) {
+    return image.GetBpp() == 24 || (image.GetBpp() == 8 && image.IsGrayScale());
+}
+
+bool SuitsSourceType(const CDibImage& image, int sourceType) {
+    switch (sourceType) {
+        case kTypeJpeg:
+        case kTypeJ2k:
+        case kTypeJp2:
+            return IsGrayOrTrueColor(image);
+        case kTypeGif:
+            return image.GetBpp() <= 8;
+        case kTypeBmp:
+        case kTypePng:
+        case kTypeTiff:
+        case kTypeWebp:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+std::u16string_view PickAutoExtension(const CDibImage& image, int extensionPosition,
+                                      std::int32_t packedRule) {
+    const auto choices = ExtensionChoices();
+    if (extensionPosition < 0 || extensionPosition >= static_cast<int>(choices.size()))
+        return {};
+    const TargetFormat chosen = choices[static_cast<std::size_t>(extensionPosition)];
+    if (chosen != TargetFormat::kAuto)
+        return TargetExtension(chosen);
+    if (!image.IsValid())
+        return {};
+    return TargetExtension(FormatForDepth(image, UnpackTargetRule(packedRule)));
+}
+
+std::string SameAsSourceExtension(const CDibImage& image, const std::filesystem::path& sourcePath,
+                                  bool gifFlag) {
+    if (gifFlag && image.GetBpp() <= 8)
+        return ".gif";
+    if (SuitsSourceType(image, FileTypeOfExtension(sourcePath)))
+        return sourcePath.extension().native();
+    if (image.IsBW())
+        return ".tif";
+    return IsGrayOrTrueColor(image) ? ".jpg" : ".png";
+}
+
+}  // namespace velloran

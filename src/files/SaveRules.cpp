@@ -1,0 +1,127 @@
+#include "files/SaveRules.h"
+
+#include <algorithm>
+
+#include "core/DibImage.h"
+#include "files/FileType.h"
+#include "files/ImageFiles.h"
+#include "params/ParaBlock.h"
+#include "params/TargetRule.h"
+#include "text/Labels.h"
+#include "text/PathText.h"
+#include "text/Text.h"
+
+namespace velloran {
+
+namespace {
+
+constexpr int kColor565 = 18, kColor555 = 19;  // positions in the list of colour depths
+constexpr int kLastUnreduced = 2;              // 0, 1 and 2 reduce nothing
+
+SaveResult Refused(std::u16string_view message) {
+    return {SaveOutcome::kRefused, message, {}};
+}
+
+/// False when the run was stopped.
+bool RunForSave(CDibImage& image, CParaBlock& block, const SaveRun& run) {
+    LabelFunction label = run.label;
+    if (run.isPreview)
+        label = nullptr;
+    else if (!label)
+        label = [](std::u16string_view) {};  // told nothing, but no preview
+    block.RunPipeline(&image, run.cancel, run.context, label, run.stop, nullptr);
+    return run.cancel == nullptr || run.cancel(run.context) == 0;
+}
+
+}  // namespace
+
+int SaveDpi(const CParaBlock& block) {
+    return std::clamp(block.GetPara(PARA_DPI), 0, 8000);
+}
+
+std::u16string_view RefusalOfDepth(const std::filesystem::path& target, int colourIndex) {
+    if (colourIndex >= 0 && colourIndex <= kLastUnreduced)
+        return {};
+    if (colourIndex == kColor565 || colourIndex == kColor555)
+        return FileTypeOfExtension(target) == kTypeBmp ? std::u16string_view()
+                                                       : labels::kBmpOnlyFor16Bit;
+    return IsColourReducedTarget(target) ? std::u16string_view() : labels::kReducedTargets;
+}
+
+std::u16string_view RefusalOfResult(const std::filesystem::path& target, const CDibImage& result) {
+    const bool needsPalette = result.GetBpp() <= 8 && !result.IsGrayScale();
+    return needsPalette && !IsColourReducedTarget(target) ? labels::kReducedTargets
+                                                          : std::u16string_view();
+}
+
+SaveResult SaveDocument(const std::filesystem::path& target, const CDibImage& image,
+                        CParaBlock& block, const SaveRun& run) {
+    const int dpi = SaveDpi(block);
+    const int colourIndex = block.GetPara(PARA_COLOR);
+    if (const std::u16string_view message = RefusalOfDepth(target, colourIndex); !message.empty())
+        return Refused(message);
+    SaveResult failed{SaveOutcome::kFailed, labels::kSaveFailed, {}};
+    CDibImage copy;
+    if (image.IsValid()) {
+        copy = image;
+        if (!copy.IsValid()) {
+            FailContent(&failed.error, "out of memory");
+            return failed;
+        }
+        if (!RunForSave(copy, block, run))
+            return {SaveOutcome::kStopped, {}, {}};
+        if (const std::u16string_view message = RefusalOfResult(target, copy); !message.empty())
+            return Refused(message);
+    }
+    const bool cropGif = UnpackTargetRule(block.GetPara(PARA_TGT_FILES)).cropGif;
+    if (SaveImageFile(target, copy, block.GetPara(PARA_QUALITY), dpi, colourIndex, cropGif, block,
+                      &failed.error))
+        return {SaveOutcome::kSaved, {}, {}};
+    if (copy.IsValid() && !HasImageWriter(target))
+        failed.message = labels::kUnwritableType;
+    return failed;
+}
+
+bool CanKeepName(const std::filesystem::path& path) {
+    return HasImageWriter(path);
+}
+
+std::filesystem::path JpegNameFor(const std::filesystem::path& path) {
+    return std::filesystem::path(path.native() + ".jpg");
+}
+
+std::u16string_view FirstSaveExtension(int sourceType, int colourIndex) {
+    switch (sourceType) {
+        case kTypeBmp:
+            return u"bmp";
+        case kTypePng:
+            return u"png";
+        case kTypeTiff:
+            return u"tif";
+        case kTypeGif:
+            return u"gif";
+        case kTypeJ2k:
+        case kTypeJp2:
+            if (colourIndex <= kLastUnreduced)
+                return u"jp2";
+            break;
+        case kTypeJpeg:
+            if (colourIndex <= kLastUnreduced)
+                return u"jpg";
+            break;
+        default:
+            break;
+    }
+    if (colourIndex == 7)  // black and white
+        return u"tif";
+    return colourIndex >= 3 && colourIndex <= 17 ? u"gif" : u"jpg";
+}
+
+std::u16string OpenRefusal(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (path.native().find('?') == std::string::npos && std::filesystem::exists(path, ignored))
+        return {};
+    return std::u16string(labels::kInvalidPath) + PathText(path);
+}
+
+}  // namespace velloran

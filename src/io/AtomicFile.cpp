@@ -1,0 +1,231 @@
+#include "io/AtomicFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <random>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace velloran {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t kNewFileMode = 0666;  // the system takes the umask away
+constexpr int kLinksFollowed = 40;
+constexpr int kNamesTried = 100;
+
+fs::path FolderOf(const fs::path& file) {
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
+/// The file behind a symbolic link, also where it does not exist yet. False with errno.
+bool FollowLinks(fs::path& file) {
+    for (int i = 0; i < kLinksFollowed; ++i) {
+        struct stat status {};
+        if (lstat(file.c_str(), &status) != 0)
+            return errno == ENOENT;
+        if (!S_ISLNK(status.st_mode))
+            return true;
+        std::error_code error;
+        const fs::path behind = fs::read_symlink(file, error);
+        if (error) {
+            errno = error.value();
+            return false;
+        }
+        file = behind.is_absolute() ? behind : FolderOf(file) / behind;
+    }
+    errno = ELOOP;
+    return false;
+}
+
+/// A short name, so that it fits where the target's own name is as long as names can be.
+fs::path RandomName(const fs::path& folder) {
+    static constexpr std::string_view kDigits = "0123456789abcdefghijklmnopqrstuvwxyz";
+    thread_local std::minstd_rand random(std::random_device{}());
+    std::string name = ".velloran-";
+    for (int i = 0; i < 10; ++i)
+        name += kDigits[random() % kDigits.size()];
+    return folder / name;
+}
+
+/// Calls `make(name)` with new names until it gives no "exists already"; its last result.
+template <typename Make>
+int WithNewName(const fs::path& folder, fs::path& name, Make&& make) {
+    int result = -1;
+    for (int i = 0; i < kNamesTried; ++i) {
+        name = RandomName(folder);
+        result = make(name.c_str());
+        if (result >= 0 || errno != EEXIST)
+            break;
+    }
+    if (result < 0)
+        name.clear();
+    return result;
+}
+
+#ifdef O_TMPFILE
+/// A file without a name, of which nothing is left whatever ends the program; -1 where the file
+/// system has none.
+int OpenNameless(const fs::path& folder) {
+    if (access("/proc/self/fd", X_OK) != 0)
+        return -1;  // it could not be given its name later
+    return open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode);
+}
+#else
+int OpenNameless(const fs::path&) {
+    return -1;
+}
+#endif
+
+int GiveName(int descriptor, const char* name) {
+    const std::string open = "/proc/self/fd/" + std::to_string(descriptor);
+    return linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW);
+}
+
+/// What a network file system tells only at close, while the file has no final name yet.
+bool CloseTellsNoError(int descriptor) {
+    const int copy = dup(descriptor);
+    return copy >= 0 && close(copy) == 0;
+}
+
+}  // namespace
+
+AtomicFile::AtomicFile(fs::path target) : target_(std::move(target)) {}
+
+AtomicFile::~AtomicFile() {
+    Abandon();
+}
+
+void AtomicFile::Abandon() {
+    if (stream_ != nullptr)
+        std::fclose(stream_);
+    stream_ = nullptr;
+    if (!temporary_.empty())
+        unlink(temporary_.c_str());
+    temporary_.clear();
+}
+
+bool AtomicFile::CheckTarget(FileError* error) {
+    file_ = target_;
+    if (!file_.has_filename())
+        return FailStorage(error, "cannot write: names no file");
+    if (!FollowLinks(file_))
+        return FailErrno(error, "cannot open");
+    struct stat status {};
+    if (stat(file_.c_str(), &status) != 0) {
+        if (errno != ENOENT)
+            return FailErrno(error, "cannot open");
+        replaces_ = false;
+        return true;
+    }
+    if (S_ISDIR(status.st_mode))
+        return FailStorage(error, "cannot write: is a folder");
+    if (!S_ISREG(status.st_mode))
+        return FailStorage(error, "cannot write: is no plain file");
+    if (faccessat(AT_FDCWD, file_.c_str(), W_OK, AT_EACCESS) != 0)
+        return FailErrno(error, "cannot write");
+    replaces_ = true;
+    mode_ = status.st_mode & 0777;
+    return true;
+}
+
+bool AtomicFile::Open(FileError* error) {
+    Abandon();
+    failed_ = false;
+    errnoOfFailure_ = 0;
+    if (!CheckTarget(error))
+        return false;
+    const fs::path folder = FolderOf(file_);
+    int descriptor = OpenNameless(folder);
+    if (descriptor < 0)
+        descriptor = WithNewName(folder, temporary_, [](const char* name) {
+            return open(name, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kNewFileMode);
+        });
+    if (descriptor < 0)
+        return FailErrno(error, "cannot create");
+    if (replaces_)
+        fchmod(descriptor, mode_);  // a file system without modes refuses; nothing is lost
+    stream_ = fdopen(descriptor, "w+b");
+    if (stream_ == nullptr) {
+        FailErrno(error, "cannot open");
+        close(descriptor);
+        Abandon();
+        return false;
+    }
+    return true;
+}
+
+bool AtomicFile::Write(const void* data, std::size_t size) {
+    if (failed_ || stream_ == nullptr)
+        return false;
+    errno = 0;
+    if (std::fwrite(data, 1, size, stream_) != size)
+        NoteFailure();
+    return !failed_;
+}
+
+void AtomicFile::NoteFailure() {
+    if (errnoOfFailure_ == 0)
+        errnoOfFailure_ = errno;
+    failed_ = true;
+}
+
+bool AtomicFile::FlushAll() {
+    // A library's failed write left its mark on the stream, but not its errno; what could not be
+    // written is still in the buffer, so flushing meets the cause again.
+    if (std::ferror(stream_) != 0)
+        failed_ = true;
+    errno = 0;
+    if (std::fflush(stream_) != 0)
+        NoteFailure();
+    const int descriptor = fileno(stream_);
+    // An old file must not be lost to a crash of the machine; a new one has nothing to lose.
+    if (!failed_ && replaces_ && fdatasync(descriptor) != 0 && errno != EINVAL && errno != ENOSYS)
+        NoteFailure();
+    if (!failed_ && !CloseTellsNoError(descriptor))
+        NoteFailure();
+    return !failed_;
+}
+
+bool AtomicFile::Publish() {
+    if (temporary_.empty()) {
+        const int descriptor = fileno(stream_);
+        if (!replaces_ && GiveName(descriptor, file_.c_str()) == 0)
+            return true;
+        if (!replaces_ && errno != EEXIST)
+            return false;
+        const int named = WithNewName(FolderOf(file_), temporary_,
+                                      [&](const char* name) { return GiveName(descriptor, name); });
+        if (named != 0)
+            return false;
+    }
+    if (rename(temporary_.c_str(), file_.c_str()) != 0)
+        return false;
+    temporary_.clear();
+    return true;
+}
+
+bool AtomicFile::Commit(FileError* error) {
+    if (stream_ == nullptr)
+        return FailStorage(error, "cannot write: not open");
+    bool published = FlushAll();
+    if (published && !Publish()) {
+        published = false;
+        NoteFailure();
+    }
+    Abandon();
+    if (published)
+        return true;
+    if (errnoOfFailure_ == 0)
+        return FailStorage(error, "cannot write: not all could be written");
+    errno = errnoOfFailure_;
+    return FailErrno(error, "cannot write");
+}
+
+}  // namespace velloran
