@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "batch/StructMng.h"
+#include "core/StructMng.h"
 #include "files/SrchDir.h"
 
 namespace velloran {

@@ -1,4 +1,4 @@
-#include "batch/StructMng.h"
+#include "core/StructMng.h"
 
 #include <gtest/gtest.h>
 
