@@ -8,7 +8,7 @@ JOBS ?= $(shell nproc)
 SECONDS_EACH ?= 60
 PREFIX ?= /usr/local
 
-.PHONY: all run test asan tsan bench fuzz format lint install pictures gallery samples-sheet sizes clean setup
+.PHONY: all run test asan tsan bench fuzz format lint install times pictures gallery samples-sheet sizes clean setup
 .DEFAULT_GOAL := all
 
 setup:
@@ -29,6 +29,10 @@ run: build/release/build.ninja
 ## Builds and runs every test.
 test: all
 	@ctest --preset release -j $(JOBS)
+
+## Where the time of the release build went; fails when it grew beyond its limits.
+times:
+	@tools/build-times build/release
 
 ## The tests under the address and undefined behaviour sanitizers.
 asan: build/asan/build.ninja

@@ -15,7 +15,8 @@ function(velloran_library name)
 endfunction()
 
 # velloran_test(<folder> test.cpp... [DEPENDS target...]): one binary for tests/<folder>; the
-# library of the same name and the test support are linked.
+# library of the same name and the test support are linked. Tests with Slow in their name (they
+# look at the clock, or kill programs over and over) get the label slow and run alone.
 function(velloran_test name)
     cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
     add_executable(velloran_${name}_test ${ARG_UNPARSED_ARGUMENTS})
@@ -27,8 +28,10 @@ function(velloran_test name)
     # What a test computes beside the code under test is small; compiling it should be quick.
     target_compile_options(velloran_${name}_test PRIVATE ${VELLORAN_TEST_OPTIONS})
     target_precompile_headers(velloran_${name}_test REUSE_FROM velloran_test_support)
-    gtest_discover_tests(velloran_${name}_test DISCOVERY_MODE PRE_TEST
+    gtest_discover_tests(velloran_${name}_test DISCOVERY_MODE PRE_TEST TEST_FILTER "-*Slow*"
         PROPERTIES TIMEOUT 600)
+    gtest_discover_tests(velloran_${name}_test DISCOVERY_MODE PRE_TEST TEST_FILTER "*Slow*"
+        PROPERTIES TIMEOUT 600 LABELS slow RUN_SERIAL ON)
 endfunction()
 
 # velloran_bench(<folder> bench.cpp... [DEPENDS target...]): one binary for bench/<folder>; CTest

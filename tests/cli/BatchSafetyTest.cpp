@@ -368,7 +368,7 @@ TEST_F(BatchSafety, ALogThatCannotBeWrittenIsAWarning) {
 }
 
 /// Forty pages that take a while together.
-class BatchInterrupted : public BatchSafety {
+class BatchInterruptedSlow : public BatchSafety {
  protected:
     void SetUp() override {
         BatchSafety::SetUp();
@@ -398,7 +398,7 @@ class BatchInterrupted : public BatchSafety {
     std::string expected_;
 };
 
-TEST_F(BatchInterrupted, KilledTwentyTimesItLeavesNoPartialFileAndTheNextRunCompletes) {
+TEST_F(BatchInterruptedSlow, KilledTwentyTimesItLeavesNoPartialFileAndTheNextRunCompletes) {
     std::minstd_rand random(7);
     for (int round = 0; round < 20; ++round) {
         const pid_t program = Start();
@@ -411,7 +411,7 @@ TEST_F(BatchInterrupted, KilledTwentyTimesItLeavesNoPartialFileAndTheNextRunComp
     EXPECT_EQ(CountWhole(/*temporaryAllowed=*/true), kPages);
 }
 
-TEST_F(BatchInterrupted, CtrlCAndSigtermEndItWithEverythingWholeAndNoTemporaryFile) {
+TEST_F(BatchInterruptedSlow, CtrlCAndSigtermEndItWithEverythingWholeAndNoTemporaryFile) {
     for (const int number : {SIGINT, SIGTERM}) {
         int status = 0, whole = 0;
         for (int wait = 300'000; wait > 5000 && status != 128 + number; wait = wait * 2 / 3) {
@@ -427,7 +427,7 @@ TEST_F(BatchInterrupted, CtrlCAndSigtermEndItWithEverythingWholeAndNoTemporaryFi
     }
 }
 
-TEST_F(BatchInterrupted, AStoppedRunShowsTheCountsSoFarAndNoQuestion) {
+TEST_F(BatchInterruptedSlow, AStoppedRunShowsTheCountsSoFarAndNoQuestion) {
     const std::string command =
         fmt::format("'{}' batch '{}' '{}' --ext png --jobs 1 --log '{}' > '{}' & child=$!; sleep ",
                     BuiltProgram().native(), Source().native(), Target().native(),

@@ -135,7 +135,7 @@ TEST(CommandLine, NumbersFollowNoLocale) {
     EXPECT_TRUE(nlohmann::json::accept(batch.out)) << batch.out;
 }
 
-TEST(CommandLine, StartsWithin100Milliseconds) {
+TEST(CommandLineSlow, StartsWithin100Milliseconds) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the sanitizer's own start takes longer";
 #endif

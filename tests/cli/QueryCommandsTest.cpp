@@ -132,7 +132,7 @@ TEST(Info, PathsThatAreNoTextPass) {
     EXPECT_EQ(all[0]["path"], "b\uFFFD\uFFFD \n\".png");
 }
 
-TEST(Info, AThousandFilesTakeTwoSeconds) {
+TEST(InfoSlow, AThousandFilesTakeTwoSeconds) {
     const TempFolder folder;
     std::vector<std::string> arguments = {"info"};
     WritePage(folder / "0.png");

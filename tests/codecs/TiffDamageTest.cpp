@@ -128,7 +128,7 @@ TEST(TiffDamage, FilesOfNoneOneAndNineBytesFail) {
     }
 }
 
-TEST(TiffDamage, LyingSizesAreRefusedAtOnce) {
+TEST(TiffDamageSlow, LyingSizesAreRefusedAtOnce) {
     struct Lie {
         std::uint32_t width, height, bits, compression;
     };
