@@ -87,7 +87,7 @@ int UnsharpMask(CDibImage& image, int amount, float radius, int threshold, int t
     return RefuseWhenOutOfMemory([&] {
         std::optional<UsmMixer> mixer;
         if (!blurOnly)
-            mixer.emplace(amount, threshold);
+            mixer = {amount, threshold};
         if (EnsureGrayOrRgb(image) == 0)
             return 0;
         // A round that fails leaves what the rounds before it made, and these count as run.

@@ -1,108 +1,99 @@
 #include "filters/UsmMixer.h"
 
-#include <cstdlib>
+#include <cstddef>
 
-#include "core/Rounding.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/UsmMixer.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
-
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
-
-void LookUpRow(const UsmTable& table, const std::uint8_t* blurred, int count, std::uint8_t* row) {
-    for (int i = 0; i < count; ++i)
-        row[i] = table[row[i]][blurred[i]];
-}
-
-#if defined(__x86_64__)
-constexpr int kBlock = 32;
-
-struct UsmVectors {
-    __m256i whole, part, threshold;
-};
 
 /// difference * amount / 100 in 16 bits: whole hundreds and, as a fraction of 65536 that is rounded
 /// up, the rest. 255 times its error is less than a hundredth, so the truncated sum is exact.
-[[gnu::target("avx2"), gnu::always_inline]] inline __m256i Scaled(__m256i difference,
-                                                                  const UsmVectors& usm) {
-    return _mm256_add_epi16(_mm256_mullo_epi16(difference, usm.whole),
-                            _mm256_mulhi_epu16(difference, usm.part));
+struct Scale {
+    std::uint16_t whole, part;
+
+    explicit Scale(int amount)
+        : whole(static_cast<std::uint16_t>(amount / 100)),
+          part(static_cast<std::uint16_t>((amount % 100 * 65536 + 99) / 100)) {}
+};
+
+#if HWY_TARGET == HWY_SCALAR
+std::ptrdiff_t MixBlocks(Scale, int, const std::uint8_t*, std::ptrdiff_t, std::uint8_t*) {
+    return 0;
+}
+#else
+namespace hn = hwy::HWY_NAMESPACE;
+using Bytes = hn::ScalableTag<std::uint8_t>;
+using Words = hn::Repartition<std::uint16_t, Bytes>;
+
+template <class Vector>
+HWY_INLINE Vector Scaled(Vector difference, Vector whole, Vector part, Vector most) {
+    return hn::Min(hn::Add(hn::Mul(difference, whole), hn::MulHigh(difference, part)), most);
 }
 
-[[gnu::target("avx2"), gnu::always_inline]] inline __m256i MixBlock(__m256i blurred, __m256i row,
-                                                                    const UsmVectors& usm) {
-    const __m256i zero = _mm256_setzero_si256();
-    const __m256i larger = _mm256_max_epu8(row, blurred);
-    const __m256i difference = _mm256_sub_epi8(larger, _mm256_min_epu8(row, blurred));
-    const __m256i stays = _mm256_cmpeq_epi8(_mm256_subs_epu8(difference, usm.threshold), zero);
-    const __m256i scaled = _mm256_packus_epi16(Scaled(_mm256_unpacklo_epi8(difference, zero), usm),
-                                               Scaled(_mm256_unpackhi_epi8(difference, zero), usm));
-    const __m256i change = _mm256_andnot_si256(stays, scaled);
-    return _mm256_blendv_epi8(_mm256_subs_epu8(row, change), _mm256_adds_epu8(row, change),
-                              _mm256_cmpeq_epi8(larger, row));
-}
-
-/// `count` is a multiple of the block.
-[[gnu::target("avx2")]] void MixBlocks(int amount, int threshold, const std::uint8_t* blurred,
-                                       int count, std::uint8_t* row) {
-    const int part = (amount % 100 * 65536 + 99) / 100;
-    const UsmVectors usm{_mm256_set1_epi16(static_cast<std::int16_t>(amount / 100)),
-                         _mm256_set1_epi16(static_cast<std::int16_t>(part)),
-                         _mm256_set1_epi8(static_cast<char>(threshold))};
-    for (int x = 0; x < count; x += kBlock) {
-        const __m256i from = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(blurred + x));
-        __m256i* const to = reinterpret_cast<__m256i*>(row + x);
-        _mm256_storeu_si256(to, MixBlock(from, _mm256_loadu_si256(to), usm));
+/// Returns how many samples are done, whole vectors of them.
+std::ptrdiff_t MixBlocks(Scale scale, int threshold, const std::uint8_t* blurred,
+                         std::ptrdiff_t count, std::uint8_t* row) {
+    const Bytes bytes;
+    const Words words;
+    const auto whole = hn::Set(words, scale.whole), part = hn::Set(words, scale.part);
+    const auto most = hn::Set(words, 255);
+    const auto stays = hn::Set(bytes, static_cast<std::uint8_t>(threshold));
+    const auto step = static_cast<std::ptrdiff_t>(hn::Lanes(bytes));
+    std::ptrdiff_t x = 0;
+    for (; x + step <= count; x += step) {
+        const auto from = hn::LoadU(bytes, row + x), blur = hn::LoadU(bytes, blurred + x);
+        const auto above = hn::SaturatedSub(from, blur);
+        const auto difference = hn::Or(above, hn::SaturatedSub(blur, from));
+        // The two bytes of a word for themselves: nothing has to be laid out anew.
+        const auto both = hn::BitCast(words, difference);
+        const auto low = Scaled(hn::And(both, most), whole, part, most);
+        const auto high = Scaled(hn::ShiftRight<8>(both), whole, part, most);
+        const auto scaled = hn::BitCast(bytes, hn::Or(low, hn::ShiftLeft<8>(high)));
+        const auto isSmall = hn::Eq(hn::Max(difference, stays), stays);
+        const auto change = hn::IfThenZeroElse(isSmall, scaled);
+        const auto isBelow = hn::Eq(above, hn::Zero(bytes));
+        hn::StoreU(
+            hn::IfThenElse(isBelow, hn::SaturatedSub(from, change), hn::SaturatedAdd(from, change)),
+            bytes, row + x);
     }
+    return x;
 }
 #endif
 
-std::uint8_t MixSample(int source, int blurred, int amount, int threshold) {
-    const int difference = source - blurred;
-    if (std::abs(difference) <= threshold)
-        return static_cast<std::uint8_t>(source);
-    return ClampToByte(source + difference * amount / 100);
+void MixRow(int amount, int threshold, const std::uint8_t* blurred, int count, std::uint8_t* row) {
+    const Scale scale(amount);
+    for (std::ptrdiff_t x = MixBlocks(scale, threshold, blurred, count, row); x < count; ++x) {
+        const int sample = row[x], difference = sample - blurred[x];
+        const int distance = difference < 0 ? -difference : difference;
+        const int scaled = distance * scale.whole + (distance * scale.part >> 16);
+        const int change = distance <= threshold ? 0 : scaled;
+        const int value = difference < 0 ? sample - change : sample + change;
+        row[x] = static_cast<std::uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
+    }
 }
 
 }  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
 
-void MakeUsmTable(int amount, int threshold, UsmTable& table) {
-    for (int source = 0; source < 256; ++source)
-        for (int blurred = 0; blurred < 256; ++blurred)
-            table[static_cast<std::size_t>(source)][static_cast<std::size_t>(blurred)] =
-                MixSample(source, blurred, amount, threshold);
-}
+#if HWY_ONCE
+namespace velloran {
+namespace {
 
-bool UsmMixer::HasVectors() {
-#if defined(__x86_64__)
-    return __builtin_cpu_supports("avx2") != 0;
-#else
-    return false;
-#endif
-}
+HWY_EXPORT(MixRow);
 
-UsmMixer::UsmMixer(int amount, int threshold, bool useVectors)
-    : amount_(amount), threshold_(threshold) {
-    if (useVectors && HasVectors())
-        return;
-    table_ = std::make_unique<UsmTable>();
-    MakeUsmTable(amount, threshold, *table_);
-}
+}  // namespace
 
 void UsmMixer::Mix(const std::uint8_t* blurred, int count, std::uint8_t* row) const {
-    if (table_ != nullptr) {
-        LookUpRow(*table_, blurred, count, row);
-        return;
-    }
-    int x = 0;
-#if defined(__x86_64__)
-    x = count - count % kBlock;
-    MixBlocks(amount_, threshold_, blurred, x, row);
-#endif
-    for (; x < count; ++x)
-        row[x] = MixSample(row[x], blurred[x], amount_, threshold_);
+    HWY_DYNAMIC_DISPATCH(MixRow)(amount, threshold, blurred, count, row);
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -2,13 +2,18 @@
 
 #include <cstddef>
 
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/Planes.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
-VELLORAN_SIMD_CLONES
 void MergeRow(const std::uint8_t* blue, const std::uint8_t* green, const std::uint8_t* red,
               int count, std::uint8_t* out) {
     for (std::ptrdiff_t x = 0; x < count; ++x) {
@@ -18,7 +23,6 @@ void MergeRow(const std::uint8_t* blue, const std::uint8_t* green, const std::ui
     }
 }
 
-VELLORAN_SIMD_CLONES
 void WeightedRow(const std::uint8_t* pixel, int count, GrayWeights weights, std::uint8_t* out) {
     for (std::ptrdiff_t x = 0; x < count; ++x) {
         const float level = weights.blue * static_cast<float>(pixel[3 * x]) +
@@ -29,12 +33,28 @@ void WeightedRow(const std::uint8_t* pixel, int count, GrayWeights weights, std:
     }
 }
 
-}  // namespace
-
-VELLORAN_SIMD_CLONES
-void ExtractChannelRow(const std::uint8_t* pixels, int count, std::uint8_t* out) {
+void EveryThird(const std::uint8_t* pixels, int count, std::uint8_t* out) {
     for (std::ptrdiff_t x = 0; x < count; ++x)
         out[x] = pixels[3 * x];
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(MergeRow);
+HWY_EXPORT(WeightedRow);
+HWY_EXPORT(EveryThird);
+
+}  // namespace
+
+void ExtractChannelRow(const std::uint8_t* pixels, int count, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(EveryThird)(pixels, count, out);
 }
 
 void ExtractChannel(ConstPlaneView pixels, int channel, PlaneView plane) {
@@ -56,14 +76,17 @@ void InsertChannel(ConstPlaneView plane, int channel, PlaneView pixels) {
 void MergeChannels(const std::array<ConstPlaneView, 3>& planes, PlaneView pixels) {
 #pragma omp parallel for schedule(static) if (IsWorthThreads(planes[0]))
     for (int y = 0; y < pixels.height; ++y)
-        MergeRow(planes[0].Row(y).data(), planes[1].Row(y).data(), planes[2].Row(y).data(),
-                 pixels.width, pixels.Row(y).data());
+        HWY_DYNAMIC_DISPATCH(MergeRow)
+        (planes[0].Row(y).data(), planes[1].Row(y).data(), planes[2].Row(y).data(), pixels.width,
+         pixels.Row(y).data());
 }
 
 void WeightedGray(ConstPlaneView pixels, GrayWeights weights, PlaneView gray) {
 #pragma omp parallel for schedule(static) if (IsWorthThreads(gray))
     for (int y = 0; y < gray.height; ++y)
-        WeightedRow(pixels.Row(y).data(), gray.width, weights, gray.Row(y).data());
+        HWY_DYNAMIC_DISPATCH(WeightedRow)
+        (pixels.Row(y).data(), gray.width, weights, gray.Row(y).data());
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -116,12 +116,13 @@ TEST(Floors, AClimbingLinkIsFound) {
     EXPECT_EQ(LinkFaults(falling).size(), 0U);
 }
 
-TEST(Floors, OnlyImagingIncludesOpenCv) {
+TEST(Floors, OpenCvIsAPeerOfBenchmarksAlone) {
     for (const SourceFile& file : ReadSourceTree())
         for (const std::string& line : file.lines)
-            if (line.find("#include <opencv") != std::string::npos) {
-                EXPECT_EQ(file.folder, "imaging") << file.name;
-            }
+            EXPECT_EQ(line.find("opencv2/"), std::string::npos) << file.name;
+    for (const SourceFile& file : ReadBuildFiles())
+        for (const std::string& line : file.lines)
+            EXPECT_EQ(line.find("velloran_opencv"), std::string::npos) << file.name;
 }
 
 TEST(Floors, OnlyWindowsIncludeQt) {

@@ -13,6 +13,7 @@
 #include "filters/Resample.h"
 #include "filters/ScarceMemory.h"
 #include "filters/UsmMixer.h"
+#include "support/EachForm.h"
 #include "support/Images.h"
 #include "support/Threads.h"
 
@@ -40,11 +41,19 @@ CDibImage SharpenedPage(const CDibImage& page, int amount, float radius, int thr
     return result;
 }
 
-TEST(UsmMixer, EveryPairOfSamplesIsItsFormulaInTableAndVectors) {
-    for (const int amount : {1, 50, 99, 100, 101, 199, 250, 333, 499, 500})
-        for (const int threshold : {0, 1, 2, 63, 127})
-            for (const bool useVectors : {false, true}) {
-                const UsmMixer mixer(amount, threshold, useVectors);
+/// One sample mixed.
+int Mixed(int source, int blurred, int amount, int threshold) {
+    auto sample = static_cast<std::uint8_t>(source);
+    const auto blur = static_cast<std::uint8_t>(blurred);
+    UsmMixer{amount, threshold}.Mix(&blur, 1, &sample);
+    return sample;
+}
+
+TEST(UsmMixer, EveryPairOfSamplesIsItsFormulaInEachForm) {
+    test::InEachForm([](const std::string&) {
+        for (const int amount : {1, 50, 99, 100, 101, 199, 250, 333, 499, 500})
+            for (const int threshold : {0, 1, 2, 63, 127}) {
+                const UsmMixer mixer{amount, threshold};
                 for (int source = 0; source < 256; ++source) {
                     std::vector<std::uint8_t> row(256, static_cast<std::uint8_t>(source)),
                         blurred(256);
@@ -57,34 +66,42 @@ TEST(UsmMixer, EveryPairOfSamplesIsItsFormulaInTableAndVectors) {
                             << source << " " << i << " amount " << amount;
                 }
             }
+    });
+}
+
+TEST(UsmMixer, SamplesBehindTheLastVectorFollowTheFormula) {
+    test::InEachForm([](const std::string&) {
+        for (int source = 0; source < 256; source += 5)
+            for (int blurred = 0; blurred < 256; ++blurred)
+                for (const int amount : {1, 99, 333, 500})
+                    ASSERT_EQ(Mixed(source, blurred, amount, 2),
+                              Sharpened(source, blurred, amount, 2));
+    });
 }
 
 TEST(UsmMixer, RowsOfAnyLengthAreWholeAndNotLonger) {
-    const UsmMixer mixer(200, 0);
-    for (int count = 0; count < 70; ++count) {
-        std::vector<std::uint8_t> row(80, 100), blurred(80, 90);
-        mixer.Mix(blurred.data(), count, row.data());
-        for (int i = 0; i < 80; ++i)
-            ASSERT_EQ(row[static_cast<std::size_t>(i)], i < count ? 120 : 100);
-    }
+    test::InEachForm([](const std::string&) {
+        for (int count = 0; count < 150; ++count) {
+            std::vector<std::uint8_t> row(160, 100), blurred(160, 90);
+            UsmMixer{200, 0}.Mix(blurred.data(), count, row.data());
+            for (int i = 0; i < 160; ++i)
+                ASSERT_EQ(row[static_cast<std::size_t>(i)], i < count ? 120 : 100);
+        }
+    });
 }
 
-TEST(UsmTable, AmountFiveHundredSaturatesAtBothEnds) {
-    UsmTable table;
-    MakeUsmTable(500, 0, table);
-    EXPECT_EQ(table[255][0], 255);
-    EXPECT_EQ(table[0][255], 0);
-    EXPECT_EQ(table[100][90], 150);
+TEST(UsmMixer, AmountFiveHundredSaturatesAtBothEnds) {
+    EXPECT_EQ(Mixed(255, 0, 500, 0), 255);
+    EXPECT_EQ(Mixed(0, 255, 500, 0), 0);
+    EXPECT_EQ(Mixed(100, 90, 500, 0), 150);
 }
 
-TEST(UsmTable, DifferencesUpToTheThresholdStayAndQuotientsGoTowardZero) {
-    UsmTable table;
-    MakeUsmTable(50, 3, table);
-    EXPECT_EQ(table[100][97], 100);
-    EXPECT_EQ(table[100][103], 100);
-    EXPECT_EQ(table[100][95], 102);  // 2.5
-    EXPECT_EQ(table[100][105], 98);  // -2.5
-    EXPECT_EQ(table[100][96], 102);
+TEST(UsmMixer, DifferencesUpToTheThresholdStayAndQuotientsGoTowardZero) {
+    EXPECT_EQ(Mixed(100, 97, 50, 3), 100);
+    EXPECT_EQ(Mixed(100, 103, 50, 3), 100);
+    EXPECT_EQ(Mixed(100, 95, 50, 3), 102);  // 2.5
+    EXPECT_EQ(Mixed(100, 105, 50, 3), 98);  // -2.5
+    EXPECT_EQ(Mixed(100, 96, 50, 3), 102);
 }
 
 TEST(UnsharpMask, IsTheMaskOfTheBlur) {
