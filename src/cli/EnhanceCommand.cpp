@@ -61,7 +61,7 @@ int WriteSetting(const SettingTarget& setting) {
 }
 
 int Stopped() {
-    PrintNote(ToUtf8(labels::kStoppedHalfway.substr(1)));
+    PrintNote(ToUtf8(labels::kStoppedHalfway.Text().substr(1)));
     return StopStatus();
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 std::string RangeOrList(const ParaRow& row) {
     std::string text;
-    for (const std::u16string_view entry : row.list)
+    for (const Label& entry : row.list)
         text += (text.empty() ? "" : ", ") + ToUtf8(entry);
     if (!row.list.empty() || (!row.min && !row.max))
         return text.empty() ? "-" : text;
@@ -33,7 +33,7 @@ Json RowAsJson(int index, const ParaRow& row) {
     json["min"] = row.min ? Json(*row.min) : Json();
     json["max"] = row.max ? Json(*row.max) : Json();
     Json list;
-    for (const std::u16string_view entry : row.list)
+    for (const Label& entry : row.list)
         list.push_back(ToUtf8(entry));
     json["list"] = list;
     json["meaning"] = ToUtf8(row.meaning);

@@ -44,13 +44,13 @@ std::u16string_view RefusalOfDepth(const std::filesystem::path& target, int colo
         return {};
     if (colourIndex == kColor565 || colourIndex == kColor555)
         return FileTypeOfExtension(target) == kTypeBmp ? std::u16string_view()
-                                                       : labels::kBmpOnlyFor16Bit;
-    return IsColourReducedTarget(target) ? std::u16string_view() : labels::kReducedTargets;
+                                                       : labels::kBmpOnlyFor16Bit.Text();
+    return IsColourReducedTarget(target) ? std::u16string_view() : labels::kReducedTargets.Text();
 }
 
 std::u16string_view RefusalOfResult(const std::filesystem::path& target, const CDibImage& result) {
     const bool needsPalette = result.GetBpp() <= 8 && !result.IsGrayScale();
-    return needsPalette && !IsColourReducedTarget(target) ? labels::kReducedTargets
+    return needsPalette && !IsColourReducedTarget(target) ? labels::kReducedTargets.Text()
                                                           : std::u16string_view();
 }
 
@@ -60,7 +60,7 @@ SaveResult SaveDocument(const std::filesystem::path& target, const CDibImage& im
     const int colourIndex = block.GetPara(PARA_COLOR);
     if (const std::u16string_view message = RefusalOfDepth(target, colourIndex); !message.empty())
         return Refused(message);
-    SaveResult failed{SaveOutcome::kFailed, labels::kSaveFailed, {}};
+    SaveResult failed{SaveOutcome::kFailed, labels::kSaveFailed.Text(), {}};
     CDibImage copy;
     if (image.IsValid()) {
         copy = image;

@@ -112,7 +112,8 @@ void CParaBlock::Reset() {
 
 std::u16string_view CParaBlock::GetParaLabel(ParaGroup group) {
     const auto position = static_cast<std::size_t>(group);
-    return position < std::size(labels::kGroups) ? labels::kGroups[position] : labels::Text();
+    return position < std::size(labels::kGroups) ? labels::kGroups[position].Text()
+                                                 : std::u16string_view();
 }
 
 bool CParaBlock::CopyFrom(const CParaBlock& other, bool ignoreOutputOnly) {

@@ -4,11 +4,12 @@
 // the order is part of the file formats.
 
 #include <cstddef>
-#include <string_view>
+
+#include "text/Label.h"
 
 namespace velloran::lists {
 
-using Text = std::u16string_view;
+using Text = Label;
 
 // clang-format off
 inline constexpr Text kSharpen[] = {

@@ -12,7 +12,7 @@ namespace velloran {
 namespace {
 
 using Name = std::string_view;
-using Text = std::u16string_view;
+using Text = Label;
 using Texts = std::span<const Text>;
 using Limit = std::optional<std::int32_t>;
 
@@ -207,7 +207,7 @@ std::optional<int> FindPara(std::string_view name) {
 }
 
 std::u16string_view ParaListText(int index, std::int32_t value) {
-    const std::span<const std::u16string_view> list = ParaRowOf(index).list;
+    const std::span<const Label> list = ParaRowOf(index).list;
     if (value < 0 || static_cast<std::size_t>(value) >= list.size())
         return {};
     return list[static_cast<std::size_t>(value)];

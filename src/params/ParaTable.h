@@ -8,6 +8,8 @@
 #include <span>
 #include <string_view>
 
+#include "text/Label.h"
+
 namespace velloran {
 
 // clang-format off
@@ -68,9 +70,9 @@ struct ParaRow {
     std::int32_t defaultValue;
     ParaKind kind;
     std::optional<std::int32_t> min, max;
-    std::span<const std::u16string_view> list;  // texts in list order; empty for none
-    std::u16string_view label;                  // the control's label; may be empty
-    std::u16string_view meaning;                // one phrase for the user
+    std::span<const Label> list;  // texts in list order; empty for none
+    Label label;                  // the control's label; may be empty
+    Label meaning;                // one phrase for the user
 };
 
 /// The row of a parameter, 0 <= index < kParaCount.
@@ -79,7 +81,7 @@ const ParaRow& ParaRowOf(int index);
 /// Index of a name exactly as in the table, or nothing.
 std::optional<int> FindPara(std::string_view name);
 
-/// The list text of a value, empty when the value is no list position.
+/// The list text of a value in the language in use, empty when the value is no list position.
 std::u16string_view ParaListText(int index, std::int32_t value);
 
 }  // namespace velloran

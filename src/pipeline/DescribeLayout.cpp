@@ -11,7 +11,7 @@ namespace velloran {
 namespace {
 
 struct Side {
-    std::u16string_view label;
+    Label label;
     ParaIndex crop, margin;
 };
 

@@ -48,8 +48,8 @@ std::u16string_view LevelsLabel(const ParaValues& values) {
 
 /// Four strengths each, from 1 on.
 std::u16string_view MorphologyLabel(const ParaValues& values) {
-    constexpr std::u16string_view kByGroup[] = {labels::kStepEmbolden, labels::kStepThin,
-                                                labels::kStepOpen, labels::kStepClose};
+    constexpr Label kByGroup[] = {labels::kStepEmbolden, labels::kStepThin, labels::kStepOpen,
+                                  labels::kStepClose};
     return kByGroup[(values[PARA_ERODE] - 1) / 4 & 3];
 }
 

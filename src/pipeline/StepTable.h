@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "params/ParaBlock.h"
+#include "text/Label.h"
 
 namespace velloran {
 
@@ -17,15 +18,15 @@ struct RunState;
 class StepLabel {
  public:
     using Chooser = std::u16string_view (*)(const ParaValues&);
-    constexpr StepLabel(std::u16string_view text) : text_(text) {}
+    constexpr StepLabel(const Label& text) : text_(text) {}
     constexpr StepLabel(Chooser choose) : choose_(choose) {}
 
     std::u16string_view Of(const ParaValues& values) const {
-        return choose_ == nullptr ? text_ : choose_(values);
+        return choose_ == nullptr ? text_.Text() : choose_(values);
     }
 
  private:
-    std::u16string_view text_;
+    Label text_;
     Chooser choose_ = nullptr;
 };
 

@@ -1,208 +1,242 @@
 #pragma once
 
-// All words that a user sees stand here, so that describe mode, messages and windows cannot
-// differ. Texts of the parameter lists stand in params/ParaLists.h.
+// All words that a user sees stand here in each language, so that describe mode, messages and
+// windows cannot differ. Texts of the parameter lists stand in params/ParaLists.h.
 
-#include <string_view>
+#include "text/Label.h"
 
 namespace velloran::labels {
 
-using Text = std::u16string_view;
-
 // Reading and writing files.
-inline constexpr Text kLoadFailed = u"文件读取失败。";
-inline constexpr Text kSaveFailed = u"文件存盘失败。";
-inline constexpr Text kUnwritableType =
-    u"抱歉，保存的文件名只能以jpg、jp2、png、bmp或tif为扩展名，请更正。";
-inline constexpr Text kBmpOnlyFor16Bit = u"抱歉，16位色图像只能保存为BMP格式，请重新选择。";
-inline constexpr Text kReducedTargets =
-    u"抱歉，减色后的图像只能保存为PNG、GIF、BMP、TIFF或WEBP，请重新选择。";
-inline constexpr Text kOnlyJpegAsk = u"图像文件只能保存为Jpeg格式，要继续吗？";
-inline constexpr Text kInvalidPath = u"路径含无效字符：\r\n";
+inline constexpr Label kLoadFailed{u"文件读取失败。", u"The file could not be read."};
+inline constexpr Label kSaveFailed{u"文件存盘失败。", u"The file could not be saved."};
+inline constexpr Label kUnwritableType{
+    u"抱歉，保存的文件名只能以jpg、jp2、png、bmp或tif为扩展名，请更正。",
+    u"Sorry, files can only be saved with the extension jpg, jp2, png, bmp or tif; please correct "
+    u"the name."};
+inline constexpr Label kBmpOnlyFor16Bit{
+    u"抱歉，16位色图像只能保存为BMP格式，请重新选择。",
+    u"Sorry, 16-bit pictures can only be saved as BMP; please choose again."};
+inline constexpr Label kReducedTargets{
+    u"抱歉，减色后的图像只能保存为PNG、GIF、BMP、TIFF或WEBP，请重新选择。",
+    u"Sorry, pictures of reduced colors can only be saved as PNG, GIF, BMP, TIFF or WEBP; please "
+    u"choose again."};
+inline constexpr Label kOnlyJpegAsk{u"图像文件只能保存为Jpeg格式，要继续吗？",
+                                    u"The picture can only be saved as JPEG. Go on?"};
+inline constexpr Label kInvalidPath{u"路径含无效字符：\r\n",
+                                    u"The path holds invalid characters:\r\n"};
 
 // Batch conversion.
-inline constexpr Text kNoSourceFolder = u"请先选择存放源文件的文件夹。";
-inline constexpr Text kNoTargetFolder = u"请先选择存放新文件的文件夹。";
-inline constexpr Text kReducedOnlyPng = u"抱歉，减色后的图像只能保存为PNG格式，请重新选择。";
-inline constexpr Text kSameFolderAsk =
-    u"源文件夹与目标文件夹相同，源文件将被转换后的文件所覆盖。要继续吗？";
-inline constexpr Text kCountingFiles = u"统计文件数";
-inline constexpr Text kNothingToConvert = u"抱歉，在源文件夹下没有可供转换的文件。";
-inline constexpr Text kFilesToConvert = u"个文件需要转换，\n";
-inline constexpr Text kFilesConverted = u"个文件转换成功。";
-inline constexpr Text kStoppedHalfway = u"\n您选择了中途停止。";
-inline constexpr Text kSeeLogAsk = u"\n您想看结果记录吗？";
-inline constexpr Text kStageRead = u"读取";
-inline constexpr Text kStageCopy = u"复制";
-inline constexpr Text kStageSave = u"存盘";
+inline constexpr Label kNoSourceFolder{u"请先选择存放源文件的文件夹。",
+                                       u"Please choose the folder of the source files first."};
+inline constexpr Label kNoTargetFolder{u"请先选择存放新文件的文件夹。",
+                                       u"Please choose the folder for the new files first."};
+inline constexpr Label kReducedOnlyPng{
+    u"抱歉，减色后的图像只能保存为PNG格式，请重新选择。",
+    u"Sorry, pictures of reduced colors can only be saved as PNG; please choose again."};
+inline constexpr Label kSameFolderAsk{
+    u"源文件夹与目标文件夹相同，源文件将被转换后的文件所覆盖。要继续吗？",
+    u"The target folder is the source folder: converted files replace the source files. Go on?"};
+inline constexpr Label kCountingFiles{u"统计文件数", u"Counting files"};
+inline constexpr Label kNothingToConvert{
+    u"抱歉，在源文件夹下没有可供转换的文件。",
+    u"Sorry, there are no files to convert in the source folder."};
+inline constexpr Label kFilesToConvert{u"个文件需要转换，\n", u" files to convert,\n"};
+inline constexpr Label kFilesConverted{u"个文件转换成功。", u" files converted."};
+inline constexpr Label kStoppedHalfway{u"\n您选择了中途停止。", u"\nYou chose to stop halfway."};
+inline constexpr Label kSeeLogAsk{u"\n您想看结果记录吗？", u"\nDo you want to see the log?"};
+inline constexpr Label kStageRead{u"读取", u"Read"};
+inline constexpr Label kStageCopy{u"复制", u"Copy"};
+inline constexpr Label kStageSave{u"存盘", u"Save"};
 
 // What the run log says of a file, by row.
-inline constexpr Text kLogRows[] = {u"创建失败",
-                                    u"打开失败",
-                                    u"写入失败",
-                                    u"读取失败",
-                                    u"添加失败",
-                                    u"文件类型无法识别",
-                                    u"内存不足",
-                                    u"文件损坏",
-                                    u"文件包含图像",
-                                    u"文件包含HTML内容",
-                                    u"文件包含PDF内容",
-                                    u"文件不包含PDF内容",
-                                    u"文件不存在",
-                                    u"可能出现黑线",
-                                    u"JPG数据错误，请修复",
-                                    u"不是有效的JPG文件",
-                                    u"修复失败，请用其他软件转存",
-                                    u"是空文件",
-                                    u"数据太少，无法修复，请重新下载",
-                                    u"文件可能没有下完，或数据损坏",
-                                    u"是索引文件，不能合并",
-                                    u"是多页文件，不能建索引",
-                                    u"是6xH文件，请先解密",
-                                    u"是FFH文件，没救的，删了吧",
-                                    u"缺少插图",
-                                    u"转换失败",
-                                    u"不是JFIF格式的JPEG文件",
-                                    u"更名失败",
-                                    u"复制失败"};
+inline constexpr Label kLogRows[] = {
+    {u"创建失败", u"could not be created"},
+    {u"打开失败", u"could not be opened"},
+    {u"写入失败", u"could not be written"},
+    {u"读取失败", u"could not be read"},
+    {u"添加失败", u"could not be added"},
+    {u"文件类型无法识别", u"file type not recognized"},
+    {u"内存不足", u"out of memory"},
+    {u"文件损坏", u"file is damaged"},
+    {u"文件包含图像", u"file holds pictures"},
+    {u"文件包含HTML内容", u"file holds HTML"},
+    {u"文件包含PDF内容", u"file holds PDF"},
+    {u"文件不包含PDF内容", u"file holds no PDF"},
+    {u"文件不存在", u"file does not exist"},
+    {u"可能出现黑线", u"black lines may appear"},
+    {u"JPG数据错误，请修复", u"JPEG data is wrong, please repair"},
+    {u"不是有效的JPG文件", u"not a valid JPEG file"},
+    {u"修复失败，请用其他软件转存", u"repair failed, please convert with other software"},
+    {u"是空文件", u"file is empty"},
+    {u"数据太少，无法修复，请重新下载", u"too little data to repair, please download again"},
+    {u"文件可能没有下完，或数据损坏", u"download incomplete, or data damaged"},
+    {u"是索引文件，不能合并", u"index file, cannot be merged"},
+    {u"是多页文件，不能建索引", u"file of several pages, cannot be indexed"},
+    {u"是6xH文件，请先解密", u"6xH file, please decrypt first"},
+    {u"是FFH文件，没救的，删了吧", u"FFH file, beyond rescue, delete it"},
+    {u"缺少插图", u"illustration missing"},
+    {u"转换失败", u"conversion failed"},
+    {u"不是JFIF格式的JPEG文件", u"not a JFIF JPEG file"},
+    {u"更名失败", u"could not be renamed"},
+    {u"复制失败", u"could not be copied"},
+};
 
 // The clipboard.
-inline constexpr Text kClipboardMismatch = u"剪贴板数据格式不符";
+inline constexpr Label kClipboardMismatch{u"剪贴板数据格式不符",
+                                          u"The data of the clipboard has another format"};
 
 // Labels of controls, with the colon that stands in the dialogs. They head lines of the text form.
-inline constexpr Text kSplit = u"分页:";
-inline constexpr Text kDeskew = u"纠斜:";
-inline constexpr Text kDegrees = u"度";
-inline constexpr Text kReplaceColor = u"颜色替换";
-inline constexpr Text kReplaceCondition = u"替换条件:";
-inline constexpr Text kThresholdValue = u"阀值:";
-inline constexpr Text kSwapChannel = u"通道互换:";
-inline constexpr Text kNegate = u"反白";
-inline constexpr Text kCombineChannel = u"通道混合:";
-inline constexpr Text kUnshadow = u"去除背景阴影:";
-inline constexpr Text kRedSeal = u"红章";
-inline constexpr Text kWhiteBalance = u"白平衡:";
-inline constexpr Text kLevels = u"色阶";
-inline constexpr Text kVibrance = u"自然饱和度:";
-inline constexpr Text kHighlightFrom = u"高亮值";
-inline constexpr Text kCurveTuning = u"曲线参数调节:";
-inline constexpr Text kCurveDivisor = u"画面";
-inline constexpr Text kCurveOffset = u"背景";
-inline constexpr Text kLight = u"光线";
-inline constexpr Text kLightShadow = u"阴影";
-inline constexpr Text kLightHighlight = u"高光";
-inline constexpr Text kMultiScale = u"多尺度细节增强:";
-inline constexpr Text kPostProcessing = u"后处理:";
-inline constexpr Text kEqualize = u"色调均化";
-inline constexpr Text kSoften = u"柔化:";
-inline constexpr Text kGaussianRadius = u"高斯模糊半径:";
-inline constexpr Text kPasses = u"遍数:";
-inline constexpr Text kAlgorithm = u"算法:";
-inline constexpr Text kRadius = u"半径:";
-inline constexpr Text kSharpen = u"锐化:";
-inline constexpr Text kGaussianSharpenRadius = u"高斯锐化半径:";
-inline constexpr Text kKernelOrder = u"阶数:";
-inline constexpr Text kAmount = u"数量:";
+inline constexpr Label kSplit{u"分页:", u"Split:"};
+inline constexpr Label kDeskew{u"纠斜:", u"Deskew:"};
+inline constexpr Label kDegrees{u"度", u" degrees"};
+inline constexpr Label kReplaceColor{u"颜色替换", u"Replace color"};
+inline constexpr Label kReplaceCondition{u"替换条件:", u"Condition:"};
+inline constexpr Label kThresholdValue{u"阀值:", u"Threshold:"};
+inline constexpr Label kSwapChannel{u"通道互换:", u"Swap channels:"};
+inline constexpr Label kNegate{u"反白", u"Negative"};
+inline constexpr Label kCombineChannel{u"通道混合:", u"Mix channels:"};
+inline constexpr Label kUnshadow{u"去除背景阴影:", u"Remove background shadow:"};
+inline constexpr Label kRedSeal{u"红章", u"red seals"};
+inline constexpr Label kWhiteBalance{u"白平衡:", u"White balance:"};
+inline constexpr Label kLevels{u"色阶", u"Levels"};
+inline constexpr Label kVibrance{u"自然饱和度:", u"Vibrance:"};
+inline constexpr Label kHighlightFrom{u"高亮值", u"from level"};
+inline constexpr Label kCurveTuning{u"曲线参数调节:", u"Curve tuning:"};
+inline constexpr Label kCurveDivisor{u"画面", u"picture"};
+inline constexpr Label kCurveOffset{u"背景", u"background"};
+inline constexpr Label kLight{u"光线", u"Light"};
+inline constexpr Label kLightShadow{u"阴影", u"shadows"};
+inline constexpr Label kLightHighlight{u"高光", u"highlights"};
+inline constexpr Label kMultiScale{u"多尺度细节增强:", u"Multi-scale detail:"};
+inline constexpr Label kPostProcessing{u"后处理:", u"Afterwards:"};
+inline constexpr Label kEqualize{u"色调均化", u"Equalize"};
+inline constexpr Label kSoften{u"柔化:", u"Soften:"};
+inline constexpr Label kGaussianRadius{u"高斯模糊半径:", u"Gaussian blur radius:"};
+inline constexpr Label kPasses{u"遍数:", u"Passes:"};
+inline constexpr Label kAlgorithm{u"算法:", u"Algorithm:"};
+inline constexpr Label kRadius{u"半径:", u"Radius:"};
+inline constexpr Label kSharpen{u"锐化:", u"Sharpen:"};
+inline constexpr Label kGaussianSharpenRadius{u"高斯锐化半径:", u"Gaussian sharpen radius:"};
+inline constexpr Label kKernelOrder{u"阶数:", u"Kernel size:"};
+inline constexpr Label kAmount{u"数量:", u"Amount:"};
 
 // Colour depth.
-inline constexpr Text kColorCount = u"色彩数:";
-inline constexpr Text kDither = u"抖动";
-inline constexpr Text kQuantizer = u"调色板量化算法:";
-inline constexpr Text kTransparent = u"索引色PNG、GIF设置背景透明";
-inline constexpr Text kCheckGray = u"载入时判断灰度图像:";
-inline constexpr Text kReverseCmyk = u"CMYK JPEG反白";
-inline constexpr Text kDitherMethod = u"抖动算法:";
-inline constexpr Text kThresholdMethod = u"阀值算法:";
-inline constexpr Text kWindowSize = u"窗口尺寸:";
-inline constexpr Text kDespeckle = u"去斑直径:";
-inline constexpr Text kBlockFilter = u"去除符合下列条件的黑色区域:";
-inline constexpr Text kWidth = u"宽度";
-inline constexpr Text kHeight = u"高度";
-inline constexpr Text kRemoveEdgeContact = u"去除与边缘接触的黑色区域";
-inline constexpr Text kSmoothEdges = u"边缘去毛刺";
+inline constexpr Label kColorCount{u"色彩数:", u"Colors:"};
+inline constexpr Label kDither{u"抖动", u"Dither"};
+inline constexpr Label kQuantizer{u"调色板量化算法:", u"Palette by:"};
+inline constexpr Label kTransparent{u"索引色PNG、GIF设置背景透明",
+                                    u"Transparent background in indexed PNG and GIF"};
+inline constexpr Label kCheckGray{u"载入时判断灰度图像:", u"Gray test on loading:"};
+inline constexpr Label kReverseCmyk{u"CMYK JPEG反白", u"Negate CMYK JPEG"};
+inline constexpr Label kDitherMethod{u"抖动算法:", u"Dither by:"};
+inline constexpr Label kThresholdMethod{u"阀值算法:", u"Threshold by:"};
+inline constexpr Label kWindowSize{u"窗口尺寸:", u"Window size:"};
+inline constexpr Label kDespeckle{u"去斑直径:", u"Speck diameter:"};
+inline constexpr Label kBlockFilter{u"去除符合下列条件的黑色区域:", u"Remove black regions with:"};
+inline constexpr Label kWidth{u"宽度", u"Width"};
+inline constexpr Label kHeight{u"高度", u"Height"};
+inline constexpr Label kRemoveEdgeContact{u"去除与边缘接触的黑色区域",
+                                          u"Remove black regions that touch the edge"};
+inline constexpr Label kSmoothEdges{u"边缘去毛刺", u"Smooth ragged edges"};
 
 // Crop and layout.
-inline constexpr Text kTop = u"上:";
-inline constexpr Text kBottom = u"下:";
-inline constexpr Text kLeft = u"左:";
-inline constexpr Text kRight = u"右:";
-inline constexpr Text kFindContentBox = u"手动选择范围内自动选择";
-inline constexpr Text kIgnoreBlackEdge = u"不计黑边";
-inline constexpr Text kStrongBackground = u"强力去背景";
-inline constexpr Text kIgnoreSpeckles = u"忽略斑点直径:";
-inline constexpr Text kSpeckleCompensation = u"斑点补偿";
-inline constexpr Text kPageSize = u"页面大小";
-inline constexpr Text kPageMargins = u"页边空:";
-inline constexpr Text kAlignH = u"水平对齐:";
-inline constexpr Text kAlignV = u"垂直对齐:";
-inline constexpr Text kFillColor = u"填充颜色:";
-inline constexpr Text kBigContentBox = u"内容框大于版心时:";
-inline constexpr Text kSmallContentBox = u"内容框小于版心时:";
+inline constexpr Label kTop{u"上:", u"Top:"};
+inline constexpr Label kBottom{u"下:", u"Bottom:"};
+inline constexpr Label kLeft{u"左:", u"Left:"};
+inline constexpr Label kRight{u"右:", u"Right:"};
+inline constexpr Label kFindContentBox{u"手动选择范围内自动选择",
+                                       u"Find the content box inside the margins"};
+inline constexpr Label kIgnoreBlackEdge{u"不计黑边", u"Ignore black edges"};
+inline constexpr Label kStrongBackground{u"强力去背景", u"Strong background removal"};
+inline constexpr Label kIgnoreSpeckles{u"忽略斑点直径:", u"Ignore specks of diameter:"};
+inline constexpr Label kSpeckleCompensation{u"斑点补偿", u"Speck compensation"};
+inline constexpr Label kPageSize{u"页面大小", u"Page size"};
+inline constexpr Label kPageMargins{u"页边空:", u"Page margins:"};
+inline constexpr Label kAlignH{u"水平对齐:", u"Horizontal alignment:"};
+inline constexpr Label kAlignV{u"垂直对齐:", u"Vertical alignment:"};
+inline constexpr Label kFillColor{u"填充颜色:", u"Fill color:"};
+inline constexpr Label kBigContentBox{u"内容框大于版心时:",
+                                      u"Content box larger than the type area:"};
+inline constexpr Label kSmallContentBox{u"内容框小于版心时:",
+                                        u"Content box smaller than the type area:"};
 
 // Page correction.
-inline constexpr Text kDewarpMethod = u"自动展平方法:";
-inline constexpr Text kDewarpIllumination = u"页面光照:";
+inline constexpr Label kDewarpMethod{u"自动展平方法:", u"Dewarp by:"};
+inline constexpr Label kDewarpIllumination{u"页面光照:", u"Page illumination:"};
 
 // JPEG details.
-inline constexpr Text kJpegSampling = u"方式:";
-inline constexpr Text kHalveH = u"水平方向缩一半";
-inline constexpr Text kHalveV = u"垂直方向缩一半";
-inline constexpr Text kSourceSampling = u"优先使用原JPG采样参数";
-inline constexpr Text kSourceQuality = u"优先使用原JPG质量系数";
-inline constexpr Text kSourceCoding = u"优先使用原JPG编码参数";
-inline constexpr Text kOptimize = u"优化编码";
-inline constexpr Text kProgressive = u"渐进式";
+inline constexpr Label kJpegSampling{u"方式:", u"Sampling:"};
+inline constexpr Label kHalveH{u"水平方向缩一半", u"Halve horizontally"};
+inline constexpr Label kHalveV{u"垂直方向缩一半", u"Halve vertically"};
+inline constexpr Label kSourceSampling{u"优先使用原JPG采样参数",
+                                       u"Prefer the sampling of the source JPEG"};
+inline constexpr Label kSourceQuality{u"优先使用原JPG质量系数",
+                                      u"Prefer the quality of the source JPEG"};
+inline constexpr Label kSourceCoding{u"优先使用原JPG编码参数",
+                                     u"Prefer the coding of the source JPEG"};
+inline constexpr Label kOptimize{u"优化编码", u"Optimize coding"};
+inline constexpr Label kProgressive{u"渐进式", u"Progressive"};
 
 // The crop summary under the batch options.
-inline constexpr Text kSummaryLeft = u"左";
-inline constexpr Text kSummaryTop = u"上";
-inline constexpr Text kSummaryRight = u"右";
-inline constexpr Text kSummaryBottom = u"下";
-inline constexpr Text kSummaryFindBox = u"自动裁边";
-inline constexpr Text kSummaryDeskewRows = u"自动纠斜_横排";
-inline constexpr Text kSummaryDeskewColumns = u"自动纠斜_竖排";
-inline constexpr Text kSummaryDeskewBoth = u"自动纠斜_双向";
-inline constexpr Text kSummaryDeskewManual = u"手动纠斜";
+inline constexpr Label kSummaryLeft{u"左", u"Left "};
+inline constexpr Label kSummaryTop{u"上", u"Top "};
+inline constexpr Label kSummaryRight{u"右", u"Right "};
+inline constexpr Label kSummaryBottom{u"下", u"Bottom "};
+inline constexpr Label kSummaryFindBox{u"自动裁边", u"Crop automatically"};
+inline constexpr Label kSummaryDeskewRows{u"自动纠斜_横排", u"Deskew by rows"};
+inline constexpr Label kSummaryDeskewColumns{u"自动纠斜_竖排", u"Deskew by columns"};
+inline constexpr Label kSummaryDeskewBoth{u"自动纠斜_双向", u"Deskew by both"};
+inline constexpr Label kSummaryDeskewManual{u"手动纠斜", u"Deskew by hand"};
 
 // The ten groups, by position.
-inline constexpr Text kGroups[] = {u"亮度", u"对比度",  u"高亮度",  u"Gamma校正", u"曲线",
-                                   u"缩放", u"Jpg质量", u"Jp2压缩", u"切边",      u"其它"};
+inline constexpr Label kGroups[] = {
+    {u"亮度", u"Brightness"},
+    {u"对比度", u"Contrast"},
+    {u"高亮度", u"Highlight"},
+    {u"Gamma校正", u"Gamma"},
+    {u"曲线", u"Curve"},
+    {u"缩放", u"Scale"},
+    {u"Jpg质量", u"JPEG quality"},
+    {u"Jp2压缩", u"JPEG 2000 rate"},
+    {u"切边", u"Crop"},
+    {u"其它", u"Other"},
+};
 
 // Steps of the enhancement, told as each starts.
-inline constexpr Text kStepRotate = u"旋转";
-inline constexpr Text kStepSplit = u"分页";
-inline constexpr Text kStepCorrection = u"页面矫正";
-inline constexpr Text kStepDeskew = u"纠斜";
-inline constexpr Text kStepCrop = u"切边";
-inline constexpr Text kStepReplaceColor = u"颜色替换";
-inline constexpr Text kStepSwapChannel = u"通道互换";
-inline constexpr Text kStepNegate = u"反白";
-inline constexpr Text kStepCombineChannel = u"通道混合";
-inline constexpr Text kStepIllumination = u"去阴影";
-inline constexpr Text kStepUnshadow = u"去除背景阴影";
-inline constexpr Text kStepWhiteBalance = u"白平衡";
-inline constexpr Text kStepEnlarge = u"放大";
-inline constexpr Text kStepAutoLevels = u"自动色阶";
-inline constexpr Text kStepLevels = u"色阶";
-inline constexpr Text kStepVibrance = u"自然饱和度";
-inline constexpr Text kStepPixelMapping = u"像素映射";
-inline constexpr Text kStepLight = u"光线";
-inline constexpr Text kStepMultiScale = u"多尺度细节增强";
-inline constexpr Text kStepAutoLevelsPost = u"自动色阶_后处理";
-inline constexpr Text kStepEqualize = u"色调均化";
-inline constexpr Text kStepEmbolden = u"加粗";
-inline constexpr Text kStepThin = u"变细";
-inline constexpr Text kStepOpen = u"开";
-inline constexpr Text kStepClose = u"闭";
-inline constexpr Text kStepBlur = u"柔化";
-inline constexpr Text kStepGaussian = u"高斯模糊";
-inline constexpr Text kStepSurfaceBlur = u"表面模糊";
-inline constexpr Text kStepReduceSize = u"缩小";
-inline constexpr Text kStepSharpen = u"锐化";
-inline constexpr Text kStepAdjustSharpen = u"调节锐化";
-inline constexpr Text kStepUsm = u"USM锐化";
-inline constexpr Text kStepColorReduction = u"减色";
-inline constexpr Text kStepPlaceOnPage = u"填白";
+inline constexpr Label kStepRotate{u"旋转", u"Rotate"};
+inline constexpr Label kStepSplit{u"分页", u"Split"};
+inline constexpr Label kStepCorrection{u"页面矫正", u"Correct page"};
+inline constexpr Label kStepDeskew{u"纠斜", u"Deskew"};
+inline constexpr Label kStepCrop{u"切边", u"Crop"};
+inline constexpr Label kStepReplaceColor{u"颜色替换", u"Replace color"};
+inline constexpr Label kStepSwapChannel{u"通道互换", u"Swap channels"};
+inline constexpr Label kStepNegate{u"反白", u"Negative"};
+inline constexpr Label kStepCombineChannel{u"通道混合", u"Mix channels"};
+inline constexpr Label kStepIllumination{u"去阴影", u"Even illumination"};
+inline constexpr Label kStepUnshadow{u"去除背景阴影", u"Remove background shadow"};
+inline constexpr Label kStepWhiteBalance{u"白平衡", u"White balance"};
+inline constexpr Label kStepEnlarge{u"放大", u"Enlarge"};
+inline constexpr Label kStepAutoLevels{u"自动色阶", u"Automatic levels"};
+inline constexpr Label kStepLevels{u"色阶", u"Levels"};
+inline constexpr Label kStepVibrance{u"自然饱和度", u"Vibrance"};
+inline constexpr Label kStepPixelMapping{u"像素映射", u"Map pixels"};
+inline constexpr Label kStepLight{u"光线", u"Light"};
+inline constexpr Label kStepMultiScale{u"多尺度细节增强", u"Multi-scale detail"};
+inline constexpr Label kStepAutoLevelsPost{u"自动色阶_后处理", u"Automatic levels, afterwards"};
+inline constexpr Label kStepEqualize{u"色调均化", u"Equalize"};
+inline constexpr Label kStepEmbolden{u"加粗", u"Embolden"};
+inline constexpr Label kStepThin{u"变细", u"Thin"};
+inline constexpr Label kStepOpen{u"开", u"Open"};
+inline constexpr Label kStepClose{u"闭", u"Close"};
+inline constexpr Label kStepBlur{u"柔化", u"Soften"};
+inline constexpr Label kStepGaussian{u"高斯模糊", u"Gaussian blur"};
+inline constexpr Label kStepSurfaceBlur{u"表面模糊", u"Surface blur"};
+inline constexpr Label kStepReduceSize{u"缩小", u"Reduce size"};
+inline constexpr Label kStepSharpen{u"锐化", u"Sharpen"};
+inline constexpr Label kStepAdjustSharpen{u"调节锐化", u"Adjust sharpen"};
+inline constexpr Label kStepUsm{u"USM锐化", u"Unsharp mask"};
+inline constexpr Label kStepColorReduction{u"减色", u"Reduce colors"};
+inline constexpr Label kStepPlaceOnPage{u"填白", u"Place on page"};
 
 }  // namespace velloran::labels

@@ -158,9 +158,9 @@ constexpr RowCase kRowCases[] = {
 };
 // clang-format on
 
-std::string Joined(std::span<const std::u16string_view> list) {
+std::string Joined(std::span<const Label> list) {
     std::u16string joined;
-    for (const std::u16string_view text : list) {
+    for (const Label& text : list) {
         if (!joined.empty())
             joined += u'|';
         joined += text;

@@ -1,0 +1,43 @@
+// What the user reads stands in one place, in every language.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "architecture/SourceTree.h"
+
+namespace velloran::test {
+namespace {
+
+bool HoldsWords(const SourceFile& file) {
+    return file.name.ends_with("Labels.h") || file.folder == "params";
+}
+
+/// The line without its comment; a "//" inside quotation marks begins none.
+std::string WithoutComment(const std::string& line) {
+    bool quoted = false;
+    for (std::size_t i = 0; i + 1 < line.size(); ++i) {
+        if (line[i] == '\\')
+            ++i;
+        else if (line[i] == '"')
+            quoted = !quoted;
+        else if (!quoted && line[i] == '/' && line[i + 1] == '/')
+            return line.substr(0, i);
+    }
+    return line;
+}
+
+bool IsAscii(const std::string& text) {
+    return std::ranges::all_of(text, [](unsigned char c) { return c < 0x80; });
+}
+
+TEST(Words, OfOtherScriptsStandInTheLabelsAndTheParameterTableAlone) {
+    for (const SourceFile& file : ReadSourceTree())
+        if (!HoldsWords(file)) {
+            for (const std::string& line : file.lines)
+                EXPECT_TRUE(IsAscii(WithoutComment(line))) << file.name << ": " << line;
+        }
+}
+
+}  // namespace
+}  // namespace velloran::test
