@@ -4,21 +4,22 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/IndexRows.h"
 #include "core/MappedFile.h"
+#include "core/PaletteSearch.h"
 
 namespace velloran {
 namespace {
 
 void ClearPadding(CDibImage& page) {
-    const std::size_t usedBits = static_cast<std::size_t>(page.GetWidth()) * page.GetBpp();
-    const std::size_t wholeBytes = usedBits / 8;
-    const auto lastBits = static_cast<unsigned>(usedBits % 8);
+    const std::size_t bytes =
+        (static_cast<std::size_t>(page.GetWidth()) * static_cast<std::size_t>(page.GetBpp()) + 7) /
+        8;
+    const std::uint8_t mask = LastByteMask(page.GetWidth(), page.GetBpp());
     for (int y = 0; y < page.GetHeight(); ++y) {
         std::uint8_t* row = page.GetBits(y);
-        std::size_t first = wholeBytes;
-        if (lastBits != 0)
-            row[first++] &= static_cast<std::uint8_t>(0xFF00u >> lastBits);
-        std::memset(row + first, 0, page.GetEffWidth() - first);
+        row[bytes - 1] &= mask;
+        std::memset(row + bytes, 0, page.GetEffWidth() - bytes);
     }
 }
 
@@ -65,25 +66,13 @@ const std::uint8_t* AlphaRowFromTop(const CBaseImage& image, int y) {
 }
 
 int NearestToWhite(std::span<const PaletteEntry> palette) {
-    int best = 0, bestDistance = 3 * 255 * 255 + 1;
-    for (std::size_t i = 0; i < palette.size(); ++i) {
-        const int blue = 255 - palette[i].blue;
-        const int green = 255 - palette[i].green;
-        const int red = 255 - palette[i].red;
-        const int distance = blue * blue + green * green + red * red;
-        if (distance < bestDistance) {
-            best = static_cast<int>(i);
-            bestDistance = distance;
-        }
-    }
-    return best;
+    return NearestIndex(palette, {255, 255, 255, 0});
 }
 
 void WhitenRows(CDibImage& page, int firstRow) {
     int value = 255;
     if (page.GetBpp() <= 8) {
-        const int index =
-            NearestToWhite({page.GetPalette(), static_cast<std::size_t>(page.GetPaletteCount())});
+        const int index = NearestToWhite(PaletteOf(page));
         const int copies = page.GetBpp() == 1 ? 255 : (page.GetBpp() == 4 ? 17 : 1);
         value = index * copies;
     }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "core/PaletteSearch.h"
+
 namespace velloran {
 namespace {
 
@@ -172,23 +174,8 @@ std::uint8_t NearestEntry::Of(std::uint8_t blue, std::uint8_t green, std::uint8_
     constexpr std::uint32_t kSpread = 2654435769u;  // 2^32 divided by the golden ratio
     Remembered& known = recent_[color * kSpread >> 16];
     if (known.color != color)
-        known = {color, Search(blue, green, red)};
+        known = {color, static_cast<std::uint8_t>(NearestIndex(palette_, {blue, green, red, 0}))};
     return known.index;
-}
-
-std::uint8_t NearestEntry::Search(int blue, int green, int red) const {
-    int best = 0, bestDistance = 3 * 257 * 257;
-    for (std::size_t i = 0; i < palette_.size(); ++i) {
-        const int b = palette_[i].blue - blue;
-        const int g = palette_[i].green - green;
-        const int r = palette_[i].red - red;
-        const int distance = b * b + g * g + r * r;
-        if (distance < bestDistance) {
-            best = static_cast<int>(i);
-            bestDistance = distance;
-        }
-    }
-    return static_cast<std::uint8_t>(best);
 }
 
 }  // namespace velloran

@@ -27,7 +27,6 @@ class NearestEntry {
         std::uint32_t color = 0xFFFFFFFF;  // no colour
         std::uint8_t index = 0;
     };
-    std::uint8_t Search(int blue, int green, int red) const;
 
     std::vector<PaletteEntry> palette_;
     std::vector<Remembered> recent_;

@@ -4,7 +4,8 @@
 #include <cstring>
 
 #include "codecs/DecodedPage.h"
-#include "codecs/IndexRows.h"
+#include "core/IndexRows.h"
+#include "core/PaletteSearch.h"
 
 namespace velloran {
 namespace {
@@ -155,17 +156,7 @@ int GifReader::IndexOfColor(const PaletteEntry& color) {
         palette_.push_back(color);
         return static_cast<int>(palette_.size()) - 1;
     }
-    const auto distance = [&](const PaletteEntry& entry) {
-        const int blue = entry.blue - color.blue;
-        const int green = entry.green - color.green;
-        const int red = entry.red - color.red;
-        return blue * blue + green * green + red * red;
-    };
-    return static_cast<int>(std::min_element(palette_.begin(), palette_.end(),
-                                             [&](const PaletteEntry& a, const PaletteEntry& b) {
-                                                 return distance(a) < distance(b);
-                                             }) -
-                            palette_.begin());
+    return NearestIndex(palette_, color);
 }
 
 bool GifReader::ReadPage(CDibImage& page, FileError* error) {

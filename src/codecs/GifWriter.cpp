@@ -9,7 +9,7 @@
 
 #include "codecs/DecodedPage.h"
 #include "codecs/GifPalette.h"
-#include "codecs/IndexRows.h"
+#include "core/IndexRows.h"
 #include "io/AtomicFile.h"
 
 namespace velloran {

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "codecs/DecodedPage.h"
-#include "codecs/IndexRows.h"
+#include "core/IndexRows.h"
 
 namespace velloran {
 namespace {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "codecs/DecodedPage.h"
-#include "codecs/IndexRows.h"
 #include "codecs/PngGuard.h"
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
 #include "io/AtomicFile.h"
 
 namespace velloran {
@@ -46,17 +46,6 @@ void WriteBytes(png_structp png, png_bytep data, std::size_t count) {
 
 // The file is flushed once, when it is whole.
 void FlushNothing(png_structp) {}
-
-bool IsGrayRamp(const CDibImage& image) {
-    const int count = image.GetPaletteCount();
-    for (int i = 0; i < count; ++i) {
-        const auto level = static_cast<std::uint8_t>(i * (255 / (count - 1)));
-        const PaletteEntry& entry = image.GetPalette()[i];
-        if (entry.blue != level || entry.green != level || entry.red != level)
-            return false;
-    }
-    return true;
-}
 
 /// One more than the highest index in use, at least 1.
 int UsedPaletteCount(const CDibImage& image) {
@@ -105,7 +94,7 @@ void PlanPalette(const CDibImage& image, PngPlan& plan) {
 
 PngPlan PlanFor(const CDibImage& image, bool grayTransparent) {
     PngPlan plan;
-    const bool grayRamp = image.GetBpp() <= 8 && IsGrayRamp(image);
+    const bool grayRamp = image.HasGrayPalette();
     if (image.GetAlpha() != nullptr) {
         const bool gray = image.GetBpp() == 8 && grayRamp;
         plan.colorType = gray ? PNG_COLOR_TYPE_GRAY_ALPHA : PNG_COLOR_TYPE_RGB_ALPHA;
@@ -170,7 +159,7 @@ const std::uint8_t* TidyRow(const CDibImage& image, int y, std::uint8_t* scratch
     if (bits % 8 == 0)
         return row;
     std::memcpy(scratch, row, bits / 8 + 1);
-    scratch[bits / 8] &= static_cast<std::uint8_t>(0xFF00u >> bits % 8);
+    scratch[bits / 8] &= LastByteMask(image.GetWidth(), image.GetBpp());
     return scratch;
 }
 

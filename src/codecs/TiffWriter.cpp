@@ -8,6 +8,7 @@
 #include "codecs/DecodedPage.h"
 #include "codecs/TiffHandle.h"
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
 #include "io/AtomicFile.h"
 
 namespace velloran {
@@ -24,22 +25,10 @@ struct TiffPlan {
     int rowsPerStrip = 1;
 };
 
-/// Levels evenly from black to white.
-bool IsGrayRamp(const CDibImage& image) {
-    const int last = image.GetPaletteCount() - 1;
-    for (int i = 0; i <= last; ++i) {
-        const auto level = static_cast<std::uint8_t>(i * 255 / last);
-        const PaletteEntry& entry = image.GetPalette()[i];
-        if (entry.blue != level || entry.green != level || entry.red != level)
-            return false;
-    }
-    return true;
-}
-
 std::uint16_t PhotometricOf(const CDibImage& image) {
     if (image.GetBpp() == 24)
         return PHOTOMETRIC_RGB;
-    if (IsGrayRamp(image))
+    if (image.HasGrayPalette())
         return PHOTOMETRIC_MINISBLACK;
     return image.IsBW() ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_PALETTE;
 }
@@ -150,8 +139,8 @@ void PlaceRow(const CDibImage& image, const TiffPlan& plan, int y, std::uint8_t*
     const std::size_t samples = static_cast<std::size_t>(plan.samples);
     if (image.GetBpp() < 24 && !plan.withAlpha) {
         std::memcpy(out, row, (bits + 7) / 8);
-        if (bits % 8 != 0)  // no stray bits: equal images give equal files
-            out[bits / 8] &= static_cast<std::uint8_t>(0xFF00u >> bits % 8);
+        // No stray bits: equal images give equal files.
+        out[(bits + 7) / 8 - 1] &= LastByteMask(image.GetWidth(), image.GetBpp());
         return;
     }
     if (image.GetBpp() < 24) {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "codecs/DecodedPage.h"
-#include "codecs/IndexRows.h"
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
 #include "io/AtomicFile.h"
 
 namespace velloran {

@@ -37,6 +37,11 @@ bool IsGrayLevel(const PaletteEntry& entry, int level) {
     return entry.blue == level && entry.green == level && entry.red == level;
 }
 
+/// Levels evenly from black to white; palettes have 2, 16 or 256 entries.
+int GrayOfIndex(int index, int count) {
+    return index * (255 / (count - 1));
+}
+
 /// A new plane, or null without memory.
 PixelBuffer TryPlane(std::size_t bytes) {
     return PixelBuffer(static_cast<std::uint8_t*>(AllocatePixels(bytes)));
@@ -339,20 +344,18 @@ void CBaseImage::SetGrayPalette() {
         return;
     const int count = GetPaletteCount();
     for (int i = 0; i < count; ++i) {
-        const auto level = static_cast<std::uint8_t>(i * (255 / (count - 1)));
+        const auto level = static_cast<std::uint8_t>(GrayOfIndex(i, count));
         palette[i] = {level, level, level, 0};
     }
     fields_.lastColorValid = 0;
 }
 
-bool CBaseImage::IsGrayScale() const {
+bool CBaseImage::HasGrayPalette() const {
     const PaletteEntry* palette = GetPalette();
-    if (palette == nullptr || header_.bitCount != 8)
-        return false;
-    for (int i = 0; i < GetPaletteCount(); ++i)
-        if (!IsGrayLevel(palette[i], i))
+    for (int i = 0; palette != nullptr && i < GetPaletteCount(); ++i)
+        if (!IsGrayLevel(palette[i], GrayOfIndex(i, GetPaletteCount())))
             return false;
-    return true;
+    return palette != nullptr;
 }
 
 bool CBaseImage::IsBW() const {

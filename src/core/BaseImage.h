@@ -152,8 +152,10 @@ class CBaseImage {
 
     /// Entry i becomes the grey i * (255 / (n - 1)).
     void SetGrayPalette();
+    /// The palette that SetGrayPalette makes; false without a palette.
+    bool HasGrayPalette() const;
     /// 8 bits with a palette of entries (i, i, i).
-    bool IsGrayScale() const;
+    bool IsGrayScale() const { return GetBpp() == 8 && HasGrayPalette(); }
     /// 1 bit with one entry black and the other white, in either order.
     bool IsBW() const;
 

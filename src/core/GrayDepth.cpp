@@ -5,33 +5,19 @@
 #include <cstdlib>
 
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 
 namespace velloran {
 namespace {
 
 constexpr int kGrayTolerance = 5;
-constexpr std::int64_t kParallelPixels = 1 << 16;  // below, starting threads costs more
-
 using EntryFlags = std::array<bool, 256>;
 using GrayTable = std::array<std::uint8_t, 256>;
 
 bool IsLarge(const CBaseImage& image) {
-    return std::int64_t{image.GetWidth()} * image.GetHeight() >= kParallelPixels;
-}
-
-/// Palette indices of a row of 1, 4 or 8 bits, one call of `use` a pixel.
-template <typename Use>
-void ForEachIndex(const std::uint8_t* row, int width, int bpp, Use&& use) {
-    if (bpp == 8)
-        for (int x = 0; x < width; ++x)
-            use(x, row[x]);
-    else if (bpp == 4)
-        for (int x = 0; x < width; ++x)
-            use(x, row[x / 2] >> (x % 2 == 0 ? 4 : 0) & 15);
-    else
-        for (int x = 0; x < width; ++x)
-            use(x, row[x / 8] >> (7 - x % 8) & 1);
+    return IsWorthThreads(std::int64_t{image.GetWidth()} * image.GetHeight());
 }
 
 bool IsGrayEntry(const PaletteEntry& entry, int tolerance) {

@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "core/BaseImage.h"
+#include "core/IndexRows.h"
+#include "core/Threads.h"
 #include "core/TransposePixels.h"
 
 namespace velloran {
 namespace {
-
-constexpr std::int64_t kParallelBytes = 1 << 18;  // below, starting threads costs more
 
 /// Moves the plane's rows together so that only the picture within the margins is left.
 void CropPlane(std::uint8_t* plane, int width, int height, int left, int top, int right,
@@ -42,12 +42,6 @@ SideMargins RoundedSides(int bpp, int width, std::int64_t left, std::int64_t rig
             return {0, 0};
     }
     return {static_cast<int>(left), static_cast<int>(right)};
-}
-
-/// Bits of the last byte of a row that hold pixels, as a mask; 255 when all do.
-std::uint8_t LastByteMask(int width, int bpp) {
-    const int used = static_cast<int>(std::int64_t{width} * bpp % 8);
-    return static_cast<std::uint8_t>(used == 0 ? 0xFF : 0xFF00 >> used);
 }
 
 /// A byte with its 1-bit or 4-bit pixels in the opposite order.
@@ -121,7 +115,7 @@ void FlipRows(std::uint8_t* first, int width, int height, int bpp, std::ptrdiff_
               FlipMode mode) {
     const bool swapRows = mode != FlipMode::kMirror, mirror = mode != FlipMode::kFlip;
     const std::int64_t rowBytes = (std::int64_t{width} * bpp + 7) / 8;
-#pragma omp parallel for schedule(static) if (rowBytes * height >= kParallelBytes)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(rowBytes * height))
     for (int y = 0; y < (height + 1) / 2; ++y) {
         std::uint8_t* lower = first + y * stride;
         std::uint8_t* upper = first + (height - 1 - y) * stride;

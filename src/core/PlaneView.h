@@ -23,6 +23,14 @@ struct BasicPlaneView {
         return {first + y * stride, static_cast<std::size_t>(width) * channels};
     }
 
+    /// A rectangle of it, which lies within.
+    BasicPlaneView Part(int left, int top, int partWidth, int partHeight) const {
+        assert(left >= 0 && top >= 0 && partWidth >= 0 && partHeight >= 0 &&
+               left + partWidth <= width && top + partHeight <= height);
+        return {first + top * stride + std::ptrdiff_t{left} * channels, partWidth, partHeight,
+                channels, stride};
+    }
+
     /// The same pixels with the last row first.
     BasicPlaneView UpsideDown() const {
         if (height == 0)

@@ -6,13 +6,14 @@
 #include <cassert>
 #include <cstring>
 
+#include "core/Threads.h"
+
 namespace velloran {
 namespace {
 
 // A band of source columns becomes a band of target rows, which one thread writes alone. Within it
 // square tiles keep the touched lines of both pictures in the nearest cache.
 constexpr int kBand = 64;
-constexpr std::int64_t kParallelPixels = 1 << 16;  // below, starting threads costs more
 
 struct Target {
     std::uint8_t* first;
@@ -138,8 +139,8 @@ void TransposePixels(const PackedRows& source, int bpp, std::uint8_t* target,
     const TransposeTile transpose = TileKernel(bpp);
     const Target rows{target, targetStride};
     const int bands = (source.width + kBand - 1) / kBand;
-#pragma omp parallel for schedule(static) if (std::int64_t{source.width} * source.height >= \
-                                              kParallelPixels)
+    [[maybe_unused]] const std::int64_t pixels = std::int64_t{source.width} * source.height;
+#pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int band = 0; band < bands; ++band) {
         const int x0 = band * kBand, x1 = std::min(x0 + kBand, source.width);
         for (int y0 = 0; y0 < source.height; y0 += kBand)

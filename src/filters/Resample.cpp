@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
+#include <span>
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
+#include "core/IndexRows.h"
+#include "core/PaletteSearch.h"
 #include "core/Refusal.h"
 #include "core/Threads.h"
 #include "imaging/Resize.h"
@@ -62,37 +64,17 @@ bool CanScale(const CDibImage& image, int width, int height) {
     return image.IsValid() && !image.IsGhost() && width >= 1 && height >= 1;
 }
 
-int DistanceTo(const PaletteEntry& entry, const std::uint8_t* pixel) {
-    const int blue = entry.blue - pixel[0], green = entry.green - pixel[1],
-              red = entry.red - pixel[2];
-    return blue * blue + green * green + red * red;
-}
-
-int NearestEntry(const PaletteEntry* palette, int count, const std::uint8_t* pixel) {
-    int nearest = 0, least = std::numeric_limits<int>::max();
-    for (int i = 0; i < count && least > 0; ++i)
-        if (const int distance = DistanceTo(palette[i], pixel); distance < least) {
-            least = distance;
-            nearest = i;
-        }
-    return nearest;
-}
-
 /// Puts the pixels of a 24-bit image into the palette of a 1-bit or 4-bit target.
 void PackNearest(const CDibImage& color, CDibImage& target) {
-    const int bpp = target.GetBpp(), perByte = 8 / bpp;
-    target.Clear(0);
     [[maybe_unused]] const std::int64_t comparisons =
         std::int64_t{target.GetWidth()} * target.GetHeight() * target.GetPaletteCount();
+    const std::span<const PaletteEntry> palette = PaletteOf(target);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(comparisons))
     for (int y = 0; y < target.GetHeight(); ++y) {
         const std::uint8_t* pixel = color.GetBits(y);
-        std::uint8_t* out = target.GetBits(y);
-        for (int x = 0; x < target.GetWidth(); ++x, pixel += 3) {
-            const int index = NearestEntry(target.GetPalette(), target.GetPaletteCount(), pixel);
-            out[x / perByte] = static_cast<std::uint8_t>(out[x / perByte] |
-                                                         index << (8 - bpp - x % perByte * bpp));
-        }
+        PackEachIndex(target.GetWidth(), target.GetBpp(), target.GetBits(y), [&](int x) {
+            return NearestIndex(palette, {pixel[3 * x], pixel[3 * x + 1], pixel[3 * x + 2], 0});
+        });
     }
 }
 

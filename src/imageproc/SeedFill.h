@@ -1,7 +1,7 @@
 #pragma once
 
-// Growing seeds within a mask. (L. Vincent, "Morphological Grayscale Reconstruction in Image
-// Analysis", 1993, for the grey form.)
+// Growing seeds within a mask, in time that grows with the pixels, whatever the mask. (L. Vincent,
+// "Morphological Grayscale Reconstruction in Image Analysis", 1993, for the grey form.)
 
 #include "core/DibImage.h"
 #include "imageproc/BinaryImage.h"

@@ -1,9 +1,10 @@
 #include "pipeline/MaskFill.h"
 
 #include <algorithm>
-#include <climits>
 
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
+#include "core/PaletteSearch.h"
 #include "core/Rounding.h"
 #include "core/Threads.h"
 
@@ -35,30 +36,6 @@ class MaskRows {
     const std::uint8_t* rows_[3];
 };
 
-/// Entry whose three channels together are nearest to the grey; the lowest of equals.
-int NearestEntry(const CDibImage& image, int gray) {
-    const PaletteEntry* entries = image.GetPalette();
-    int nearest = 0, nearestDistance = INT_MAX;
-    for (int i = 0; i < image.GetPaletteCount(); ++i) {
-        const int blue = entries[i].blue - gray, green = entries[i].green - gray;
-        const int red = entries[i].red - gray;
-        const int distance = blue * blue + green * green + red * red;
-        if (distance < nearestDistance) {
-            nearest = i;
-            nearestDistance = distance;
-        }
-    }
-    return nearest;
-}
-
-/// Puts an index of `bits` bits, 1, 4 or 8.
-void PutIndex(std::uint8_t* row, int x, int bits, int index) {
-    const int perByte = 8 / bits, mask = (1 << bits) - 1;
-    const int shift = 8 - bits * (x % perByte + 1);
-    std::uint8_t& byte = row[x / perByte];
-    byte = static_cast<std::uint8_t>((byte & ~(mask << shift)) | (index & mask) << shift);
-}
-
 }  // namespace
 
 int FillOutsideMask(CDibImage& image, const CDibImage& mask, std::uint32_t color) {
@@ -69,8 +46,9 @@ int FillOutsideMask(CDibImage& image, const CDibImage& mask, std::uint32_t color
     const auto red = static_cast<std::uint8_t>(color),
                green = static_cast<std::uint8_t>(color >> 8);
     const auto blue = static_cast<std::uint8_t>(color >> 16);
-    const int gray = LumaOf(blue, green, red);
-    const int index = bits < 8 ? NearestEntry(image, gray) : gray;
+    const std::uint8_t gray = LumaOf(blue, green, red);
+    const PaletteEntry grayEntry{gray, gray, gray, 0};
+    const int index = bits < 8 ? NearestIndex(PaletteOf(image), grayEntry) : gray;
 #pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{width} * height))
     for (int y = 0; y < height; ++y) {
         const MaskRows around(mask, y);

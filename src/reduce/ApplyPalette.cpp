@@ -28,11 +28,11 @@ std::array<std::uint8_t, 256> NearestLevels(const Palette& palette) {
     return index;
 }
 
-bool ApplyPalette(CDibImage& image, const Palette& palette) {
+int ApplyPalette(CDibImage& image, const Palette& palette) {
     if (!image.IsValid() || palette.empty())
-        return false;
+        return 0;
     if (image.GetBpp() != 24 && !image.IncreaseBpp24())
-        return false;
+        return 0;
     NearestColor nearest(palette);
     for (int y = 0; y < image.GetHeight(); ++y) {
         std::uint8_t* pixel = image.GetBits(y);
@@ -43,7 +43,7 @@ bool ApplyPalette(CDibImage& image, const Palette& palette) {
             pixel[2] = entry.red;
         }
     }
-    return true;
+    return 1;
 }
 
 }  // namespace velloran

@@ -1,7 +1,7 @@
 #pragma once
 
 // Pixels into a palette: by nearest colour, by error diffusion, in appearance or for good. Each
-// returns false, and leaves the image, where it is empty or memory fails.
+// returns 0, and leaves the image, where it is empty or memory fails; else non-zero.
 
 #include <array>
 #include <cstdint>
@@ -12,13 +12,13 @@
 namespace velloran {
 
 /// Nearest colour, squared distance, lowest index on ties; the image becomes 24-bit.
-bool ApplyPalette(CDibImage& image, const Palette& palette);
+int ApplyPalette(CDibImage& image, const Palette& palette);
 
 /// Floyd-Steinberg over any palette on a 24-bit image, stored rows in order, left to right, errors
 /// in sixteenths. With `keepDepth` pixels take the entry's colour, else its index in all three
 /// bytes. Images below 2 rows stay. (R. Floyd, L. Steinberg, "An Adaptive Algorithm for Spatial
 /// Greyscale", 1976.)
-bool DiffusePalette(CDibImage& image, const Palette& palette, bool keepDepth);
+int DiffusePalette(CDibImage& image, const Palette& palette, bool keepDepth);
 
 enum BwDitherMethod : int { kJarvisJudiceNinke = 0, kFloydSteinberg = 1, kBayer = 2 };
 
@@ -27,16 +27,16 @@ enum BwDitherMethod : int { kJarvisJudiceNinke = 0, kFloydSteinberg = 1, kBayer 
 /// for the Display of Continuous Tone Pictures on Bilevel Displays", 1976; B. Bayer, "An Optimum
 /// Method for Two-Level Rendition of Continuous-Tone Pictures", 1973; 8 x 8). Rows run top down.
 /// Without `keepDepth` each level then becomes the index of the nearest entry.
-bool ReduceLevels(CDibImage& image, const Palette& palette, bool keepDepth, int bwDitherMethod);
+int ReduceLevels(CDibImage& image, const Palette& palette, bool keepDepth, int bwDitherMethod);
 
 /// Byte 0 of each pixel becomes a palette index at `bits` depth (1, 4 or 8).
-bool PackIndices(CDibImage& image, int bits, const Palette& palette);
+int PackIndices(CDibImage& image, int bits, const Palette& palette);
 
 /// Nearest colour at `bits` depth without dithering.
-bool PackNearest(CDibImage& image, int bits, const Palette& palette);
+int PackNearest(CDibImage& image, int bits, const Palette& palette);
 
 /// Keeps the bits of a 5-6-5 or 5-5-5 pixel in a 24-bit image, with or without error diffusion.
-bool Reduce16(CDibImage& image, bool dither, bool is565);
+int Reduce16(CDibImage& image, bool dither, bool is565);
 
 /// Index of the level nearest to `value` by the entries' blue bytes; exact match first, lowest
 /// index on ties.

@@ -5,6 +5,8 @@
 #include <new>
 #include <vector>
 
+#include "core/IndexRows.h"
+
 namespace velloran {
 namespace {
 
@@ -49,26 +51,6 @@ class ColorSet {
     std::vector<std::uint64_t> words_ = std::vector<std::uint64_t>(kSetWords);
 };
 
-/// Which indices a palette image uses.
-std::array<bool, 256> UsedIndices(const CDibImage& image) {
-    std::array<bool, 256> used{};
-    for (int y = 0; y < image.GetHeight(); ++y) {
-        const std::uint8_t* row = image.GetBits(y);
-        for (int x = 0; x < image.GetWidth(); ++x)
-            switch (image.GetBpp()) {
-                case 8:
-                    used[row[x]] = true;
-                    break;
-                case 4:
-                    used[row[x / 2] >> (x % 2 == 0 ? 4 : 0) & 15] = true;
-                    break;
-                default:
-                    used[row[x / 8] >> (7 - x % 8) & 1] = true;
-            }
-    }
-    return used;
-}
-
 ExactPalette ExactColors(const CDibImage& image, int count, std::uint32_t reservedColor) {
     ExactPalette exact;
     ColorSet colors;
@@ -108,6 +90,14 @@ ExactPalette ExactLevels(const CDibImage& image, int count, std::uint32_t reserv
 }
 
 }  // namespace
+
+std::array<bool, 256> UsedIndices(const CDibImage& image) {
+    std::array<bool, 256> used{};
+    for (int y = 0; y < image.GetHeight(); ++y)
+        ForEachIndex(image.GetBits(y), image.GetWidth(), image.GetBpp(),
+                     [&](int, int index) { used[static_cast<std::size_t>(index)] = true; });
+    return used;
+}
 
 int CountColors(const CDibImage& image) {
     if (!image.IsValid())

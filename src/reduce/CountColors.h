@@ -2,6 +2,7 @@
 
 // Which colours an image uses.
 
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -13,6 +14,9 @@ namespace velloran {
 /// Distinct colours at 24 bits, distinct palette indices below. 0 for an empty image and where
 /// the 2 MiB set cannot be allocated.
 int CountColors(const CDibImage& image);
+
+/// Which indices an image of 1, 4 or 8 bits uses.
+std::array<bool, 256> UsedIndices(const CDibImage& image);
 
 struct ExactPalette {
     Palette palette;            // empty where there are more colours than wanted

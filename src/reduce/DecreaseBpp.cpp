@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
+#include <span>
 
 #include "core/GrayDepth.h"
+#include "core/PaletteSearch.h"
+#include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/Binarize.h"
@@ -34,11 +36,7 @@ enum class TwoLevels { kDone, kMoreLevels };
 
 /// An 8-bit image with at most two levels becomes a 1-bit image of those.
 TwoLevels PackTwoLevels(CDibImage& image, bool previewing) {
-    std::array<bool, 256> used{};
-    const ConstPlaneView plane = ViewOf(static_cast<const CDibImage&>(image));
-    for (int y = 0; y < plane.height; ++y)
-        for (const std::uint8_t sample : plane.Row(y))
-            used[sample] = true;
+    const std::array<bool, 256> used = UsedIndices(image);
     if (std::count(used.begin(), used.end(), true) > 2)
         return TwoLevels::kMoreLevels;
     if (previewing)
@@ -52,7 +50,7 @@ TwoLevels PackTwoLevels(CDibImage& image, bool previewing) {
             palette.push_back({gray, gray, gray, 0});
         }
     const int transparent = image.Fields().backgroundIndex;
-    if (PackLevels(image, 1, palette, index) && transparent >= 0)
+    if (PackLevels(image, 1, palette, index) != 0 && transparent >= 0)
         image.Fields().backgroundIndex =
             transparent < 256 && used[static_cast<std::size_t>(transparent)]
                 ? index[static_cast<std::size_t>(transparent)]
@@ -66,9 +64,9 @@ std::uint32_t GrayOf(std::uint32_t color) {
 }
 
 /// Two levels, then the cleaning that was asked for.
-bool Binarize(CDibImage& image, const Palette* palette, const DecreaseBppRequest& request) {
-    if (!Threshold(image, palette, request))
-        return false;
+int Binarize(CDibImage& image, const Palette* palette, const DecreaseBppRequest& request) {
+    if (Threshold(image, palette, request) == 0)
+        return 0;
     if (request.deSmooth != 0)
         SmoothEdges(image);
     const bool blocks = request.blockWidth != 0 && request.blockHeight != 0;
@@ -82,7 +80,7 @@ bool Binarize(CDibImage& image, const Palette* palette, const DecreaseBppRequest
         clean.despeckleSize = request.despeckleSize;
         CleanComponents(image, nullptr, clean);
     }
-    return true;
+    return 1;
 }
 
 void Preview(CDibImage& image, const ReducePlan& plan, const DecreaseBppRequest& request) {
@@ -101,45 +99,36 @@ void Preview(CDibImage& image, const ReducePlan& plan, const DecreaseBppRequest&
 
 /// The target is made before the pixels turn into indices, so that a page without memory for it
 /// stays a picture.
-bool DitherForGood(CDibImage& image, const ReducePlan& plan, const DecreaseBppRequest& request) {
+int DitherForGood(CDibImage& image, const ReducePlan& plan, const DecreaseBppRequest& request) {
     // A single row is not diffused, so its pixels would hold no indices.
     if (image.GetBpp() != 8 && image.GetHeight() < 2)
         return PackNearest(image, plan.bits, plan.palette);
     CDibImage target = MakePackTarget(image, plan.bits, plan.palette);
     if (!target.IsValid())
-        return false;
-    const bool isDithered =
+        return 0;
+    const int dithered =
         image.GetBpp() == 8
             ? ReduceLevels(image, plan.palette, /*keepDepth=*/false, request.bwDitherMethod)
             : DiffusePalette(image, plan.palette, /*keepDepth=*/false);
-    if (!isDithered)
-        return false;
+    if (dithered == 0)
+        return 0;
     PackIndicesInto(image, target);
-    return image.TakePixels(target);
+    return image.TakePixels(target) ? 1 : 0;
 }
 
-bool ReduceForGood(CDibImage& image, const ReducePlan& plan, const DecreaseBppRequest& request) {
+int ReduceForGood(CDibImage& image, const ReducePlan& plan, const DecreaseBppRequest& request) {
     if (request.dither != 0)
         return DitherForGood(image, plan, request);
     if (request.color != kBlackWhite)
         return PackNearest(image, plan.bits, plan.palette);
-    return Binarize(image, plan.needsPalette ? &plan.palette : nullptr, request) &&
-           PackBilevel(image);
+    if (Binarize(image, plan.needsPalette ? &plan.palette : nullptr, request) == 0)
+        return 0;
+    return PackBilevel(image);
 }
 
-/// The entry nearest to white; entry 0 counts only as the default.
-int LightestIndex(const Palette& palette) {
-    int index = 0, least = 0x40000;
-    for (std::size_t i = 1; i < palette.size(); ++i) {
-        const int blue = 255 - palette[i].blue, green = 255 - palette[i].green,
-                  red = 255 - palette[i].red;
-        const int distance = blue * blue + green * green + red * red;
-        if (distance < least) {
-            least = distance;
-            index = static_cast<int>(i);
-        }
-    }
-    return index;
+/// The entry nearest to white; entry 0 counts only where there is no other.
+int LightestIndex(std::span<const PaletteEntry> palette) {
+    return palette.size() < 2 ? 0 : 1 + NearestIndex(palette.subspan(1), {255, 255, 255, 0});
 }
 
 /// Where the transparent level of a grey page went: its own entry, or -1 where others share it.
@@ -150,59 +139,59 @@ int TransparentEntry(const ReducePlan& plan, int level) {
     return plan.palette[static_cast<std::size_t>(index)].blue == level ? index : -1;
 }
 
-bool ReduceToPalette(CDibImage& image, bool previewing, const DecreaseBppRequest& request) {
+int ReduceToPalette(CDibImage& image, bool previewing, const DecreaseBppRequest& request) {
     const ReducePlan plan = MakeReducePlan(image, request);
     if (plan.needsPalette && plan.palette.empty())
-        return true;
+        return 1;
     if (previewing) {
         Preview(image, plan, request);
-        return image.IsValid();
+        return image.IsValid() ? 1 : 0;
     }
     const int transparentLevel = image.Fields().backgroundIndex;
-    if (!ReduceForGood(image, plan, request))
-        return image.IsValid();
+    if (ReduceForGood(image, plan, request) == 0)
+        return image.IsValid() ? 1 : 0;
     if (request.transparent == 0) {
         image.Fields().backgroundIndex = TransparentEntry(plan, transparentLevel);
-        return true;
+        return 1;
     }
     Palette palette = plan.palette;
     if (!plan.needsPalette)
         palette.assign(image.GetPalette(), image.GetPalette() + image.GetPaletteCount());
-    image.Fields().backgroundIndex = palette.size() < 2 ? 0 : LightestIndex(palette);
-    return true;
+    image.Fields().backgroundIndex = LightestIndex(palette);
+    return 1;
 }
 
 /// What the position means for the image at hand; converts it to grey where the target is grey.
-bool SettleTarget(CDibImage& image, bool previewing, DecreaseBppRequest& request) {
+int SettleTarget(CDibImage& image, bool previewing, DecreaseBppRequest& request) {
     if (request.color == kAsSource)
         request.color = DepthOfSource(image, previewing, request.sourceBpp);
     if (image.GetBpp() < 8 && IsColorDepth(request.color) && request.color != kRgb24 &&
         EnsureGrayOrRgb(image) == 0)
-        return false;
+        return 0;
     if (image.GetBpp() <= 8)
-        return true;
+        return 1;
     if (request.color == kColors2 && request.quantize == kFixedPalette)
         request.color = kBlackWhite;
-    return !IsGrayDepth(request.color) || ConvertToGray(image) != 0;
+    return IsGrayDepth(request.color) ? ConvertToGray(image) : 1;
 }
 
-bool Decrease(CDibImage& image, bool previewing, DecreaseBppRequest& request) {
-    if (!SettleTarget(image, previewing, request))
-        return image.IsValid();
+int Decrease(CDibImage& image, bool previewing, DecreaseBppRequest& request) {
+    if (SettleTarget(image, previewing, request) == 0)
+        return image.IsValid() ? 1 : 0;
     if (!IsColorDepth(request.color) || request.color == kRgb24)
-        return true;
+        return 1;
     if (image.GetBpp() == 8) {
         request.color = DepthRowOf(request.color).onGrayImage;
         if (request.color == kColors2) {
             if (PackTwoLevels(image, previewing) == TwoLevels::kDone)
-                return true;
+                return 1;
             request.color = kBlackWhite;
         }
     }
     if (IsGrayDepth(request.color) && request.reservedColor != DecreaseBppRequest::kNoReservedColor)
         request.reservedColor = GrayOf(request.reservedColor);
     if (request.color == kGray256)
-        return ConvertToGray(image) != 0;
+        return ConvertToGray(image);
     if (request.color == kHigh565 || request.color == kHigh555)
         return Reduce16(image, request.dither != 0, request.color == kHigh565);
     return ReduceToPalette(image, previewing, request);
@@ -210,14 +199,11 @@ bool Decrease(CDibImage& image, bool previewing, DecreaseBppRequest& request) {
 
 }  // namespace
 
-bool DecreaseBpp(CDibImage& image, bool previewing, DecreaseBppRequest request) {
+int DecreaseBpp(CDibImage& image, bool previewing, DecreaseBppRequest request) {
     if (!image.IsValid())
-        return false;
-    try {
-        return Decrease(image, previewing, request);
-    } catch (const std::bad_alloc&) {
-        return image.IsValid();
-    }
+        return 0;
+    RefuseWhenOutOfMemory([&] { return Decrease(image, previewing, request); });
+    return image.IsValid() ? 1 : 0;
 }
 
 }  // namespace velloran

@@ -11,7 +11,7 @@
 namespace velloran {
 
 /// While previewing the image keeps its depth and only looks reduced; else it ends at the depth of
-/// the list (1, 4, 8 or 24 bits). False when the image holds no pixels afterwards.
-bool DecreaseBpp(CDibImage& image, bool previewing, DecreaseBppRequest request);
+/// the list (1, 4, 8 or 24 bits). 0 when the image holds no pixels afterwards.
+int DecreaseBpp(CDibImage& image, bool previewing, DecreaseBppRequest request);
 
 }  // namespace velloran

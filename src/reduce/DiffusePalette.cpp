@@ -1,7 +1,6 @@
 #include <array>
-#include <cstring>
-#include <new>
 
+#include "core/Refusal.h"
 #include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/DiffuseErrors.h"
@@ -13,8 +12,8 @@ namespace {
 /// Walks the rows as they are stored and hands each pixel's diffused levels to `replace`, which
 /// writes the pixel and returns the levels that were kept.
 template <typename Replace>
-bool DiffuseRows(CDibImage& image, Replace&& replace) {
-    try {
+int DiffuseRows(CDibImage& image, Replace&& replace) {
+    return RefuseWhenOutOfMemory([&] {
         ErrorRows rows(image.GetWidth(), 3);
         const int height = image.GetHeight();
         rows.LoadCurrent(image.GetBits(0));
@@ -34,19 +33,17 @@ bool DiffuseRows(CDibImage& image, Replace&& replace) {
             if (y + 2 < height)
                 rows.LoadNext(image.GetBits(y + 2));
         }
-        return true;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+        return 1;
+    });
 }
 
 }  // namespace
 
-bool DiffusePalette(CDibImage& image, const Palette& palette, bool keepDepth) {
+int DiffusePalette(CDibImage& image, const Palette& palette, bool keepDepth) {
     if (!image.IsValid() || image.GetBpp() != 24 || palette.empty())
-        return false;
+        return 0;
     if (image.GetHeight() < 2)
-        return true;
+        return 1;
     NearestColor nearest(palette);
     return DiffuseRows(image, [&](const std::array<std::int32_t, 3>& level, std::uint8_t* pixel) {
         const std::uint8_t index =
@@ -60,9 +57,9 @@ bool DiffusePalette(CDibImage& image, const Palette& palette, bool keepDepth) {
     });
 }
 
-bool Reduce16(CDibImage& image, bool dither, bool is565) {
+int Reduce16(CDibImage& image, bool dither, bool is565) {
     if (!image.IsValid() || image.GetBpp() != 24)
-        return false;
+        return 0;
     const std::array<std::uint8_t, 3> mask{0xF8, static_cast<std::uint8_t>(is565 ? 0xFC : 0xF8),
                                            0xF8};
     if (dither)
@@ -82,7 +79,7 @@ bool Reduce16(CDibImage& image, bool dither, bool is565) {
             for (std::size_t c = 0; c < 3; ++c)
                 pixel[c] &= mask[c];
     }
-    return true;
+    return 1;
 }
 
 }  // namespace velloran

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "core/IndexRows.h"
 #include "reduce/PaletteMakers.h"
 
 namespace velloran {
@@ -167,24 +168,12 @@ Palette OctreePalette(const CDibImage& image, int colors) {
                 const PaletteEntry& entry = palette[index];
                 quantizer.AddColor(entry.red, entry.green, entry.blue, entry.reserved);
             };
-            const int width = image.GetWidth();
-            switch (image.GetBpp()) {
-                case 24:
-                    for (int x = 0; x < width; ++x, row += 3)
-                        quantizer.AddColor(row[2], row[1], row[0], 0);
-                    break;
-                case 8:
-                    for (int x = 0; x < width; ++x)
-                        addIndex(row[x]);
-                    break;
-                case 4:
-                    for (int x = 0; x < width; ++x)
-                        addIndex(row[x / 2] >> (x % 2 == 0 ? 4 : 0) & 15);
-                    break;
-                default:
-                    for (int x = 0; x < width; ++x)
-                        addIndex(row[x / 8] >> (7 - x % 8) & 1);
-            }
+            if (image.GetBpp() == 24)
+                for (int x = 0; x < image.GetWidth(); ++x, row += 3)
+                    quantizer.AddColor(row[2], row[1], row[0], 0);
+            else
+                ForEachIndex(row, image.GetWidth(), image.GetBpp(),
+                             [&](int, int index) { addIndex(index); });
         }
         return quantizer.ReadPalette();
     } catch (const std::bad_alloc&) {

@@ -2,36 +2,13 @@
 #include <array>
 #include <cstring>
 
+#include "core/IndexRows.h"
 #include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/NearestColor.h"
 #include "reduce/PackTarget.h"
 
 namespace velloran {
-namespace {
-
-/// Packs the indices that `indexAt(x)` gives into a row.
-template <typename IndexAt>
-void PackRow(std::uint8_t* row, int width, int bits, IndexAt&& indexAt) {
-    switch (bits) {
-        case 1:
-            for (int x = 0; x < width; ++x)
-                row[x / 8] =
-                    static_cast<std::uint8_t>(row[x / 8] | (indexAt(x) & 1) << (7 - x % 8));
-            break;
-        case 4:
-            for (int x = 0; x < width; ++x)
-                row[x / 2] = static_cast<std::uint8_t>(row[x / 2] | (indexAt(x) & 15)
-                                                                        << (x % 2 == 0 ? 4 : 0));
-            break;
-        default:
-            for (int x = 0; x < width; ++x)
-                row[x] = static_cast<std::uint8_t>(indexAt(x));
-    }
-}
-
-}  // namespace
-
 CDibImage MakePackTarget(const CDibImage& image, int bits, const Palette& palette) {
     CDibImage target;
     if (bits != 1 && bits != 4 && bits != 8)
@@ -41,7 +18,6 @@ CDibImage MakePackTarget(const CDibImage& image, int bits, const Palette& palett
     const std::size_t count =
         std::min(palette.size(), static_cast<std::size_t>(target.GetPaletteCount()));
     std::copy_n(palette.begin(), count, target.GetPalette());
-    target.Clear(0);
     return target;
 }
 
@@ -51,54 +27,55 @@ void PackIndicesInto(const CDibImage& indices, CDibImage& target) {
 #pragma omp parallel for schedule(static) if (IsWorthThreads(source))
     for (int y = 0; y < source.height; ++y) {
         const std::uint8_t* from = source.Row(y).data();
-        PackRow(target.GetBits(y), source.width, bits,
-                [&](int x) { return from[x * source.channels]; });
+        PackEachIndex(source.width, bits, target.GetBits(y),
+                      [&](int x) { return from[x * source.channels]; });
     }
 }
 
-bool PackIndices(CDibImage& image, int bits, const Palette& palette) {
+int PackIndices(CDibImage& image, int bits, const Palette& palette) {
     if (ViewOf(image).height == 0)
-        return false;
+        return 0;
     CDibImage target = MakePackTarget(image, bits, palette);
     if (!target.IsValid())
-        return false;
+        return 0;
     PackIndicesInto(image, target);
-    return image.TakePixels(target);
+    return image.TakePixels(target) ? 1 : 0;
 }
 
-bool PackLevels(CDibImage& image, int bits, const Palette& palette,
-                const std::array<std::uint8_t, 256>& indexOfLevel) {
+int PackLevels(CDibImage& image, int bits, const Palette& palette,
+               const std::array<std::uint8_t, 256>& indexOfLevel) {
     const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
     if (source.height == 0 || source.channels != 1)
-        return false;
+        return 0;
     CDibImage target = MakePackTarget(image, bits, palette);
     if (!target.IsValid())
-        return false;
+        return 0;
 #pragma omp parallel for schedule(static) if (IsWorthThreads(source))
     for (int y = 0; y < source.height; ++y) {
         const std::uint8_t* from = source.Row(y).data();
-        PackRow(target.GetBits(y), source.width, bits,
-                [&](int x) { return indexOfLevel[from[x]]; });
+        PackEachIndex(source.width, bits, target.GetBits(y),
+                      [&](int x) { return indexOfLevel[from[x]]; });
     }
-    return image.TakePixels(target);
+    return image.TakePixels(target) ? 1 : 0;
 }
 
-bool PackNearest(CDibImage& image, int bits, const Palette& palette) {
+int PackNearest(CDibImage& image, int bits, const Palette& palette) {
     const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
     if (source.height == 0 || palette.empty())
-        return false;
+        return 0;
     if (source.channels == 1)
         return PackLevels(image, bits, palette, NearestLevels(palette));
     CDibImage target = MakePackTarget(image, bits, palette);
     if (!target.IsValid())
-        return false;
+        return 0;
     NearestColor nearest(palette);
     for (int y = 0; y < source.height; ++y) {
         const std::uint8_t* from = source.Row(y).data();
-        PackRow(target.GetBits(y), source.width, bits,
-                [&](int x) { return nearest(from[3 * x], from[3 * x + 1], from[3 * x + 2]); });
+        PackEachIndex(source.width, bits, target.GetBits(y), [&](int x) {
+            return nearest(from[3 * x], from[3 * x + 1], from[3 * x + 2]);
+        });
     }
-    return image.TakePixels(target);
+    return image.TakePixels(target) ? 1 : 0;
 }
 
 }  // namespace velloran

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <new>
 #include <utility>
 #include <vector>
 
 #include "core/GrayDepth.h"
+#include "core/Refusal.h"
 #include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 
@@ -105,13 +105,13 @@ void MapLevelsToIndices(CDibImage& image, const Palette& palette) {
 
 }  // namespace
 
-bool ReduceLevels(CDibImage& image, const Palette& palette, bool keepDepth, int bwDitherMethod) {
+int ReduceLevels(CDibImage& image, const Palette& palette, bool keepDepth, int bwDitherMethod) {
     if (palette.empty() || image.GetPalette() == nullptr || EnsureGrayOrRgb(image) == 0)
-        return false;
+        return 0;
     if (image.GetBpp() != 8 && ConvertToGray(image) == 0)  // the palette held colours
-        return false;
+        return 0;
     const int levels = std::max(static_cast<int>(palette.size()), 2);
-    try {
+    return RefuseWhenOutOfMemory([&] {
         const PlaneView plane = TopDownViewOf(image);
         if (levels == 2 && bwDitherMethod == kBayer)
             OrderedDither(plane);
@@ -119,12 +119,10 @@ bool ReduceLevels(CDibImage& image, const Palette& palette, bool keepDepth, int 
             Diffuse<JarvisWeights>(plane, levels);
         else
             Diffuse<FloydSteinbergWeights>(plane, levels);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    if (!keepDepth)
-        MapLevelsToIndices(image, palette);
-    return true;
+        if (!keepDepth)
+            MapLevelsToIndices(image, palette);
+        return 1;
+    });
 }
 
 }  // namespace velloran

@@ -39,19 +39,10 @@ int BitsFor(std::size_t colors) {
     return colors <= 16 ? 4 : 8;
 }
 
-int DistanceOf(const PaletteEntry& a, const PaletteEntry& b) {
-    const int blue = a.blue - b.blue, green = a.green - b.green, red = a.red - b.red;
-    return blue * blue + green * green + red * red;
-}
-
-/// The reserved colour comes last. A maker that gives two colours at 1 bit whatever is asked leaves
-/// no room: then the colour nearest to the reserved one gives way.
-void AppendReserved(Palette& palette, const PaletteEntry& reserved, int bits) {
-    if (palette.size() >= std::size_t{1} << bits)
-        palette.erase(std::min_element(palette.begin(), palette.end(),
-                                       [&](const PaletteEntry& a, const PaletteEntry& b) {
-                                           return DistanceOf(a, reserved) < DistanceOf(b, reserved);
-                                       }));
+/// The reserved colour comes last, behind the first `made` of the entries: at 1 bit the octree
+/// makes two whatever is asked.
+void AppendReserved(Palette& palette, int made, const PaletteEntry& reserved) {
+    palette.resize(std::min(palette.size(), static_cast<std::size_t>(made)));
     palette.push_back(reserved);
 }
 
@@ -106,7 +97,7 @@ ReducePlan MakeReducePlan(const CDibImage& image, const DecreaseBppRequest& requ
     if (plan.palette.empty())
         return plan;
     if (!reservedFound)
-        AppendReserved(plan.palette, EntryOf(request.reservedColor), plan.bits);
+        AppendReserved(plan.palette, colors, EntryOf(request.reservedColor));
     if (gray8 && plan.bits != 1 && !dithered)
         WhitenLightest(plan.palette);
     return plan;

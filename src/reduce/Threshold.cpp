@@ -7,6 +7,7 @@
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "core/Threads.h"
+#include "imaging/CountLevels.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/BilevelRows.h"
 #include "reduce/Binarize.h"
@@ -15,18 +16,18 @@ namespace velloran {
 namespace {
 
 using LevelMap = std::array<std::uint8_t, 256>;
-using Histogram = std::array<std::uint32_t, 256>;
 
 // The window of the list entry "Wolf" keeps ink below the first and paper above the second.
 constexpr int kWolfBlack = 50, kWolfWhite = 254;
 
 /// 8 bits with the grey ramp; an 8-bit image counts as grey whatever its palette holds.
-bool MakeGray(CDibImage& image) {
+int MakeGray(CDibImage& image) {
     if (!image.IsValid())
-        return false;
-    if (image.GetBpp() == 8)
-        image.SetGrayPalette();
-    return image.GetBpp() == 8 || ConvertToGray(image) != 0;
+        return 0;
+    if (image.GetBpp() != 8)
+        return ConvertToGray(image);
+    image.SetGrayPalette();
+    return 1;
 }
 
 void MapLevels(CDibImage& image, const LevelMap& map) {
@@ -51,28 +52,7 @@ void SplitAt(CDibImage& image, int threshold) {
             sample = sample > last ? 255 : 0;
 }
 
-/// Counts a rectangle of a plane. Four tables: one would wait for itself where levels repeat.
-Histogram CountLevels(ConstPlaneView plane, int left, int top, int width, int height) {
-    std::array<Histogram, 4> part{};
-    for (int y = top; y < top + height; ++y) {
-        const std::uint8_t* sample = plane.Row(y).data() + left;
-        int x = 0;
-        for (; x + 4 <= width; x += 4)
-            for (std::size_t i = 0; i < 4; ++i)
-                ++part[i][sample[static_cast<std::size_t>(x) + i]];
-        for (; x < width; ++x)
-            ++part[0][sample[x]];
-    }
-    for (std::size_t level = 0; level < 256; ++level)
-        part[0][level] += part[1][level] + part[2][level] + part[3][level];
-    return part[0];
-}
-
-Histogram CountLevels(ConstPlaneView plane) {
-    return CountLevels(plane, 0, 0, plane.width, plane.height);
-}
-
-int OtsuOf(const Histogram& histogram) {
+int OtsuOf(const LevelCounts& histogram) {
     double total = 0, sum = 0;
     for (std::size_t level = 0; level < 256; ++level) {
         total += histogram[level];
@@ -99,6 +79,53 @@ int OtsuOf(const Histogram& histogram) {
     return threshold;
 }
 
+/// Thresholds of the whole blocks of a page, each mixed with that of the page.
+class BlockGrid {
+ public:
+    /// Throws std::bad_alloc.
+    BlockGrid(ConstPlaneView plane, int block, float share)
+        : block_(block),
+          columns_(plane.width / block),
+          rows_(plane.height / block),
+          ofPage_(OtsuOf(CountLevels(plane))),
+          value_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_)) {
+        for (int row = 0; row < rows_; ++row)
+            for (int column = 0; column < columns_; ++column) {
+                const int own =
+                    OtsuOf(CountLevels(plane.Part(column * block, row * block, block, block)));
+                value_[At(column, row)] = ClampToByte(TruncToInt(
+                    (1 - share) * static_cast<float>(own) + share * static_cast<float>(ofPage_)));
+            }
+    }
+
+    bool IsEmpty() const { return value_.empty(); }
+    int OfPage() const { return ofPage_; }
+
+    /// 255 above the threshold of a sample's block, else 0; what lies behind the last whole block
+    /// counts to it.
+    void Split(PlaneView plane) const {
+#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
+        for (int y = 0; y < plane.height; ++y) {
+            const std::uint8_t* line = &value_[At(0, std::min(y / block_, rows_ - 1))];
+            std::uint8_t* sample = plane.Row(y).data();
+            for (int x = 0; x < plane.width; ++x) {
+                // The value steps on at the last column of a block, not behind it.
+                const int column = std::min((x + 1) / block_, columns_ - 1);
+                sample[x] = sample[x] > line[column] ? 255 : 0;
+            }
+        }
+    }
+
+ private:
+    std::size_t At(int column, int row) const {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
+               static_cast<std::size_t>(column);
+    }
+
+    int block_, columns_, rows_, ofPage_;
+    std::vector<std::uint8_t> value_;
+};
+
 int PaletteMidpoint(const Palette& palette) {
     int sum = 0;
     for (std::size_t i = 0; i < 2; ++i)
@@ -107,7 +134,7 @@ int PaletteMidpoint(const Palette& palette) {
     return threshold >= 255 ? threshold : threshold + 1;
 }
 
-bool ThresholdByMethod(CDibImage& image, const DecreaseBppRequest& request) {
+int ThresholdByMethod(CDibImage& image, const DecreaseBppRequest& request) {
     switch (request.thresholdMethod) {
         case 2:
             return WolfThreshold(image, request.windowSize, request.windowSize, kWolfBlack,
@@ -116,79 +143,54 @@ bool ThresholdByMethod(CDibImage& image, const DecreaseBppRequest& request) {
             return BlockThreshold(image, /*keepDepth=*/true, request.windowSize, request.balance);
         default:
             SplitAt(image, OtsuThreshold(image));
-            return true;
+            return 1;
     }
 }
 
 }  // namespace
 
-bool Threshold(CDibImage& image, const Palette* palette, const DecreaseBppRequest& request) {
+int Threshold(CDibImage& image, const Palette* palette, const DecreaseBppRequest& request) {
     if (!image.IsValid() || (palette != nullptr && palette->empty()))
-        return false;
-    if (!MakeGray(image))
-        return false;
+        return 0;
+    if (MakeGray(image) == 0)
+        return 0;
     if (palette == nullptr)
         return ThresholdByMethod(image, request);
     if (palette->size() == 2) {
         SplitAt(image, PaletteMidpoint(*palette));
-        return true;
+        return 1;
     }
     LevelMap map = NearestLevels(*palette);
     for (std::uint8_t& entry : map)
         entry = (*palette)[entry].blue;
     MapLevels(image, map);
-    return true;
+    return 1;
 }
 
 int OtsuThreshold(const CDibImage& gray) {
     return OtsuOf(CountLevels(ViewOf(gray)));
 }
 
-bool BlockThreshold(CDibImage& image, bool keepDepth, int blockSize, float balance) {
+int BlockThreshold(CDibImage& image, bool keepDepth, int blockSize, float balance) {
     if (ConvertToGray(image) == 0)
-        return false;
+        return 0;
     return RefuseWhenOutOfMemory([&] {
-               const PlaneView plane = TopDownViewOf(image);
-               const int block = std::max(blockSize, 8);
-               const float share = std::clamp(balance, 0.0F, 1.0F);
-               const int columns = plane.width / block, rows = plane.height / block;
-               const int whole = OtsuThreshold(image);
-               std::vector<std::uint8_t> value(static_cast<std::size_t>(columns) *
-                                               static_cast<std::size_t>(rows));
-               for (int row = 0; row < rows; ++row)
-                   for (int column = 0; column < columns; ++column) {
-                       const int own =
-                           OtsuOf(CountLevels(plane, column * block, row * block, block, block));
-                       value[static_cast<std::size_t>(row) * columns + column] =
-                           ClampToByte(TruncToInt((1 - share) * static_cast<float>(own) +
-                                                  share * static_cast<float>(whole)));
-                   }
-               if (value.empty()) {
-                   SplitAt(image, whole);
-               } else {
-#pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
-                   for (int y = 0; y < plane.height; ++y) {
-                       const std::uint8_t* line =
-                           &value[static_cast<std::size_t>(std::min(y / block, rows - 1)) *
-                                  columns];
-                       std::uint8_t* sample = plane.Row(y).data();
-                       for (int x = 0; x < plane.width; ++x) {
-                           // The value steps on at the last column of a block, not behind it.
-                           const int column = std::min((x + 1) / block, columns - 1);
-                           sample[x] = sample[x] > line[column] ? 255 : 0;
-                       }
-                   }
-               }
-               return keepDepth || PackBilevel(image) ? 1 : 0;
-           }) != 0;
+        const PlaneView plane = TopDownViewOf(image);
+        const BlockGrid grid(plane, std::max(blockSize, 8), std::clamp(balance, 0.0F, 1.0F));
+        if (grid.IsEmpty())
+            SplitAt(image, grid.OfPage());
+        else
+            grid.Split(plane);
+        return keepDepth ? 1 : PackBilevel(image);
+    });
 }
 
-bool PackBilevel(CDibImage& image) {
+int PackBilevel(CDibImage& image) {
     if (image.GetBpp() != 8)
-        return false;
+        return 0;
     CDibImage bilevel;
     if (bilevel.Create(image.GetWidth(), image.GetHeight(), 1) == nullptr)
-        return false;
+        return 0;
     bilevel.SetGrayPalette();
     const ConstPlaneView plane = ViewOf(static_cast<const CDibImage&>(image));
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
@@ -205,7 +207,7 @@ bool PackBilevel(CDibImage& image) {
             byte |= (sample[x + bit] >= 128 ? 128 : 0) >> bit;
         out[x / 8] = static_cast<std::uint8_t>(byte);
     }
-    return image.TakePixels(bilevel);
+    return image.TakePixels(bilevel) ? 1 : 0;
 }
 
 }  // namespace velloran

@@ -214,32 +214,31 @@ int ReachOf(int windowSide, int pageSide) {
 
 }  // namespace
 
-bool WolfThreshold(CDibImage& image, int windowWidth, int windowHeight, int lowBound, int highBound,
-                   bool keepDepth) {
+int WolfThreshold(CDibImage& image, int windowWidth, int windowHeight, int lowBound, int highBound,
+                  bool keepDepth) {
     if (!image.IsValid() || windowWidth < 3 || windowHeight < 3)
-        return false;
+        return 0;
     if (image.IsBW())
-        return true;
+        return 1;
     if (ConvertToGray(image) == 0)
-        return false;
+        return 0;
     return RefuseWhenOutOfMemory([&] {
-               const CDibImage source(image);
-               if (!source.IsValid())
-                   return 0;
-               const ConstPlaneView plane = ViewOf(source);
-               std::vector<WindowSums> sums(static_cast<std::size_t>(MaxThreads()),
-                                            WindowSums(plane, ReachOf(windowWidth, plane.width),
-                                                       ReachOf(windowHeight, plane.height)));
-               const PageTone tone{static_cast<float>(std::sqrt(LargestVariance(sums, plane))),
-                                   static_cast<float>(DarkestLevel(plane)), lowBound, highBound};
-               const PlaneView target = ViewOf(image);
-               ForEachRow(sums, plane, [&](const WindowSums& at, int y) {
-                   ThresholdRow(at.First(), at.Last(), at.FirstSquares(), at.LastSquares(),
-                                at.Share(), plane.width, tone, plane.Row(y).data(),
-                                target.Row(y).data());
-               });
-               return keepDepth || PackBilevel(image) ? 1 : 0;
-           }) != 0;
+        const CDibImage source(image);
+        if (!source.IsValid())
+            return 0;
+        const ConstPlaneView plane = ViewOf(source);
+        std::vector<WindowSums> sums(static_cast<std::size_t>(MaxThreads()),
+                                     WindowSums(plane, ReachOf(windowWidth, plane.width),
+                                                ReachOf(windowHeight, plane.height)));
+        const PageTone tone{static_cast<float>(std::sqrt(LargestVariance(sums, plane))),
+                            static_cast<float>(DarkestLevel(plane)), lowBound, highBound};
+        const PlaneView target = ViewOf(image);
+        ForEachRow(sums, plane, [&](const WindowSums& at, int y) {
+            ThresholdRow(at.First(), at.Last(), at.FirstSquares(), at.LastSquares(), at.Share(),
+                         plane.width, tone, plane.Row(y).data(), target.Row(y).data());
+        });
+        return keepDepth ? 1 : PackBilevel(image);
+    });
 }
 
 }  // namespace velloran

@@ -231,6 +231,23 @@ TEST(DecreaseBpp, TwoColorsAndAFillFitOneBit) {
     }
 }
 
+TEST(DecreaseBpp, TwoColorsByTheOctreeKeepTheFirstMadeOneBeforeTheAbsentFill) {
+    // Three colours in three children of the root: the octree's two are black, and the mean of red
+    // and white by their pixels. The fill is nearest to black, which stays all the same.
+    CDibImage image = test::Filled(12, 10, 24, 255);
+    for (int y = 0; y < 10; ++y) {
+        test::SetPixel(image, 0, y, {0, 0, 0});
+        test::SetPixel(image, 1, y, {200, 0, 0});
+    }
+    DecreaseBppRequest request = Request(14);
+    request.quantize = 0;
+    request.reservedColor = 0x101010;
+    EXPECT_TRUE(DecreaseBpp(image, false, request));
+    ASSERT_EQ(image.GetBpp(), 1);
+    EXPECT_EQ(EntryAt(image, 0), (Rgb{0, 0, 0}));
+    EXPECT_EQ(EntryAt(image, 1), (Rgb{0x10, 0x10, 0x10}));
+}
+
 TEST(DecreaseBpp, EightColorsOfAColorPageMakeA4BitImageOf8Entries) {
     for (const int maker : kMakers) {
         CDibImage image = test::Noise(40, 30, 24);

@@ -1,4 +1,4 @@
-#include "codecs/IndexRows.h"
+#include "core/IndexRows.h"
 
 #include <cstring>
 
@@ -9,16 +9,8 @@ void PackIndexRow(const std::uint8_t* indices, int width, int bpp, std::uint8_t*
         std::memcpy(row, indices, static_cast<std::size_t>(width));
         return;
     }
-    const int perByte = 8 / bpp;
     const int limit = 1 << bpp;
-    for (int x = 0; x < width; ++row) {
-        unsigned packed = 0;
-        for (int part = 0; part < perByte; ++part, ++x) {
-            const unsigned index = x < width && indices[x] < limit ? indices[x] : 0;
-            packed = packed << bpp | index;
-        }
-        *row = static_cast<std::uint8_t>(packed);
-    }
+    PackEachIndex(width, bpp, row, [&](int x) { return indices[x] < limit ? indices[x] : 0; });
 }
 
 void UnpackIndexRow(const std::uint8_t* row, int width, int bpp, std::uint8_t* indices) {
@@ -32,6 +24,13 @@ void UnpackIndexRow(const std::uint8_t* row, int width, int bpp, std::uint8_t* i
         const int shift = 8 - bpp - x % perByte * bpp;
         indices[x] = static_cast<std::uint8_t>(row[x / perByte] >> shift & mask);
     }
+}
+
+void PutIndex(std::uint8_t* row, int x, int bpp, int index) {
+    const int perByte = 8 / bpp, mask = (1 << bpp) - 1;
+    const int shift = 8 - bpp * (x % perByte + 1);
+    std::uint8_t& byte = row[x / perByte];
+    byte = static_cast<std::uint8_t>((byte & ~(mask << shift)) | (index & mask) << shift);
 }
 
 }  // namespace velloran
