@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "batch/BatchPlan.h"
@@ -14,8 +15,11 @@
 #include "batch/ConvertFile.h"
 #include "batch/FoundValues.h"
 #include "batch/RunLog.h"
+#include "batch/TargetFolders.h"
+#include "core/FreeMemory.h"
 #include "core/ProcessorCount.h"
 #include "files/ProgramPlaces.h"
+#include "files/ReplaceRules.h"
 #include "files/TargetNames.h"
 #include "params/ParaBlock.h"
 #include "text/Labels.h"
@@ -69,7 +73,7 @@ class BatchRun {
 
     BatchResult Convert() {
         const Clock::time_point start = Clock::now();
-        if (Check() && AskSameFolder() && Plan())
+        if (Check() && Plan() && CheckLog() && AskToReplace())
             ConvertAll();
         result_.seconds = SecondsSince(start);
         return std::move(result_);
@@ -130,12 +134,40 @@ class BatchRun {
         return true;
     }
 
-    bool AskSameFolder() {
-        if (!IsSameFolder(source_, request_.target))
+    /// The user's own files are no logs.
+    bool CheckLog() {
+        if (request_.log.empty() || (CanBeLog(request_.log) && !plan_.IsSource(request_.log)))
             return true;
-        if (events_.replaceSameFolder && events_.replaceSameFolder())
+        result_.path = request_.log.native();
+        return End(BatchResult::End::kRefused, labels::kIsNoLog);
+    }
+
+    bool AskToReplace() {
+        ReplaceQuestion question;
+        question.isSameFolder = plan_.IsSameFolder();
+        question.replaced = plan_.CountReplaced();
+        question.newNames = plan_.CountNewNames();
+        question.isExact = !names_.extension.empty() && !request_.skipColor;
+        if (!question.isSameFolder && question.replaced == 0)
             return true;
+        question.text = QuestionText(question);
+        if (events_.replaceSources && events_.replaceSources(question))
+            return true;
+        result_.question = std::move(question);
         return End(BatchResult::End::kDeclined, {});
+    }
+
+    static std::u16string QuestionText(const ReplaceQuestion& question) {
+        std::u16string text;
+        if (question.isSameFolder)
+            text = labels::kSameFolderAsk;
+        else
+            text.append(Decimal(question.replaced)).append(labels::kReplacesSourcesAsk);
+        if (question.newNames > 0)
+            text.append(question.isExact ? labels::kNewNamesBefore : labels::kNewNamesAtMostBefore)
+                .append(Decimal(question.newNames))
+                .append(labels::kNewNamesBehind);
+        return text;
     }
 
     bool Plan() {
@@ -148,6 +180,7 @@ class BatchRun {
         plan.filter = SourceFilter(block_.GetPara(PARA_SRC_FILES));
         plan.recursive = block_.GetPara(PARA_GO_SUB_DIR) != 0;
         plan.skipColor = request_.skipColor;
+        plan.skipExisting = request_.skipExisting;
         plan.names = names_;
         BatchPlan::Listener listener;
         listener.isStopped = [this] { return IsStopped(); };
@@ -160,9 +193,15 @@ class BatchRun {
         };
         const bool made = plan_.Make(plan, listener);
         result_.files = plan_.Size();
+        result_.skipped = plan_.CountSkipped();
+        result_.otherTypes = plan_.CountOtherTypes();
         Status({});
         if (!made)
             return End(BatchResult::End::kStopped, {});
+        if (plan_.Size() == 0 && result_.skipped > 0) {
+            TellCounts();
+            return false;
+        }
         if (plan_.Size() == 0)
             return End(BatchResult::End::kNothing, labels::kNothingToConvert);
         return true;
@@ -174,11 +213,12 @@ class BatchRun {
             return;
         }
         constexpr int kOpenFailed = 1;
-        Fail({folder.native(), labels::kLogRows[kOpenFailed], reason.message(), false});
+        Fail({folder.native(), {}, labels::kLogRows[kOpenFailed], reason.message(), false},
+             /*isTold=*/true);
     }
 
-    void Fail(BatchFailure failure) {
-        if (events_.failed)
+    void Fail(BatchFailure failure, bool isTold) {
+        if (isTold && events_.failed)
             events_.failed(failure);
         result_.failures.push_back(std::move(failure));
     }
@@ -190,11 +230,14 @@ class BatchRun {
         ownLog_ = request_.log.empty();
         log_->Reset();
 
+        TargetFolders folders(plan_.TargetRoot());
         ConvertRequest convert;
         convert.plan = &plan_;
+        convert.folders = &folders;
         convert.block = &block_;
         convert.names = names_;
         convert.skipColor = request_.skipColor;
+        convert.skipExisting = request_.skipExisting;
         convert.stop = &Stop();
         convert.stage = [this](std::string_view path, std::u16string_view stage) {
             stages_.Tell(path, stage);
@@ -208,7 +251,9 @@ class BatchRun {
         workers.innerThreads = shares.innerThreads;
         workers.aloneThreads = shares.aloneThreads;
         workers.stop = &Stop();
-        workers.work = [&](std::size_t i) { return ConvertFile(convert, plan_.At(i)); };
+        workers.memory = request_.memory > 0 ? request_.memory : FreeMemory();
+        convert.isAlone = shares.workers == 1;
+        workers.begin = [&](std::size_t i) { return BeginFile(convert, plan_.At(i)); };
         workers.needsAlone = [this] { return HasValuesToFind(block_); };
         workers.deliver = [this](std::size_t i, FileOutcome outcome) {
             Take(plan_.At(i), std::move(outcome));
@@ -235,6 +280,12 @@ class BatchRun {
         if (outcome.end == FileOutcome::End::kStopped)
             return;
         ++done_;
+        if (outcome.end == FileOutcome::End::kSkipped) {
+            ++result_.skipped;
+            --result_.files;
+            TellProgress(file.source, {});
+            return;
+        }
         result_.bytesIn += outcome.bytesIn;
         result_.bytesOut += outcome.bytesOut;
         if (!outcome.evadedTo.empty())
@@ -245,29 +296,52 @@ class BatchRun {
         if (outcome.end == FileOutcome::End::kConverted)
             ++result_.converted;
         else
-            LogAndFail(outcome);
+            LogAndFail(file, outcome);
         TellProgress(file.source, {});
     }
 
-    void LogAndFail(const FileOutcome& outcome) {
+    /// A folder to which nothing can be written is told once; its files are counted.
+    void LogAndFail(const PlannedFile& file, const FileOutcome& outcome) {
+        BatchFailure failure;
+        failure.path = outcome.failedPath.native();
+        failure.message = labels::kLogRows[outcome.logRow];
+        failure.detail = outcome.error.detail;
+        failure.storage = outcome.writeFailed && outcome.error.cause == FileError::Cause::kStorage;
+        const std::string& folder = outcome.failedFolder;
+        if (folder.empty()) {
+            Log(outcome.failedPath, outcome.logRow);
+        } else if (toldFolders_.insert(folder).second) {
+            Log(folder, outcome.logRow);
+            BatchFailure whole = failure;
+            whole.path = folder;
+            if (events_.failed)
+                events_.failed(whole);
+        }
+        if (outcome.writeFailed)
+            failure.source = file.source;
+        Fail(std::move(failure), /*isTold=*/folder.empty());
+    }
+
+    void Log(const fs::path& path, int row) {
         if (ownLog_)
             MakeFolderOf(log_->File());
         FileError error;
-        if (!log_->LogFailure(outcome.failedPath, outcome.logRow, &error) &&
-            !std::exchange(logLost_, true))
+        if (!log_->LogFailure(path, row, &error) && !std::exchange(logLost_, true))
             Warn("the run log cannot be written: " + error.detail);
-        Fail({outcome.failedPath.native(), labels::kLogRows[outcome.logRow], outcome.error.detail,
-              outcome.writeFailed && outcome.error.cause == FileError::Cause::kStorage});
+    }
+
+    void TellCounts() {
+        result_.message = Decimal(result_.files);
+        result_.message += labels::kFilesToConvert;
+        result_.message += Decimal(result_.converted);
+        result_.message += labels::kFilesConverted;
     }
 
     void Finish() {
         // A stop that came behind the last file changes nothing.
         const bool stopped = Stop().load() && done_ < plan_.Size();
         result_.end = stopped ? BatchResult::End::kStopped : BatchResult::End::kDone;
-        result_.message = Decimal(result_.files);
-        result_.message += labels::kFilesToConvert;
-        result_.message += Decimal(result_.converted);
-        result_.message += labels::kFilesConverted;
+        TellCounts();
         if (stopped)
             result_.message += labels::kStoppedHalfway;
         else
@@ -286,6 +360,7 @@ class BatchRun {
     StageBoard stages_;
     std::unique_ptr<RunLog> log_;
     bool ownLog_ = false, logLost_ = false;
+    std::unordered_set<std::string> toldFolders_;
     std::size_t done_ = 0;
     Clock::time_point start_ = Clock::now();
     BatchResult result_;

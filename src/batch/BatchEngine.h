@@ -24,13 +24,18 @@ struct BatchRequest {
     std::vector<std::filesystem::path> list;
     bool useList = false;
     bool skipColor = false;             // colour pages are copied
+    bool keepDpi = false;               // results take the resolution of their sources
+    bool skipExisting = false;          // leaves sources whose targets stand and are not older
+    bool strict = false;                // damaged sources count as failed
     int jobs = 0;                       // files in flight; 0: the number of processors
+    std::int64_t memory = 0;            // bytes that pages in flight may take; 0: what is free
     std::filesystem::path log;          // empty: the program's own
     std::atomic<bool>* stop = nullptr;  // may be set by anyone at any time; null for none
 };
 
 struct BatchFailure {
-    std::string path;             // as the bytes of the disk
+    std::string path;             // as the bytes of the disk: a source, a target or a folder
+    std::string source;           // of a target that could not be written; else empty
     std::u16string_view message;  // of the run log
     std::string detail;           // English, from the library or the system; may be empty
     bool storage = false;         // a result that could not be written; another try may help
@@ -43,11 +48,20 @@ struct BatchProgress {
     double seconds = 0;               // since the first file began
 };
 
+/// What a run asks before it begins: sources are going to be replaced.
+struct ReplaceQuestion {
+    bool isSameFolder = false;
+    std::size_t replaced = 0;  // sources that their results replace, at most
+    std::size_t newNames = 0;  // results that come beside the sources under other names
+    bool isExact = true;       // false: the types of the results, and so `newNames`, are at most
+    std::u16string text;       // in the system's words
+};
+
 struct BatchEvents {
-    std::function<bool()> replaceSameFolder;          // the answer to labels::kSameFolderAsk
-    std::function<void(std::u16string_view)> status;  // "统计文件数", and empty
+    std::function<bool(const ReplaceQuestion&)> replaceSources;  // true: the run goes on
+    std::function<void(std::u16string_view)> status;             // "统计文件数", and empty
     std::function<void(const BatchProgress&)> progress;
-    std::function<void(const BatchFailure&)> failed;  // in the order of the walk
+    std::function<void(const BatchFailure&)> failed;  // in the order of the walk; a folder once
     std::function<void(const std::string&)> warning;  // English
     std::function<bool()> poll;                       // true asks for a stop
 };
@@ -55,16 +69,21 @@ struct BatchEvents {
 struct BatchResult {
     enum class End {
         kDone,
-        kRefused,   // `message` says why; nothing was read or written
+        kRefused,   // `message` says why, `path` of what; nothing was read or written
         kNothing,   // no files: `message` says so
         kDeclined,  // the user did not want to replace the sources
         kStopped,
     };
     End end = End::kDone;
     std::u16string message;     // the system's own; at the end with the two counts
+    std::string path;           // of a refusal, where one file is the cause
+    ReplaceQuestion question;   // of kDeclined
     bool offersLog = false;     // a window asks labels::kSeeLogAsk behind the message
     std::filesystem::path log;  // of this run, where something was logged
     std::size_t files = 0, converted = 0;
+    std::size_t skipped = 0;           // sources left because their targets stand already
+    std::size_t otherTypes = 0;        // files that the filter left out
+    std::vector<std::string> damaged;  // sources that could be read in part
     std::vector<BatchFailure> failures;
     std::int64_t bytesIn = 0, bytesOut = 0;
     double seconds = 0;

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "batch/MemoryGate.h"
 #include "core/ProcessorCount.h"
 
 namespace velloran {
@@ -20,7 +21,7 @@ constexpr std::chrono::milliseconds kPollInterval{50};
 
 class Workers {
  public:
-    explicit Workers(const WorkerRequest& request) : request_(request) {}
+    explicit Workers(const WorkerRequest& request) : request_(request), gate_(request.memory) {}
 
     void Run() {
         std::vector<std::thread> threads;
@@ -55,10 +56,21 @@ class Workers {
             const std::size_t index = next_++;
             ++running_;
             hold.unlock();
+            const PageWork work = request_.begin(index);
+            hold.lock();
+            // In order, so that small files do not keep a large one waiting for ever.
+            changed_.wait(hold, [&] {
+                return (index == entering_ && gate_.MayEnter(work.need)) || request_.stop->load();
+            });
+            ++entering_;
+            gate_.Enter(work.need);
+            changed_.notify_all();
+            hold.unlock();
             SetInnerThreads(alone ? request_.aloneThreads : request_.innerThreads);
-            FileOutcome outcome = request_.work(index);
+            FileOutcome outcome = work.run();
             hold.lock();
             --running_;
+            gate_.Leave(work.need);
             done_.emplace(index, std::move(outcome));
             changed_.notify_all();
         }
@@ -104,7 +116,8 @@ class Workers {
     const WorkerRequest& request_;
     std::mutex lock_;
     std::condition_variable changed_;
-    std::size_t next_ = 0;
+    MemoryGate gate_;
+    std::size_t next_ = 0, entering_ = 0;
     int running_ = 0, alive_ = 0;
     bool settled_ = false;
     std::map<std::size_t, FileOutcome> done_;

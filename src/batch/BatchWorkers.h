@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 
 #include "batch/ConvertFile.h"
@@ -17,9 +18,10 @@ struct WorkerRequest {
     int innerThreads = 1;  // of each worker's row loops
     int aloneThreads = 1;  // of a file that runs alone
     std::atomic<bool>* stop = nullptr;
+    std::int64_t memory = 0;  // bytes that the files in flight may take together; 0 is no limit
 
-    /// Converts file `index`, on a worker.
-    std::function<FileOutcome(std::size_t index)> work;
+    /// Begins file `index`, on a worker; what it gives is run on the same one.
+    std::function<PageWork(std::size_t index)> begin;
     /// Whether the next file may change what the others see, and so must run alone. Asked when
     /// no file is running; once false it is not asked again.
     std::function<bool()> needsAlone;

@@ -1,10 +1,13 @@
 #include "batch/ConvertFile.h"
 
 #include <exception>
+#include <optional>
 #include <system_error>
 #include <utility>
 
+#include "batch/PageMemory.h"
 #include "batch/RunLog.h"
+#include "batch/TargetFolders.h"
 #include "core/DibImage.h"
 #include "files/AutoExtension.h"
 #include "files/FileCopy.h"
@@ -22,16 +25,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::size_t kLongestName = 255;  // bytes, on the file systems of the day
+
 /// The conversion of one file, step by step; each returns whether the next one follows.
 class Conversion {
  public:
-    Conversion(const ConvertRequest& request, const PlannedFile& file, FileOutcome& outcome)
-        : request_(request), file_(file), outcome_(outcome) {}
+    Conversion(const ConvertRequest& request, const PlannedFile& file,
+               const std::optional<struct stat>& status, FileOutcome& outcome)
+        : request_(request), file_(file), outcome_(outcome), status_(status) {}
 
     void Run() {
-        if (IsStopped() || !Read())
+        if (IsStopped() || !Read() || StandsAlready())
             return;
-        if (IsStopped() || !MakeTargetFolder())
+        if (IsStopped() || !MakeTargetFolder() || !CheckName())
             return;
         const bool written = IsColorToSkip() ? CopyAsItIs() : Enhance() && Save();
         if (!written)
@@ -59,12 +65,20 @@ class Conversion {
 
     bool Read() {
         Stage(labels::kStageRead);
-        status_ = ReadFileStatus(file_.source);
         FileError error;
         if (!LoadImageFile(file_.source, image_, &error))
             return Fail(file_.source, kLogReadFailed, std::move(error));
         outcome_.bytesIn = status_ ? static_cast<std::int64_t>(status_->st_size) : 0;
         CheckGray(image_, request_.block->GetPara(PARA_DECREASE_CHECK_GRAY));
+        return true;
+    }
+
+    /// Whether the page is its own target, and so was converted before.
+    bool StandsAlready() {
+        if (!request_.skipExisting ||
+            !request_.plan->IsItself(file_, TargetNow().extension().native()))
+            return false;
+        outcome_.end = FileOutcome::End::kSkipped;
         return true;
     }
 
@@ -85,17 +99,22 @@ class Conversion {
     }
 
     bool MakeTargetFolder() {
-        const fs::path target = TargetNow();
-        const fs::path folder = target.parent_path();
-        std::error_code failure;
-        if (folder.empty() || fs::is_directory(folder, failure))
+        const std::optional<FolderFailure> failure =
+            request_.folders->Prepare(request_.plan->TargetFolder(file_));
+        if (!failure)
             return true;
-        failure.clear();
-        fs::create_directories(folder, failure);
-        if (!failure || fs::is_directory(folder))
+        outcome_.failedFolder = failure->at.native();
+        return Fail(TargetNow(), kLogWriteFailed, failure->error);
+    }
+
+    /// A name that the disk does not take is told before the work on the page.
+    bool CheckName() {
+        const fs::path target = TargetNow();
+        if (target.filename().native().size() <= kLongestName)
             return true;
         FileError error;
-        FailStorage(&error, folder.native() + ": " + failure.message());
+        FailContent(&error, "cannot write: " +
+                                std::make_error_code(std::errc::filename_too_long).message());
         return Fail(target, kLogWriteFailed, std::move(error));
     }
 
@@ -158,18 +177,25 @@ class Conversion {
 
 }  // namespace
 
-FileOutcome ConvertFile(const ConvertRequest& request, const PlannedFile& file) {
-    FileOutcome outcome;
-    try {
-        Conversion(request, file, outcome).Run();
-    } catch (const std::exception& failure) {
-        outcome = FileOutcome();
-        outcome.end = FileOutcome::End::kFailed;
-        outcome.failedPath = file.source;
-        outcome.logRow = kLogOutOfMemory;
-        outcome.error = {FileError::Cause::kContent, failure.what()};
-    }
-    return outcome;
+PageWork BeginFile(const ConvertRequest& request, const PlannedFile& file) {
+    const std::optional<struct stat> status = ReadFileStatus(file.source);
+    PageWork work;
+    if (!request.isAlone && !request.stop->load(std::memory_order_relaxed))
+        work.need = PageMemory(file.source, *request.block);
+    work.run = [&request, &file, status] {
+        FileOutcome outcome;
+        try {
+            Conversion(request, file, status, outcome).Run();
+        } catch (const std::exception& failure) {
+            outcome = FileOutcome();
+            outcome.end = FileOutcome::End::kFailed;
+            outcome.failedPath = file.source;
+            outcome.logRow = kLogOutOfMemory;
+            outcome.error = {FileError::Cause::kContent, failure.what()};
+        }
+        return outcome;
+    };
+    return work;
 }
 
 }  // namespace velloran

@@ -15,31 +15,43 @@
 namespace velloran {
 
 class CParaBlock;
+class TargetFolders;
 
 /// What all files of a run share.
 struct ConvertRequest {
     const BatchPlan* plan = nullptr;
+    TargetFolders* folders = nullptr;
     CParaBlock* block = nullptr;  // takes what the first file finds; locks itself
     BatchTarget names;
     bool skipColor = false;
+    bool skipExisting = false;  // a page that would replace its own source stays as it is
+    bool isAlone = false;       // one file at a time: what a page takes in memory is not asked for
     const std::atomic<bool>* stop = nullptr;  // looked at between steps
     /// Told the stage of the file as it changes, on the thread that converts; may be empty.
     std::function<void(std::string_view source, std::u16string_view stage)> stage;
 };
 
 struct FileOutcome {
-    enum class End { kConverted, kFailed, kStopped };
+    enum class End { kConverted, kFailed, kStopped, kSkipped };
     End end = End::kStopped;
     std::filesystem::path failedPath;  // as the log names it: the source, or the target
     int logRow = 0;
     FileError error;
     bool writeFailed = false;
-    std::string evadedTo;    // the result's path, when its name turned out to be another source's
-    bool timesLost = false;  // the times could not be set
+    std::string failedFolder;  // to which nothing can be written; empty where the file failed
+    std::string evadedTo;      // the result's path, when its name turned out to be another source's
+    bool timesLost = false;    // the times could not be set
     std::int64_t bytesIn = 0, bytesOut = 0;
 };
 
-/// Never throws. A failure leaves source and target as they were.
-FileOutcome ConvertFile(const ConvertRequest& request, const PlannedFile& file);
+/// A file that was begun: what it takes in memory is known.
+struct PageWork {
+    std::int64_t need = 0;  // bytes
+    std::function<FileOutcome()> run;
+};
+
+/// Looks at a file; what it gives converts it. Neither throws. A failure leaves source and target
+/// as they were. Request and file must outlive the work.
+PageWork BeginFile(const ConvertRequest& request, const PlannedFile& file);
 
 }  // namespace velloran

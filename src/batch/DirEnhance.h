@@ -3,6 +3,7 @@
 // The walker of a batch run: it hands on the files of a tree in the order in which they are going
 // to be converted.
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <system_error>
@@ -18,6 +19,9 @@ class CDirEnhance : public CSrchDir {
     /// Told each folder, or rest of one, that cannot be listed.
     std::function<void(const std::filesystem::path&, const std::error_code&)> onUnreadable;
 
+    /// Files that the filter left out.
+    std::size_t CountOtherTypes() const { return otherTypes_; }
+
  protected:
     void OnFile(const std::filesystem::path& path, const FindData&) override {
         if (!onFile(path))
@@ -28,6 +32,12 @@ class CDirEnhance : public CSrchDir {
         if (onUnreadable)
             onUnreadable(folder, reason);
     }
+    void OnOtherFiles(const std::filesystem::path&, std::size_t count) override {
+        otherTypes_ += count;
+    }
+
+ private:
+    std::size_t otherTypes_ = 0;
 };
 
 }  // namespace velloran

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <utility>
 
+#include "files/ReplaceRules.h"
 #include "text/Labels.h"
 #include "text/PathText.h"
 #include "text/Text.h"
@@ -80,7 +81,7 @@ void RunLog::Reset() {
     if (descriptor < 0)
         return;
     if (IsPlainFile(descriptor) && ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 &&
-        IsStillNamed(descriptor, file_))
+        IsStillNamed(descriptor, file_) && CanBeLog(file_))
         ::unlink(file_.c_str());
     ::close(descriptor);
 }
@@ -96,6 +97,10 @@ bool RunLog::TakeOver(const std::filesystem::path& file, FileError* error) {
             if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
                 ::close(descriptor);
                 return false;  // in use: no error, the next name is tried
+            }
+            if (!CanBeLog(file)) {
+                ::close(descriptor);
+                return false;  // of the user's own
             }
             if (!IsStillNamed(descriptor, file)) {
                 ::close(descriptor);

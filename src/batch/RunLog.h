@@ -22,13 +22,13 @@ class RunLog {
     RunLog& operator=(const RunLog&) = delete;
 
     /// Deletes the log of the run before and forgets the lines. A log that another run is writing
-    /// is left alone.
+    /// is left alone, and so is a file that is no log.
     void Reset();
 
     /// Appends a line: path, TAB, the row's text, CR LF; a second TAB stands before the text of
     /// row 7. An empty path, the path of the line before (ignoring case) and a row that does not
-    /// exist write nothing. The first line creates the file; when another run holds it, a numbered
-    /// name beside it is taken. False when the line could not be written.
+    /// exist write nothing. The first line creates the file; when another run holds it, or it is no
+    /// log, a numbered name beside it is taken. False when the line could not be written.
     bool LogFailure(const std::filesystem::path& path, int row, FileError* error = nullptr);
 
     bool HasLogLines() const { return lines_ > 0; }

@@ -13,6 +13,7 @@
 #include "batch/BatchEngine.h"
 #include "batch/BatchRules.h"
 #include "cli/Arguments.h"
+#include "cli/ByteSize.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
@@ -32,11 +33,12 @@ namespace {
 
 struct BatchOptions {
     std::string source, target, log;
-    std::optional<std::string> extension, list;
+    std::optional<std::string> extension, list, memory;
     std::optional<int> files;
     int jobs = 0;
     bool noRecurse = false, skipColor = false, keepTime = false, yes = false, nulSeparated = false,
-         dryRun = false, json = false, progress = false, verbose = false;
+         dryRun = false, json = false, progress = false, verbose = false, keepDpi = false,
+         skipExisting = false, strict = false;
     std::shared_ptr<ParameterOptions> parameters;
 };
 
@@ -101,6 +103,16 @@ class BatchCommand {
         request_.skipColor = options_.skipColor;
         request_.jobs = options_.jobs;
         request_.log = Unguard(options_.log);
+        request_.keepDpi = options_.keepDpi;
+        request_.skipExisting = options_.skipExisting;
+        request_.strict = options_.strict;
+        if (options_.memory) {
+            const std::optional<std::int64_t> bytes = ParseByteSize(*options_.memory);
+            if (!bytes)
+                return WrongUsage(fmt::format("--memory: \"{}\" is no size like 500M or 2G",
+                                              Unguard(*options_.memory)));
+            request_.memory = *bytes;
+        }
         request_.stop = &StopFlag();
         if (options_.list && !ReadList(Unguard(*options_.list)))
             return kWrongUsage;
@@ -126,14 +138,16 @@ class BatchCommand {
         BatchEvents events;
         events.warning = [](const std::string& text) { PrintWarning(text); };
         events.failed = [this](const BatchFailure& failure) {
-            PrintFailure(failure.path, failure.message, options_.verbose ? failure.detail : "");
+            std::string detail = options_.verbose ? failure.detail : "";
+            if (!failure.source.empty())
+                detail = failure.source + (detail.empty() ? "" : "; ") + detail;
+            PrintFailure(failure.path, failure.message, detail);
         };
         events.progress = [this](const BatchProgress& progress) {
             bar_.Show({progress.done, progress.total, progress.seconds, progress.path});
         };
-        events.replaceSameFolder = [this] {
-            return options_.yes ||
-                   AskYesNo(labels::kSameFolderAsk, [] { return StopFlag().load(); });
+        events.replaceSources = [this](const ReplaceQuestion& question) {
+            return options_.yes || AskYesNo(question.text, [] { return StopFlag().load(); });
         };
         return events;
     }
@@ -159,6 +173,10 @@ class BatchCommand {
             PrintJson(Report(result, CpuSeconds() - cpuAtStart));
         else if (result.end != BatchResult::End::kNothing && !result.message.empty())
             Print(ToUtf8(result.message) + "\n");
+        if (result.otherTypes > 0)
+            PrintNote(ToUtf8(labels::kOtherTypesLeftOut) + std::to_string(result.otherTypes));
+        if (result.skipped > 0)
+            PrintNote(ToUtf8(labels::kTargetsStand) + std::to_string(result.skipped));
         if (early)
             return *early;
         int status = kDone;
@@ -171,7 +189,8 @@ class BatchCommand {
     std::optional<int> StatusBefore(const BatchResult& result) const {
         switch (result.end) {
             case BatchResult::End::kRefused:
-                return WrongUsage(ToUtf8(result.message));
+                return WrongUsage((result.path.empty() ? "" : result.path + ": ") +
+                                  ToUtf8(result.message));
             case BatchResult::End::kNothing:
                 PrintFailure(options_.source, result.message);
                 return kFileFailed;
@@ -180,7 +199,7 @@ class BatchCommand {
                     return StopStatus();
                 if (InputIsTerminal())
                     return kDone;  // the user's own wish
-                return WrongUsage(ToUtf8(labels::kSameFolderAsk) + " (--yes)");
+                return WrongUsage(ToUtf8(result.question.text) + " (--yes)");
             case BatchResult::End::kStopped:
                 return StopStatus();
             case BatchResult::End::kDone:
@@ -204,6 +223,8 @@ class BatchCommand {
         json["files"] = result.files;
         json["converted"] = result.converted;
         json["failed"] = failed;
+        json["damaged"] = result.damaged;
+        json["otherTypes"] = result.otherTypes;
         json["seconds"] = result.seconds;
         json["cpuSeconds"] = cpuSeconds;
         json["bytesIn"] = result.bytesIn;
@@ -246,6 +267,14 @@ void AddRunOptions(CLI::App& command, BatchOptions& options) {
     command.add_option("--jobs,-j", options.jobs, "Files in flight (default: the processors)")
         ->type_name("N")
         ->check(CLI::Range(1, 1 << 20));
+    command
+        .add_option("--memory", options.memory,
+                    "What pages in flight may take together (default: what is free)")
+        ->type_name("SIZE");
+    command.add_flag("--skip-existing", options.skipExisting,
+                     "Leave sources whose targets stand already and are not older");
+    command.add_flag("--strict", options.strict, "Damaged sources count as failed");
+    command.add_flag("--keep-dpi", options.keepDpi, "Give results the resolution of their sources");
     command.add_option("--log", options.log, "The run log")->type_name("FILE");
     command.add_flag("--yes,-y", options.yes, "Let results replace their sources");
     CLI::Option* dryRun = command.add_flag("--dry-run", options.dryRun,

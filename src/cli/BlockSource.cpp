@@ -88,7 +88,7 @@ std::string FillFromSetting(const std::string& text, CParaBlock& block,
 std::string FillFromStore(const ParameterOptions& options, CParaBlock& block,
                           std::vector<std::string>& warnings) {
     const fs::path store =
-        options.storeFile ? fs::path(*options.storeFile) : FindProgramPlaces().namedSettings;
+        options.storeFile ? fs::path(*options.storeFile) : FindProgramPlaces().namedSettingsToRead;
     ProfileFile profile;
     if (std::string problem = OpenProfile(store, profile); !problem.empty())
         return problem;

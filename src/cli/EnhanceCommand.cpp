@@ -15,6 +15,7 @@
 #include "core/DibImage.h"
 #include "core/ProcessorCount.h"
 #include "files/ImageFiles.h"
+#include "files/ReplaceRules.h"
 #include "files/SaveRules.h"
 #include "params/ParaBlock.h"
 #include "reduce/CheckGray.h"
@@ -105,6 +106,11 @@ int Enhance(const EnhanceOptions& options) {
                                    Unguard(options.saveSetting)));
             return kWrongUsage;
         }
+    }
+    if (setting && !CanTakeSetting(setting->file)) {
+        PrintError("--save-setting: " + setting->file.native() + ": " +
+                   ToUtf8(labels::kIsNoSettingsFile));
+        return kWrongUsage;
     }
     if (std::find(kStopCodes.begin(), kStopCodes.end(), options.stop) == kStopCodes.end()) {
         PrintError(fmt::format("--stop: there is no stop code {}", options.stop));

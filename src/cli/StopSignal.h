@@ -6,8 +6,10 @@
 
 namespace velloran::cli {
 
-/// From now on the signals set the flag instead of ending the program. One that was ignored from
-/// the start stays so. Output into a closed pipe becomes an error instead of a signal.
+/// From now on the first of the signals sets the flag instead of ending the program; a further one
+/// ends it at once, with the status of the first. One that was ignored from the start stays so.
+/// Output into a closed pipe, or beyond the limit of a file's size, becomes an error instead of a
+/// signal.
 void CatchStopSignals();
 
 std::atomic<bool>& StopFlag();

@@ -28,6 +28,29 @@ std::filesystem::path FolderFromEnvironment(const char* variable, const char* be
     return HomeFolder() / belowHome;
 }
 
+/// Folders that hold installed programs hold nothing that the programs write.
+bool IsOfInstalledPrograms(const std::filesystem::path& folder) {
+    const std::filesystem::path name = folder.filename();
+    return name == "bin" || name == "sbin" || name == "games";
+}
+
+bool IsThere(const std::filesystem::path& file) {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(file, ignored);
+}
+
+/// `place`, unless one of the files of before stands alone.
+std::filesystem::path PlaceToRead(const std::filesystem::path& place,
+                                  const std::filesystem::path& program, const UserFolders& user,
+                                  const char* ending) {
+    const std::filesystem::path before = program.stem() += ending;
+    if (!IsThere(place))
+        for (const std::filesystem::path& folder : {program.parent_path(), user.config})
+            if (IsThere(folder / before))
+                return folder / before;
+    return place;
+}
+
 }  // namespace
 
 UserFolders FindUserFolders() {
@@ -37,12 +60,13 @@ UserFolders FindUserFolders() {
 
 ProgramPlaces PlacesFor(const std::filesystem::path& program, const UserFolders& user) {
     const std::filesystem::path own = program.parent_path();
-    const bool portable = ::access(own.c_str(), W_OK | X_OK) == 0;
-    const std::string name = program.stem().native();
+    const bool portable = !IsOfInstalledPrograms(own) && ::access(own.c_str(), W_OK | X_OK) == 0;
     ProgramPlaces places;
-    places.settings = (portable ? own : user.config) / (name + ".ini");
-    places.namedSettings = (portable ? own : user.config) / (name + "_Para.ini");
-    places.log = (portable ? own : user.state) / (name + "_log.txt");
+    places.settings = (portable ? own : user.config) / "VelloranPro.ini";
+    places.namedSettings = (portable ? own : user.config) / "VelloranPro_Para.ini";
+    places.log = (portable ? own : user.state) / "VelloranPro_log.txt";
+    places.settingsToRead = PlaceToRead(places.settings, program, user, ".ini");
+    places.namedSettingsToRead = PlaceToRead(places.namedSettings, program, user, "_Para.ini");
     return places;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// Where the program keeps what it remembers. Beside the program when that folder can be written
+// Where the programs keep what they remember; the command and the windows share the files. They
+// stand beside the program when that folder can be written and is no folder of installed programs
 // (portable use), otherwise in the user's config and state folders, in VelloranPro/.
 
 #include <filesystem>
@@ -8,9 +9,12 @@
 namespace velloran {
 
 struct ProgramPlaces {
-    std::filesystem::path settings;       // <program>.ini
-    std::filesystem::path namedSettings;  // <program>_Para.ini
-    std::filesystem::path log;            // <program>_log.txt
+    std::filesystem::path settings;       // VelloranPro.ini
+    std::filesystem::path namedSettings;  // VelloranPro_Para.ini
+    std::filesystem::path log;            // VelloranPro_log.txt
+    /// Where the two settings files are read: as above or, as long as those are absent, the ones
+    /// named for the program that stood beside it or in the user's folder before.
+    std::filesystem::path settingsToRead, namedSettingsToRead;
 };
 
 /// The folders of a user, as the environment tells them.

@@ -5,6 +5,7 @@
 #include "core/DibImage.h"
 #include "files/FileType.h"
 #include "files/ImageFiles.h"
+#include "io/Leftovers.h"
 #include "params/ParaBlock.h"
 #include "params/TargetRule.h"
 #include "text/Labels.h"
@@ -73,6 +74,7 @@ SaveResult SaveDocument(const std::filesystem::path& target, const CDibImage& im
         if (const std::u16string_view message = RefusalOfResult(target, copy); !message.empty())
             return Refused(message);
     }
+    RemoveLeftovers(target.has_parent_path() ? target.parent_path() : ".");
     const bool cropGif = UnpackTargetRule(block.GetPara(PARA_TGT_FILES)).cropGif;
     if (SaveImageFile(target, copy, block.GetPara(PARA_QUALITY), dpi, colourIndex, cropGif, block,
                       &failed.error))

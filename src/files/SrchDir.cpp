@@ -6,6 +6,7 @@
 #include <cerrno>
 
 #include "files/NaturalOrder.h"
+#include "io/Leftovers.h"
 #include "text/Text.h"
 
 namespace velloran {
@@ -85,9 +86,15 @@ void CSrchDir::WalkFolder(const fs::path& folder) {
     if (stopped_ || IsExcluded(folder) || !Enter(folder))
         return;
     std::vector<FindData> files;
-    const std::error_code code = ListFolder(
-        folder, [&](const FindData& entry) { return MatchesExtension(entry) && !IsFolder(entry); },
-        files);
+    std::size_t others = 0;
+    const auto isWanted = [&](const FindData& entry) {
+        if (IsFolder(entry))
+            return false;
+        const bool matches = MatchesExtension(entry);
+        others += matches || IsTemporaryName(entry.path().filename().native()) ? 0 : 1;
+        return matches;
+    };
+    const std::error_code code = ListFolder(folder, isWanted, files);
     if (code)
         OnFolderUnreadable(folder, code);
     for (const FindData& file : files) {
@@ -96,6 +103,8 @@ void CSrchDir::WalkFolder(const fs::path& folder) {
         OnFile(file.path(), file);
     }
     files = {};
+    if (!stopped_ && others > 0)
+        OnOtherFiles(folder, others);
     if (!stopped_)
         OnFolderDone(folder);
     // The listing anew: a tool may have made folders out of the files.

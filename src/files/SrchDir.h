@@ -69,6 +69,8 @@ class CSrchDir {
     virtual void OnFolderLeave(const std::filesystem::path&, const FindData&) {}
     /// After the files of a folder, before its subfolders; not when the walk was stopped.
     virtual void OnFolderDone(const std::filesystem::path&) {}
+    /// How many files of a folder the filter left out, where there are any; after its files.
+    virtual void OnOtherFiles(const std::filesystem::path&, std::size_t) {}
     /// A folder, or the rest of one, that could not be listed; the walk goes on behind it.
     virtual void OnFolderUnreadable(const std::filesystem::path&, const std::error_code&) {}
 

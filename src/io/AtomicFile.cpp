@@ -2,14 +2,18 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
-#include <random>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
+
+#include "io/Leftovers.h"
 
 namespace velloran {
 namespace {
@@ -44,22 +48,12 @@ bool FollowLinks(fs::path& file) {
     return false;
 }
 
-/// A short name, so that it fits where the target's own name is as long as names can be.
-fs::path RandomName(const fs::path& folder) {
-    static constexpr std::string_view kDigits = "0123456789abcdefghijklmnopqrstuvwxyz";
-    thread_local std::minstd_rand random(std::random_device{}());
-    std::string name = ".velloran-";
-    for (int i = 0; i < 10; ++i)
-        name += kDigits[random() % kDigits.size()];
-    return folder / name;
-}
-
 /// Calls `make(name)` with new names until it gives no "exists already"; its last result.
 template <typename Make>
 int WithNewName(const fs::path& folder, fs::path& name, Make&& make) {
     int result = -1;
     for (int i = 0; i < kNamesTried; ++i) {
-        name = RandomName(folder);
+        name = MakeTemporaryName(folder);
         result = make(name.c_str());
         if (result >= 0 || errno != EEXIST)
             break;
@@ -86,6 +80,58 @@ int OpenNameless(const fs::path&) {
 int GiveName(int descriptor, const char* name) {
     const std::string open = "/proc/self/fd/" + std::to_string(descriptor);
     return linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW);
+}
+
+/// A name that is too long stays so: another try will not help.
+bool FailTarget(FileError* error, const char* what) {
+    if (errno == ENAMETOOLONG)
+        return FailContent(
+            error, std::string(what) + ": " + std::generic_category().message(ENAMETOOLONG));
+    return FailErrno(error, what);
+}
+
+/// A new file under a temporary name, locked so that no other run takes it for one that was left;
+/// -1 with errno.
+int OpenNamed(const fs::path& folder, fs::path& name) {
+    for (int i = 0; i < kNamesTried; ++i) {
+        const int descriptor = WithNewName(folder, name, [](const char* path) {
+            return open(path, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kNewFileMode);
+        });
+        struct stat opened {};
+        if (descriptor < 0 ||
+            (LockTemporary(descriptor) && fstat(descriptor, &opened) == 0 && opened.st_nlink > 0))
+            return descriptor;
+        close(descriptor);  // another run was quicker with its lock and removes the file
+    }
+    errno = EBUSY;
+    return -1;
+}
+
+/// Attributes that vouch for the bytes of a file, which are going to be others.
+bool IsOfContent(std::string_view name) {
+    return name == "security.ima" || name == "security.evm" || name == "security.capability";
+}
+
+/// Owner, group, mode and extended attributes of the file that is going to be replaced. What the
+/// user or the file system does not allow is left as it is; nothing of the picture is lost.
+void TakeAttributes(const char* from, const struct stat& status, int to) {
+    if (fchown(to, status.st_uid, status.st_gid) != 0 && fchown(to, -1, status.st_gid) != 0)
+        errno = 0;
+    fchmod(to, status.st_mode & 0777);
+    std::vector<char> names(
+        static_cast<std::size_t>(std::max<ssize_t>(0, listxattr(from, nullptr, 0))));
+    const ssize_t length = names.empty() ? 0 : listxattr(from, names.data(), names.size());
+    std::vector<char> value;
+    for (ssize_t at = 0; at < length;) {
+        const char* name = names.data() + at;
+        at += static_cast<ssize_t>(std::string_view(name).size()) + 1;
+        const ssize_t size = getxattr(from, name, nullptr, 0);
+        if (size < 0 || IsOfContent(name))
+            continue;
+        value.resize(static_cast<std::size_t>(size));
+        if (getxattr(from, name, value.data(), value.size()) == size)
+            fsetxattr(to, name, value.data(), value.size(), 0);
+    }
 }
 
 /// What a network file system tells only at close, while the file has no final name yet.
@@ -116,7 +162,7 @@ bool AtomicFile::CheckTarget(FileError* error) {
     if (!file_.has_filename())
         return FailStorage(error, "cannot write: names no file");
     if (!FollowLinks(file_))
-        return FailErrno(error, "cannot open");
+        return FailTarget(error, "cannot open");
     struct stat status {};
     if (stat(file_.c_str(), &status) != 0) {
         if (errno != ENOENT)
@@ -131,7 +177,6 @@ bool AtomicFile::CheckTarget(FileError* error) {
     if (faccessat(AT_FDCWD, file_.c_str(), W_OK, AT_EACCESS) != 0)
         return FailErrno(error, "cannot write");
     replaces_ = true;
-    mode_ = status.st_mode & 0777;
     return true;
 }
 
@@ -144,13 +189,11 @@ bool AtomicFile::Open(FileError* error) {
     const fs::path folder = FolderOf(file_);
     int descriptor = OpenNameless(folder);
     if (descriptor < 0)
-        descriptor = WithNewName(folder, temporary_, [](const char* name) {
-            return open(name, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kNewFileMode);
-        });
+        descriptor = OpenNamed(folder, temporary_);
     if (descriptor < 0)
         return FailErrno(error, "cannot create");
-    if (replaces_)
-        fchmod(descriptor, mode_);  // a file system without modes refuses; nothing is lost
+    if (struct stat status{}; replaces_ && stat(file_.c_str(), &status) == 0)
+        TakeAttributes(file_.c_str(), status, descriptor);
     stream_ = fdopen(descriptor, "w+b");
     if (stream_ == nullptr) {
         FailErrno(error, "cannot open");
@@ -200,6 +243,7 @@ bool AtomicFile::Publish() {
             return true;
         if (!replaces_ && errno != EEXIST)
             return false;
+        LockTemporary(descriptor);
         const int named = WithNewName(FolderOf(file_), temporary_,
                                       [&](const char* name) { return GiveName(descriptor, name); });
         if (named != 0)

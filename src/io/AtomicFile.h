@@ -4,8 +4,6 @@
 // name, or none where the file system allows that, and put in the target's place when it is
 // complete. Every writer of the system goes through here.
 
-#include <sys/types.h>
-
 #include <cstddef>
 #include <cstdio>
 #include <filesystem>
@@ -25,7 +23,7 @@ class AtomicFile {
 
     /// Creates the temporary file in the target's folder. A target that is a folder, a device or
     /// a pipe, one that may not be written, a missing or closed folder and a full disk are
-    /// refused with a kStorage reason.
+    /// refused with a kStorage reason, a name that is too long with a kContent one.
     bool Open(FileError* error);
 
     /// The open file, at its beginning; seekable and readable, as libtiff wants it. Null before
@@ -36,8 +34,9 @@ class AtomicFile {
     bool Write(const void* data, std::size_t size);
 
     /// Flushes, closes and puts the file in its place. A target that existed keeps its
-    /// permissions; a target that is a symbolic link keeps the link and changes the file behind
-    /// it. Where a write failed, the reason is kStorage with the system's text.
+    /// permissions and, as far as the user may set them, owner, group and extended attributes; a
+    /// target that is a symbolic link keeps the link and changes the file behind it. Where a write
+    /// failed, the reason is kStorage with the system's text.
     bool Commit(FileError* error);
 
  private:
@@ -51,7 +50,6 @@ class AtomicFile {
     std::filesystem::path file_;       // the target behind its links
     std::filesystem::path temporary_;  // empty while the file has no name
     std::FILE* stream_ = nullptr;
-    mode_t mode_ = 0;  // of the target that is replaced
     bool replaces_ = false;
     bool failed_ = false;
     int errnoOfFailure_ = 0;

@@ -37,6 +37,22 @@ inline constexpr Label kReducedOnlyPng{
 inline constexpr Label kSameFolderAsk{
     u"源文件夹与目标文件夹相同，源文件将被转换后的文件所覆盖。要继续吗？",
     u"The target folder is the source folder: converted files replace the source files. Go on?"};
+inline constexpr Label kReplacesSourcesAsk{
+    u"个源文件将被转换后的文件所覆盖。要继续吗？",
+    u" of the source files are going to be replaced by converted files. Go on?"};
+inline constexpr Label kNewNamesBefore{u"\n另有", u"\n"};
+inline constexpr Label kNewNamesAtMostBefore{u"\n另外最多有", u"\nUp to "};
+inline constexpr Label kNewNamesBehind{
+    u"个转换后的文件将以其他文件名出现在源文件旁边。",
+    u" converted files are going to stand beside the source files under other names."};
+inline constexpr Label kOtherTypesLeftOut{u"未处理的其他类型文件数：",
+                                          u"Files of other types left out: "};
+inline constexpr Label kTargetsStand{u"目标已存在而跳过的文件数：",
+                                     u"Files left because their targets stand: "};
+inline constexpr Label kIsNoLog{u"不是转换记录文件，不能用作记录。",
+                                u"This is no run log and is not replaced by one."};
+inline constexpr Label kIsNoSettingsFile{u"不是参数设置文件，不能写入。",
+                                         u"This is no settings file and is not written to."};
 inline constexpr Label kCountingFiles{u"统计文件数", u"Counting files"};
 inline constexpr Label kNothingToConvert{
     u"抱歉，在源文件夹下没有可供转换的文件。",

@@ -96,10 +96,10 @@ TEST_F(Engine, AnythingButYesEndsARunOverTheSameFolder) {
     WriteFlat("s/a.png", 10);
     request_.target = request_.source;
     EXPECT_EQ(RunBatch(request_, events_).end, BatchResult::End::kDeclined);
-    events_.replaceSameFolder = [] { return false; };
+    events_.replaceSources = [](const ReplaceQuestion&) { return false; };
     EXPECT_EQ(RunBatch(request_, events_).end, BatchResult::End::kDeclined);
     EXPECT_FALSE(fs::exists(folder_ / "s" / "a.jpg"));
-    events_.replaceSameFolder = [] { return true; };
+    events_.replaceSources = [](const ReplaceQuestion&) { return true; };
     EXPECT_EQ(RunBatch(request_, events_).end, BatchResult::End::kDone);
     EXPECT_TRUE(fs::exists(folder_ / "s" / "a.jpg"));
 }

@@ -22,13 +22,14 @@ struct Trial {
     std::atomic<int> running{0}, mostRunning{0};
     std::vector<std::size_t> delivered;
     std::vector<FileOutcome::End> ends;
+    std::function<FileOutcome(std::size_t index)> work;
     WorkerRequest request;
 
     Trial(std::size_t count, int workers) {
         request.count = count;
         request.workers = workers;
         request.stop = &stop;
-        request.work = [this](std::size_t index) {
+        work = [this](std::size_t index) {
             const int now = ++running;
             int most = mostRunning;
             while (now > most && !mostRunning.compare_exchange_weak(most, now)) {
@@ -37,6 +38,9 @@ struct Trial {
             std::this_thread::sleep_for(std::chrono::milliseconds(index < 4 ? 20 - 4 * index : 1));
             --running;
             return Converted();
+        };
+        request.begin = [this](std::size_t index) {
+            return PageWork{0, [this, index] { return work(index); }};
         };
         request.deliver = [this](std::size_t index, const FileOutcome& outcome) {
             delivered.push_back(index);
@@ -64,10 +68,10 @@ TEST(BatchWorkers, OutcomesComeInOrderOnTheCallersThread) {
 TEST(BatchWorkers, WhileValuesAreToBeFoundOneFileRunsAtATime) {
     Trial trial(20, 4);
     std::atomic<int> finished{0};
-    const auto work = trial.request.work;
+    const auto work = trial.work;
     std::mutex lock;
     std::vector<std::pair<std::size_t, int>> seen;  // file, and how many ran with it
-    trial.request.work = [&](std::size_t index) {
+    trial.work = [&](std::size_t index) {
         FileOutcome outcome = work(index);
         const std::lock_guard hold(lock);
         seen.emplace_back(index, trial.mostRunning.load());
@@ -85,8 +89,8 @@ TEST(BatchWorkers, WhileValuesAreToBeFoundOneFileRunsAtATime) {
 
 TEST(BatchWorkers, FilesBehindAStopAreToldAsStopped) {
     Trial trial(50, 2);
-    const auto work = trial.request.work;
-    trial.request.work = [&](std::size_t index) {
+    const auto work = trial.work;
+    trial.work = [&](std::size_t index) {
         if (index == 5)
             trial.stop = true;
         return work(index);

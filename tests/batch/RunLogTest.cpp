@@ -64,7 +64,7 @@ TEST(RunLog, WithoutAFailureThereIsNoFile) {
 
 TEST(RunLog, ResetDeletesTheLogOfTheRunBefore) {
     const TempFolder folder;
-    WriteAll(folder / "log", "old");
+    WriteAll(folder / "log", Marked(u"of before\t写入失败\r\n"));
     RunLog log(folder / "log");
     log.Reset();
     EXPECT_TRUE(folder.AllNames().empty());
@@ -93,9 +93,20 @@ TEST(RunLog, ALogThatARunLeftMeanwhileIsReplaced) {
     const TempFolder folder;
     RunLog log(folder / "log");
     log.Reset();
-    WriteAll(folder / "log", "of a run that began later and ended sooner");
+    // Of a run that began later and ended sooner.
+    WriteAll(folder / "log", Marked(u"b\t写入失败\r\n"));
     EXPECT_TRUE(log.LogFailure("a", kLogReadFailed));
     EXPECT_EQ(ReadAll(folder / "log"), Marked(u"a\t读取失败\r\n"));
+}
+
+TEST(RunLog, AFileThatIsNoLogIsNeverReplaced) {
+    const TempFolder folder;
+    WriteAll(folder / "x_log.txt", "notes");
+    RunLog log(folder / "x_log.txt");
+    log.Reset();
+    EXPECT_TRUE(log.LogFailure("a", kLogReadFailed));
+    EXPECT_EQ(ReadAll(folder / "x_log.txt"), "notes");
+    EXPECT_EQ(ReadAll(folder / "x_log~2.txt"), Marked(u"a\t读取失败\r\n"));
 }
 
 TEST(RunLog, APlaceThatCannotBeWrittenIsToldWithItsCause) {

@@ -236,8 +236,8 @@ TEST_F(Batch, JsonEndsWithOneObjectInsteadOfTheMessage) {
     Names keys;
     for (const auto& [key, value] : report.items())
         keys.push_back(key);
-    EXPECT_EQ(keys, (Names{"files", "converted", "failed", "seconds", "cpuSeconds", "bytesIn",
-                           "bytesOut", "peakMemory"}));
+    EXPECT_EQ(keys, (Names{"files", "converted", "failed", "damaged", "otherTypes", "seconds",
+                           "cpuSeconds", "bytesIn", "bytesOut", "peakMemory"}));
     EXPECT_EQ(report["files"], 2);
     EXPECT_EQ(report["converted"], 1);
     EXPECT_EQ(report["failed"].dump(), R"([{"path":"src/b.png","message":"读取失败"}])");

@@ -185,7 +185,7 @@ TEST_F(BatchSafety, AFullDiskIsExitStatus4NamesTheFileAndTheOthersGoOn) {
     WriteAll(Source() / "c.png", "nonsense");
     const Outcome outcome = Run({"src", "out", "--ext", "png"}, {.fileSizeLimit = 8192});
     EXPECT_EQ(outcome.status, 4) << "it wins over 1";
-    EXPECT_EQ(LinesOf(outcome.err).at(0), "out/a.png: 写入失败");
+    EXPECT_EQ(LinesOf(outcome.err).at(0), "out/a.png: 写入失败 (src/a.png)");
     EXPECT_EQ(LinesOf(outcome.err).at(1), "src/c.png: 读取失败");
     EXPECT_EQ(FilesIn(Target()), Names{"b.png"});
     EXPECT_EQ(outcome.out, "3个文件需要转换，\n1个文件转换成功。\n");
@@ -198,7 +198,7 @@ TEST_F(BatchSafety, ATargetWithoutPermissionIsExitStatus4) {
     for (const char* target : {"out", "out/deeper", "new"}) {
         const Outcome outcome = Run({"src", target, "--ext", "png"}, {.asNobody = true});
         EXPECT_EQ(outcome.status, 4) << target;
-        EXPECT_NE(outcome.err.find(std::string(target) + "/a.png: 写入失败"), std::string::npos)
+        EXPECT_NE(outcome.err.find(std::string(target) + ": 写入失败"), std::string::npos)
             << outcome.err;
     }
 }
@@ -340,21 +340,31 @@ TEST_F(BatchSafety, TheRunLogIsExactAndOnlyThereAfterAFailure) {
 
 TEST_F(BatchSafety, TheRunLogStandsBesideTheProgramOrInTheStateFolder) {
     WriteAll(Source() / "a.png", "nonsense");
-    fs::create_directory(folder_ / "bin");
+    fs::create_directory(folder_ / "own");
     fs::create_directory(folder_ / "state");
     fs::permissions(folder_ / "state", fs::perms::all);
-    fs::copy_file(BuiltProgram(), folder_ / "bin" / "velloran");
+    fs::copy_file(BuiltProgram(), folder_ / "own" / "velloran");
     Surroundings around{.folder = folder_.Path(),
                         .variables = {{"XDG_STATE_HOME", (folder_ / "state").native()}},
-                        .program = folder_ / "bin" / "velloran"};
+                        .program = folder_ / "own" / "velloran"};
     EXPECT_EQ(RunProgram({"batch", "src", "out"}, around).status, 1);
-    EXPECT_EQ(LogText(folder_ / "bin" / "velloran_log.txt"), "src/a.png\t读取失败\r\n");
-    fs::remove(folder_ / "bin" / "velloran_log.txt");
+    EXPECT_EQ(LogText(folder_ / "own" / "VelloranPro_log.txt"), "src/a.png\t读取失败\r\n");
+    fs::remove(folder_ / "own" / "VelloranPro_log.txt");
+    // An installed program keeps its folder clean, whoever runs it.
+    fs::create_directory(folder_ / "bin");
+    fs::copy_file(BuiltProgram(), folder_ / "bin" / "velloran");
+    Surroundings installed = around;
+    installed.program = folder_ / "bin" / "velloran";
+    EXPECT_EQ(RunProgram({"batch", "src", "out"}, installed).status, 1);
+    EXPECT_EQ(FilesIn(folder_ / "bin"), Names{"velloran"});
+    const fs::path log = folder_ / "state" / "VelloranPro" / "VelloranPro_log.txt";
+    EXPECT_EQ(LogText(log), "src/a.png\t读取失败\r\n");
+    fs::remove_all(log.parent_path());
     around.asNobody = true;
     if (geteuid() == 0) {
         EXPECT_EQ(RunProgram({"batch", "src", "out"}, around).status, 1);
-        EXPECT_EQ(FilesIn(folder_ / "bin"), Names{"velloran"});
-        EXPECT_EQ(LogText(folder_ / "state" / "VelloranPro" / "velloran_log.txt"),
+        EXPECT_EQ(FilesIn(folder_ / "own"), Names{"velloran"});
+        EXPECT_EQ(LogText(folder_ / "state" / "VelloranPro" / "VelloranPro_log.txt"),
                   "src/a.png\t读取失败\r\n");
     }
 }

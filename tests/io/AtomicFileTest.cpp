@@ -177,7 +177,7 @@ TEST(AtomicFile, ANameAsLongAsNamesCanBeWorks) {
     EXPECT_TRUE(WriteWhole(folder / longest, "y", &error)) << error.detail;
     EXPECT_EQ(ReadAll(folder / longest), "y");
     EXPECT_FALSE(WriteWhole(folder / (longest + "n"), "x", &error));
-    EXPECT_EQ(error.cause, FileError::Cause::kStorage);
+    EXPECT_EQ(error.cause, FileError::Cause::kContent) << "it stays too long";
     EXPECT_EQ(folder.AllNames().size(), 1u);
 }
 
