@@ -229,13 +229,13 @@ TEST(Settings, NamedOnesComeFromTheStore) {
 TEST(Settings, TheProgramsOwnStoreStandsBesideItOrInTheConfigFolder) {
     const TempFolder folder;
     std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
-    std::filesystem::create_directory(folder / "bin");
-    std::filesystem::copy_file(BuiltProgram(), folder / "bin" / "velloran");
-    WriteAll(folder / "bin" / "velloran_Para.ini", "[x]\nPARA_GAMMA=80\n");
+    std::filesystem::create_directory(folder / "own");
+    std::filesystem::copy_file(BuiltProgram(), folder / "own" / "velloran");
+    WriteAll(folder / "own" / "VelloranPro_Para.ini", "[x]\nPARA_GAMMA=80\n");
     std::filesystem::create_directories(folder / "config" / "VelloranPro");
-    WriteAll(folder / "config" / "VelloranPro" / "velloran_Para.ini", "[x]\nPARA_GAMMA=70\n");
+    WriteAll(folder / "config" / "VelloranPro" / "VelloranPro_Para.ini", "[x]\nPARA_GAMMA=70\n");
     Surroundings around{.variables = {{"XDG_CONFIG_HOME", (folder / "config").native()}},
-                        .program = folder / "bin" / "velloran"};
+                        .program = folder / "own" / "velloran"};
     EXPECT_EQ(LinesOf(RunProgram({"describe", "-n", "x"}, around).out).at(0), "Gamma校正: 80");
     around.asNobody = true;  // who may not write beside the program
     if (geteuid() == 0) {
