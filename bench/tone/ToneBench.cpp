@@ -5,8 +5,10 @@
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
+#include <string>
 #include <vector>
 
+#include "core/ProcessorForm.h"
 #include "support/BesideOpenCv.h"
 #include "support/Page.h"
 #include "tone/AutoLevels.h"
@@ -48,21 +50,20 @@ void ApplyPixelMapPage(benchmark::State& state) {
     CountBytes(state, page);
 }
 
-/// Each way of looking up, on one thread; those that the processor lacks are left out.
+/// Each form of looking up, on one thread.
 void MapBytesPage(benchmark::State& state) {
-    const MapWay& way = MapWays()[static_cast<std::size_t>(state.range(0))];
-    state.SetLabel(way.name);
-    if (!way.isSupported()) {
-        state.SkipWithError("not on this processor");
-        return;
-    }
+    const std::string before = ProcessorForm();
+    const std::string form = ProcessorForms()[static_cast<std::size_t>(state.range(0))];
+    UseProcessorForm(form);
+    state.SetLabel(form);
     CDibImage page = ScannedPage(kColorBits);
     const PixelMap map = SampleMap();
     for (auto _ : state) {
-        way.mapBytes(map, page.GetBits(0), PageBytes(page));
+        MapBytes(map, page.GetBits(0), PageBytes(page));
         benchmark::ClobberMemory();
     }
     CountBytes(state, page);
+    UseProcessorForm(before);
 }
 
 /// The histogram of one channel, or of the whole of a grey page.
@@ -134,8 +135,8 @@ BENCHMARK(FloorCopyPage<kGrayBits>)->Apply(OneAndTwoThreads);
 BENCHMARK(FloorCvLut)->Apply(BitsAndThreads);
 BENCHMARK(ApplyPixelMapPage)->Apply(BitsAndThreads);
 BENCHMARK(MapBytesPage)
-    ->ArgName("way")
-    ->DenseRange(0, static_cast<int>(MapWays().size()) - 1)
+    ->ArgName("form")
+    ->DenseRange(0, static_cast<int>(ProcessorForms().size()) - 1)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 BENCHMARK(FloorCvCountAndLut)->Apply(BitsAndThreads);

@@ -5,18 +5,18 @@
 #include <limits>
 #include <new>
 
-#include "core/SimdTarget.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "reduce/NearestColor.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
-
-constexpr std::size_t kColors = std::size_t{1} << 24;
-// Behind the last entry: more than any squared length of a colour minus twice a product.
-constexpr std::int32_t kFar = 400000 * 256;
 
 /// The smallest of 256 * (|entry|^2 - 2 entry * color) + index: in the order of the distance from
 /// the colour, whose own length is the same for all, and then of the index.
-VELLORAN_SIMD_CLONES
 std::int32_t SmallestKey(const NearestColor::Entries& entries, int count, int blue, int green,
                          int red) {
     constexpr int kLanes = 8;
@@ -33,6 +33,21 @@ std::int32_t SmallestKey(const NearestColor::Entries& entries, int count, int bl
         }
     return *std::min_element(least, least + kLanes);
 }
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(SmallestKey);
+
+constexpr std::size_t kColors = std::size_t{1} << 24;
+// Behind the last entry: more than any squared length of a colour minus twice a product.
+constexpr std::int32_t kFar = 400000 * 256;
 
 }  // namespace
 
@@ -70,7 +85,9 @@ std::uint8_t NearestColor::Find(std::uint32_t color) {
 }
 
 std::uint8_t NearestColor::Search(int blue, int green, int red) const {
-    return static_cast<std::uint8_t>(SmallestKey(entries_, count_, blue, green, red) & 255);
+    return static_cast<std::uint8_t>(
+        HWY_DYNAMIC_DISPATCH(SmallestKey)(entries_, count_, blue, green, red) & 255);
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -1,14 +1,13 @@
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <vector>
 
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "reduce/Binarize.h"
+#include "reduce/WolfRows.h"
 
 namespace velloran {
 namespace {
@@ -47,12 +46,12 @@ class WindowSums {
         UpdateShare(std::min(plane_.height - 1, y + reachY_) - std::max(0, y - reachY_) + 1);
     }
 
-    // For window x: Last(x) - First(x) of the running sums, times Share(x), is the mean.
-    const std::uint64_t* First() const { return running_.data(); }
-    const std::uint64_t* Last() const { return running_.data() + 2 * reachX_ + 1; }
-    const std::uint64_t* FirstSquares() const { return runningSquares_.data(); }
-    const std::uint64_t* LastSquares() const { return runningSquares_.data() + 2 * reachX_ + 1; }
-    const double* Share() const { return share_.data(); }
+    WolfRow Row() const {
+        const int window = 2 * reachX_ + 1;
+        return {running_.data(),        running_.data() + window,
+                runningSquares_.data(), runningSquares_.data() + window,
+                share_.data(),          plane_.width};
+    }
 
  private:
     void AddRow(int y, int sign) {
@@ -101,82 +100,6 @@ class WindowSums {
     std::vector<double> share_;
 };
 
-/// A whole number below 2^52 as a double, in a form that compilers turn into vectors.
-[[gnu::always_inline]] inline double ToDouble(std::uint64_t value) {
-    return std::bit_cast<double>(value | 0x4330000000000000U) - 4503599627370496.0;
-}
-
-struct Statistics {
-    double mean, variance;
-};
-
-[[gnu::always_inline]] inline Statistics StatisticsAt(const std::uint64_t* first,
-                                                      const std::uint64_t* last,
-                                                      const std::uint64_t* firstSquares,
-                                                      const std::uint64_t* lastSquares,
-                                                      const double* share, int x) {
-    const double mean = ToDouble(last[x] - first[x]) * share[x];
-    const double squares = ToDouble(lastSquares[x] - firstSquares[x]) * share[x];
-    return {mean, std::fabs(squares - mean * mean)};
-}
-
-VELLORAN_SIMD_CLONES
-double LargestVarianceOfRow(const std::uint64_t* first, const std::uint64_t* last,
-                            const std::uint64_t* firstSquares, const std::uint64_t* lastSquares,
-                            const double* share, int width) {
-    constexpr int kLanes = 4;
-    double lane[kLanes] = {};
-    int x = 0;
-    for (; x + kLanes <= width; x += kLanes)
-        for (int i = 0; i < kLanes; ++i) {
-            const double variance =
-                StatisticsAt(first, last, firstSquares, lastSquares, share, x + i).variance;
-            lane[i] = variance > lane[i] ? variance : lane[i];
-        }
-    for (; x < width; ++x)
-        lane[0] = std::max(lane[0],
-                           StatisticsAt(first, last, firstSquares, lastSquares, share, x).variance);
-    return std::max(std::max(lane[0], lane[1]), std::max(lane[2], lane[3]));
-}
-
-/// What a threshold needs to know of the whole page.
-struct PageTone {
-    float largestDeviation;  // 0 stands for a page without any
-    float darkest;
-    int lowBound, highBound;
-};
-
-VELLORAN_SIMD_CLONES
-void ThresholdRow(const std::uint64_t* first, const std::uint64_t* last,
-                  const std::uint64_t* firstSquares, const std::uint64_t* lastSquares,
-                  const double* share, int width, const PageTone& pageTone, const std::uint8_t* in,
-                  std::uint8_t* out) {
-    constexpr int kBlock = 128;  // doubles first, then bytes: each loop has one width
-    const PageTone tone = pageTone;
-    const bool flat = tone.largestDeviation < 0.0001F;
-    const float largest = flat ? 1.0F : tone.largestDeviation;
-    const float weight = flat ? 0.0F : 1.0F;
-    for (int begin = 0; begin < width; begin += kBlock) {
-        const int count = std::min(kBlock, width - begin);
-        std::int32_t threshold[kBlock];
-        for (int i = 0; i < count; ++i) {
-            const Statistics s =
-                StatisticsAt(first, last, firstSquares, lastSquares, share, begin + i);
-            const float mean = static_cast<float>(s.mean);
-            const float deviation = static_cast<float>(std::sqrt(s.variance));
-            const float f = 1.0F - weight * (deviation / largest);
-            threshold[i] =
-                static_cast<std::int32_t>(mean - (mean - tone.darkest) * (0.3F * f) + 0.5F);
-        }
-        for (int i = 0; i < count; ++i) {
-            const std::int32_t sample = in[begin + i];
-            const std::int32_t local = sample < threshold[i] ? 0 : 255;
-            const std::int32_t light = sample > tone.highBound ? 255 : local;
-            out[begin + i] = static_cast<std::uint8_t>(sample < tone.lowBound ? 0 : light);
-        }
-    }
-}
-
 int DarkestLevel(ConstPlaneView plane) {
     int darkest = 255;
     for (int y = 0; y < plane.height; ++y)
@@ -199,8 +122,7 @@ void ForEachRow(std::vector<WindowSums>& sums, ConstPlaneView plane, Visit&& vis
 double LargestVariance(std::vector<WindowSums>& sums, ConstPlaneView plane) {
     std::vector<double> ofRow(static_cast<std::size_t>(plane.height));
     ForEachRow(sums, plane, [&](const WindowSums& at, int y) {
-        ofRow[static_cast<std::size_t>(y)] = LargestVarianceOfRow(
-            at.First(), at.Last(), at.FirstSquares(), at.LastSquares(), at.Share(), plane.width);
+        ofRow[static_cast<std::size_t>(y)] = LargestVarianceOf(at.Row());
     });
     return *std::max_element(ofRow.begin(), ofRow.end());
 }
@@ -230,12 +152,11 @@ int WolfThreshold(CDibImage& image, int windowWidth, int windowHeight, int lowBo
         std::vector<WindowSums> sums(static_cast<std::size_t>(MaxThreads()),
                                      WindowSums(plane, ReachOf(windowWidth, plane.width),
                                                 ReachOf(windowHeight, plane.height)));
-        const PageTone tone{static_cast<float>(std::sqrt(LargestVariance(sums, plane))),
+        const WolfTone tone{static_cast<float>(std::sqrt(LargestVariance(sums, plane))),
                             static_cast<float>(DarkestLevel(plane)), lowBound, highBound};
         const PlaneView target = ViewOf(image);
         ForEachRow(sums, plane, [&](const WindowSums& at, int y) {
-            ThresholdRow(at.First(), at.Last(), at.FirstSquares(), at.LastSquares(), at.Share(),
-                         plane.width, tone, plane.Row(y).data(), target.Row(y).data());
+            ThresholdRow(at.Row(), tone, plane.Row(y).data(), target.Row(y).data());
         });
         return keepDepth ? 1 : PackBilevel(image);
     });

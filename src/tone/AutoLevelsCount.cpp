@@ -85,7 +85,7 @@ struct Luma {
     std::size_t count;
 
     explicit Luma(std::span<const std::uint8_t> pixels) : count(pixels.size() / 3) {
-        BestLumaWay().run(pixels.data(), count, bytes.data());
+        LumaOfPixels(pixels.data(), count, bytes.data());
     }
     std::span<const std::uint8_t> View() const { return {bytes.data(), count}; }
 };

@@ -2,86 +2,80 @@
 
 #include "core/Rounding.h"
 
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/AutoLevelsLuma.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
-bool Always() {
-    return true;
+#if HWY_TARGET == HWY_SCALAR
+std::size_t LumaOfVectors(const std::uint8_t*, std::size_t, std::uint8_t*) {
+    return 0;
+}
+#else
+namespace hn = hwy::HWY_NAMESPACE;
+using Bytes = hn::ScalableTag<std::uint8_t>;
+using Words = hn::Repartition<std::uint16_t, Bytes>;
+
+/// 601 G + 306 R + 117 B is 4 A + T with A = 150 G + 76 R + 29 B and T = G + 2 R + B, so that a
+/// 1024th of it is a 256th of A + T / 4, which fits 16 bits.
+template <class Vector>
+HWY_INLINE Vector LumaOfWords(Vector blue, Vector green, Vector red) {
+    const Words d;
+    const auto coarse =
+        hn::Add(hn::Add(hn::Mul(green, hn::Set(d, 150)), hn::Mul(red, hn::Set(d, 76))),
+                hn::Mul(blue, hn::Set(d, 29)));
+    const auto fine = hn::Add(hn::Add(green, blue), hn::Add(red, red));
+    return hn::Add(coarse, hn::ShiftRight<2>(fine));  // in its high byte
 }
 
-void LumaPlain(const std::uint8_t* pixels, std::size_t pixelCount, std::uint8_t* luma) {
-    for (std::size_t i = 0; i < pixelCount; ++i, pixels += 3)
-        luma[i] = LumaOf(pixels[0], pixels[1], pixels[2]);
-}
-
-#if defined(__x86_64__)
-bool HasAvx2() {
-    return __builtin_cpu_supports("avx2") != 0;
-}
-
-/// Luma, in 32 bits each, of the four pixels at `first` and of the four at `second`.
-[[gnu::target("avx2"), gnu::always_inline]] inline __m256i LumaOfEight(const std::uint8_t* first,
-                                                                       const std::uint8_t* second) {
-    const __m256i pixels = _mm256_inserti128_si256(
-        _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(first))),
-        _mm_loadu_si128(reinterpret_cast<const __m128i*>(second)), 1);
-    const __m256i blueAndGreen = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1));
-    const __m256i red = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(2, -1, -1, -1, 5, -1, -1, -1, 8, -1, -1, -1, 11, -1, -1, -1));
-    const __m256i sum = _mm256_add_epi32(
-        _mm256_madd_epi16(_mm256_shuffle_epi8(pixels, blueAndGreen),
-                          _mm256_set1_epi32(117 | 601 << 16)),
-        _mm256_madd_epi16(_mm256_shuffle_epi8(pixels, red), _mm256_set1_epi32(306)));
-    return _mm256_srli_epi32(sum, 10);
-}
-
-[[gnu::target("avx2")]] void LumaAvx2(const std::uint8_t* pixels, std::size_t pixelCount,
-                                      std::uint8_t* luma) {
-    constexpr std::size_t kTogether = 16;
-    // A load of four pixels reads 4 bytes more: two pixels must follow.
+/// Returns how many pixels are done, whole vectors of them.
+std::size_t LumaOfVectors(const std::uint8_t* pixels, std::size_t pixelCount, std::uint8_t* luma) {
+    const Bytes bytes;
+    const Words words;
+    const auto low = hn::Set(words, 0xFF);
+    const std::size_t step = hn::Lanes(bytes);
     std::size_t i = 0;
-    for (; i + kTogether + 2 <= pixelCount; i += kTogether) {
-        const std::uint8_t* at = pixels + 3 * i;
-        const __m256i words =
-            _mm256_packus_epi32(LumaOfEight(at, at + 24), LumaOfEight(at + 12, at + 36));
-        const __m256i bytes = _mm256_packus_epi16(words, words);
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(luma + i), _mm256_castsi256_si128(bytes));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(luma + i + 8),
-                         _mm256_extracti128_si256(bytes, 1));
+    for (; i + step <= pixelCount; i += step) {
+        hn::Vec<Bytes> b, g, r;
+        hn::LoadInterleaved3(bytes, pixels + 3 * i, b, g, r);
+        const auto blue = hn::BitCast(words, b), green = hn::BitCast(words, g);
+        const auto red = hn::BitCast(words, r);
+        const auto even = LumaOfWords(hn::And(blue, low), hn::And(green, low), hn::And(red, low));
+        const auto odd =
+            LumaOfWords(hn::ShiftRight<8>(blue), hn::ShiftRight<8>(green), hn::ShiftRight<8>(red));
+        const auto both = hn::Or(hn::ShiftRight<8>(even), hn::AndNot(low, odd));
+        hn::StoreU(hn::BitCast(bytes, both), bytes, luma + i);
     }
-    LumaPlain(pixels + 3 * i, pixelCount - i, luma + i);
+    return i;
 }
 #endif
 
-constexpr LumaWay kWays[] = {
-    {"plain", Always, LumaPlain},
-#if defined(__x86_64__)
-    {"avx2", HasAvx2, LumaAvx2},
-#endif
-};
-
-const LumaWay& FindBest() {
-    const LumaWay* best = &kWays[0];
-    for (const LumaWay& way : kWays)
-        if (way.isSupported())
-            best = &way;
-    return *best;
+void LumaOfRun(const std::uint8_t* pixels, std::size_t pixelCount, std::uint8_t* luma) {
+    for (std::size_t i = LumaOfVectors(pixels, pixelCount, luma); i < pixelCount; ++i)
+        luma[i] = LumaOf(pixels[3 * i], pixels[3 * i + 1], pixels[3 * i + 2]);
 }
 
 }  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
 
-std::span<const LumaWay> LumaWays() {
-    return kWays;
-}
+#if HWY_ONCE
+namespace velloran {
+namespace {
 
-const LumaWay& BestLumaWay() {
-    static const LumaWay& best = FindBest();
-    return best;
+HWY_EXPORT(LumaOfRun);
+
+}  // namespace
+
+void LumaOfPixels(const std::uint8_t* pixels, std::size_t pixelCount, std::uint8_t* luma) {
+    HWY_DYNAMIC_DISPATCH(LumaOfRun)(pixels, pixelCount, luma);
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -1,9 +1,9 @@
 #include "tone/AutoLevelsTables.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
+#include "core/ExactMath.h"
 #include "core/Rounding.h"
 
 namespace velloran {
@@ -46,10 +46,10 @@ std::uint32_t Sum(const Histogram& histogram, int first, int count) {
 }
 
 PixelMap MakeLiftTable() {
-    const double exponent = 1.0 / (1.0 / std::pow(1.0199198592936658, 2.0));
+    const double exponent = 1.0 / (1.0 / (1.0199198592936658 * 1.0199198592936658));
     PixelMap table{};
     for (int i = 0; i < 256; ++i)
-        table[i] = ClampToByte(RoundHalf(std::pow(i / 255.0, exponent) * 255.0));
+        table[i] = ClampToByte(RoundHalf(Pow(i / 255.0, exponent) * 255.0));
     return table;
 }
 

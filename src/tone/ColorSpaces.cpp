@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+
+#include "core/ExactMath.h"
 
 namespace velloran {
 namespace {
 
 double Linear(int level) {
     const double c = level / 255.0;
-    return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.2);
+    return c <= 0.04045 ? c / 12.92 : Pow((c + 0.055) / 1.055, 2.2);
 }
 
 std::array<double, 256> MakeLinearLevels() {
@@ -20,7 +21,7 @@ std::array<double, 256> MakeLinearLevels() {
 }
 
 double LabCurve(double t) {
-    return t > 0.008856 ? std::cbrt(t) : 7.787 * t + 0.137931034482759;
+    return t > 0.008856 ? Cbrt(t) : 7.787 * t + 0.137931034482759;
 }
 
 }  // namespace

@@ -8,16 +8,45 @@
 #include <vector>
 
 #include "core/DibImage.h"
+#include "core/ExactMath.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "filters/Resample.h"
 #include "tone/Channels.h"
 #include "tone/PixelMapRows.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/ContrastGray.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+/// Halves upwards; the weights add up to 1.
+void WeighRow(double redWeight, double greenWeight, double blueWeight, const std::uint8_t* pixel,
+              int width, std::uint8_t* out) {
+    for (std::ptrdiff_t x = 0; x < width; ++x) {
+        const double sum = redWeight * pixel[3 * x + 2] + greenWeight * pixel[3 * x + 1] +
+                           blueWeight * pixel[3 * x];
+        const int level = static_cast<int>(sum + 0.5);
+        out[x] = static_cast<std::uint8_t>(level > 255 ? 255 : level);
+    }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace velloran {
 namespace {
+
+HWY_EXPORT(WeighRow);
 
 constexpr double kSmallSide = 64.0;
 constexpr double kDeltaScale = 1.41, kLeastDelta = 0.05, kSigmaSquared = 0.0025;
@@ -86,8 +115,8 @@ double ScoreOf(const Weights& weights, const std::vector<Difference>& difference
         if (delta < kLeastDelta)
             continue;
         const double g = weights.red * d.red + weights.green * d.green + weights.blue * d.blue;
-        sum += std::log(std::exp(-(g + delta) * (g + delta) / kSigmaSquared) +
-                        std::exp(-(g - delta) * (g - delta) / kSigmaSquared));
+        sum += Log(Exp(-(g + delta) * (g + delta) / kSigmaSquared) +
+                   Exp(-(g - delta) * (g - delta) / kSigmaSquared));
     }
     return sum / static_cast<double>(differences.size());
 }
@@ -132,17 +161,6 @@ Weights WeightsFor(const CDibImage& image) {
     return BestWeights(differences);
 }
 
-/// Halves upwards; the weights add up to 1.
-VELLORAN_SIMD_CLONES
-void WeighRow(const Weights& weights, const std::uint8_t* pixel, int width, std::uint8_t* out) {
-    for (std::ptrdiff_t x = 0; x < width; ++x) {
-        const double sum = weights.red * pixel[3 * x + 2] + weights.green * pixel[3 * x + 1] +
-                           weights.blue * pixel[3 * x];
-        const int level = static_cast<int>(sum + 0.5);
-        out[x] = static_cast<std::uint8_t>(level > 255 ? 255 : level);
-    }
-}
-
 }  // namespace
 
 int ContrastGray(CDibImage& image) {
@@ -158,9 +176,12 @@ int ContrastGray(CDibImage& image) {
         const PlaneView target = ViewOf(gray);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
         for (int y = 0; y < target.height; ++y)
-            WeighRow(weights, source.Row(y).data(), target.width, target.Row(y).data());
+            HWY_DYNAMIC_DISPATCH(WeighRow)
+            (weights.red, weights.green, weights.blue, source.Row(y).data(), target.width,
+             target.Row(y).data());
         return image.TakePixels(gray) ? 1 : 0;
     });
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -1,16 +1,31 @@
 #include "tone/EnlargedRows.h"
 
-#include "core/SimdTarget.h"
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/EnlargedRows.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
-VELLORAN_SIMD_CLONES
 void Blend(const float* first, const float* second, float share, float otherShare, int count,
            float* out) {
     for (int i = 0; i < count; ++i)
         out[i] = share * first[i] + otherShare * second[i];
 }
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(Blend);
 
 /// Between one pair of samples; a loop that vectorises.
 void SpreadSegment(float left, float right, const float* weights, const float* otherWeights,
@@ -56,8 +71,9 @@ void EnlargedRows::Row(int y, float* scratch, float* row) const {
     const int first = down_.first[static_cast<std::size_t>(y)];
     const bool hasSecond = down_.taps > 1;
     const float* down = down_.WeightsOf(y);
-    Blend(small_.Row(first).data(), small_.Row(hasSecond ? first + 1 : first).data(), down[0],
-          hasSecond ? down[1] : 0.0F, static_cast<int>(ScratchSize()), scratch);
+    HWY_DYNAMIC_DISPATCH(Blend)
+    (small_.Row(first).data(), small_.Row(hasSecond ? first + 1 : first).data(), down[0],
+     hasSecond ? down[1] : 0.0F, static_cast<int>(ScratchSize()), scratch);
     const std::ptrdiff_t next = small_.width > 1 ? small_.channels : 0;
     const float* weights = weights_.data();
     const float* others = otherWeights_.data();
@@ -72,3 +88,4 @@ void EnlargedRows::Row(int y, float* scratch, float* row) const {
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

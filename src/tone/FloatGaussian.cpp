@@ -7,55 +7,21 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/SimdTarget.h"
+#include "core/ExactMath.h"
 #include "core/Threads.h"
+#include "tone/GaussianPoles.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/FloatGaussian.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
-/// The half kernel is the real part of amplitude * pole^k, summed over both. Each pole runs by
-/// itself: in one recursion of fourth order the floats would not do for wide kernels.
-struct Pole {
-    float re, im;                    // the pole
-    float amplitudeRe, amplitudeIm;  // scaled so that all weights add up to 1
-    float steadyRe, steadyIm;        // state that a constant 1 leads to
-};
-using Poles = std::array<Pole, 2>;
-
-Poles MakePoles(double sigma) {
-    using Complex = std::complex<double>;
-    constexpr std::array<Complex, 2> kRates = {Complex{-1.783, 0.6318}, Complex{-1.723, 1.997}};
-    constexpr std::array<Complex, 2> kAmplitudes = {Complex{1.680, -3.735},
-                                                    Complex{-0.6803, 0.2598}};
-    Poles poles{};
-    std::array<Complex, 2> rounded;  // as the floats will hold them: the sum is of these
-    double sum = 0;
-    for (std::size_t i = 0; i < poles.size(); ++i) {
-        const Complex pole = std::exp(kRates[i] / sigma);
-        poles[i].re = static_cast<float>(pole.real());
-        poles[i].im = static_cast<float>(pole.imag());
-        rounded[i] = {static_cast<double>(poles[i].re), static_cast<double>(poles[i].im)};
-        sum += (kAmplitudes[i] * (1.0 + rounded[i]) / (1.0 - rounded[i])).real();
-    }
-    for (std::size_t i = 0; i < poles.size(); ++i) {
-        const Complex steady = 1.0 / (1.0 - rounded[i]);
-        poles[i].amplitudeRe = static_cast<float>(kAmplitudes[i].real() / sum);
-        poles[i].amplitudeIm = static_cast<float>(kAmplitudes[i].imag() / sum);
-        poles[i].steadyRe = static_cast<float>(steady.real());
-        poles[i].steadyIm = static_cast<float>(steady.imag());
-    }
-    return poles;
-}
-
-/// Lines run side by side; position p of all of them lies in one row of `kLanes` floats.
-constexpr int kLanes = 48;
-
-struct LaneState {
-    std::array<std::array<float, kLanes>, 2> re, im;
-};
-
 /// From the positions before: sum over k >= 0.
-VELLORAN_SIMD_CLONES
 void StepForward(const Poles& poles, const float* samples, int count, LaneState& state,
                  float* out) {
     const Pole a = poles[0], b = poles[1];
@@ -80,7 +46,6 @@ void StepForward(const Poles& poles, const float* samples, int count, LaneState&
 
 /// From the positions behind: sum over k >= 1, added to what the way forward gave, in place of the
 /// sample.
-VELLORAN_SIMD_CLONES
 void StepBack(const Poles& poles, const float* forward, int count, LaneState& state,
               float* samples) {
     const Pole a = poles[0], b = poles[1];
@@ -132,6 +97,43 @@ void FilterLines(const Poles& poles, float* samples, std::ptrdiff_t stride, int 
         StepBack(poles, forward + std::ptrdiff_t{p} * kLanes, count, state, samples + p * stride);
 }
 
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(FilterLines);
+
+Poles MakePoles(double sigma) {
+    using Complex = std::complex<double>;
+    constexpr std::array<Complex, 2> kRates = {Complex{-1.783, 0.6318}, Complex{-1.723, 1.997}};
+    constexpr std::array<Complex, 2> kAmplitudes = {Complex{1.680, -3.735},
+                                                    Complex{-0.6803, 0.2598}};
+    Poles poles{};
+    std::array<Complex, 2> rounded;  // as the floats will hold them: the sum is of these
+    double sum = 0;
+    for (std::size_t i = 0; i < poles.size(); ++i) {
+        const Complex rate = kRates[i] / sigma;
+        const double size = Exp(rate.real());
+        poles[i].re = static_cast<float>(size * Cos(rate.imag()));
+        poles[i].im = static_cast<float>(size * Sin(rate.imag()));
+        rounded[i] = {static_cast<double>(poles[i].re), static_cast<double>(poles[i].im)};
+        sum += (kAmplitudes[i] * (1.0 + rounded[i]) / (1.0 - rounded[i])).real();
+    }
+    for (std::size_t i = 0; i < poles.size(); ++i) {
+        const Complex steady = 1.0 / (1.0 - rounded[i]);
+        poles[i].amplitudeRe = static_cast<float>(kAmplitudes[i].real() / sum);
+        poles[i].amplitudeIm = static_cast<float>(kAmplitudes[i].imag() / sum);
+        poles[i].steadyRe = static_cast<float>(steady.real());
+        poles[i].steadyIm = static_cast<float>(steady.imag());
+    }
+    return poles;
+}
+
 /// Rows are turned into lanes, filtered and turned back.
 void FilterRows(const Poles& poles, ConstFloatView source, FloatView target, int first, int rows,
                 float* lanes, float* forward) {
@@ -142,7 +144,7 @@ void FilterRows(const Poles& poles, ConstFloatView source, FloatView target, int
             for (int c = 0; c < channels; ++c)
                 lanes[std::ptrdiff_t{x} * kLanes + r * channels + c] = *from++;
     }
-    FilterLines(poles, lanes, kLanes, width, rows * channels, forward);
+    HWY_DYNAMIC_DISPATCH(FilterLines)(poles, lanes, kLanes, width, rows * channels, forward);
     for (int r = 0; r < rows; ++r) {
         float* out = target.Row(first + r).data();
         for (int x = 0; x < width; ++x)
@@ -150,9 +152,6 @@ void FilterRows(const Poles& poles, ConstFloatView source, FloatView target, int
                 *out++ = lanes[std::ptrdiff_t{x} * kLanes + r * channels + c];
     }
 }
-
-/// Samples; below, waking a thread costs more than the work.
-constexpr std::int64_t kWorthThreads = 1 << 14;
 
 void CopyRows(ConstFloatView source, FloatView target) {
     for (int y = 0; y < source.height; ++y)
@@ -172,11 +171,11 @@ void FloatGaussian(ConstFloatView source, float sigma, FloatView target) {
     const auto laneSize = static_cast<std::size_t>(std::max(source.width, source.height)) * kLanes;
     std::vector<std::vector<float>> perThread(static_cast<std::size_t>(MaxThreads()),
                                               std::vector<float>(2 * laneSize));
-    const bool isWorthThreads =
-        std::int64_t{source.width} * source.height * source.channels >= kWorthThreads;
+    const std::int64_t work =  // a sample costs some four times what it does in other loops
+        std::int64_t{4} * source.width * source.height * source.channels;
     const int rowsAtOnce = kLanes / source.channels;
     const int rowGroups = (source.height + rowsAtOnce - 1) / rowsAtOnce;
-#pragma omp parallel for schedule(static) if (isWorthThreads)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(work))
     for (int group = 0; group < rowGroups; ++group) {
         float* lanes = perThread[static_cast<std::size_t>(ThreadNumber())].data();
         const int first = group * rowsAtOnce;
@@ -185,11 +184,13 @@ void FloatGaussian(ConstFloatView source, float sigma, FloatView target) {
     }
     const int samples = source.width * source.channels;
     const int strips = (samples + kLanes - 1) / kLanes;
-#pragma omp parallel for schedule(static) if (isWorthThreads)
+#pragma omp parallel for schedule(static) if (IsWorthThreads(work))
     for (int strip = 0; strip < strips; ++strip)
-        FilterLines(poles, target.first + std::ptrdiff_t{strip} * kLanes, target.stride,
-                    target.height, std::min(kLanes, samples - strip * kLanes),
-                    perThread[static_cast<std::size_t>(ThreadNumber())].data());
+        HWY_DYNAMIC_DISPATCH(FilterLines)
+        (poles, target.first + std::ptrdiff_t{strip} * kLanes, target.stride, target.height,
+         std::min(kLanes, samples - strip * kLanes),
+         perThread[static_cast<std::size_t>(ThreadNumber())].data());
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

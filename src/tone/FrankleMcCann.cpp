@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
 
 #include "core/DibImage.h"
+#include "core/ExactMath.h"
 #include "core/GrayDepth.h"
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
@@ -63,23 +64,21 @@ LogTable MakeLogTable(int high) {
     for (int level = 1; level < 256; ++level)
         table[static_cast<std::size_t>(level)] = static_cast<std::uint16_t>(
             level > high ? kRetinexWhite
-                         : RoundHalf(std::log(static_cast<double>(level)) * 32767.0 /
-                                     std::log(static_cast<double>(high))));
+                         : RoundHalf(Log(static_cast<double>(level)) * 32767.0 /
+                                     Log(static_cast<double>(high))));
     return table;
 }
 
 std::vector<std::uint8_t> MakeLevelTable() {
     std::vector<std::uint8_t> table(kRetinexWhite + 1);
     for (std::size_t i = 0; i < table.size(); ++i)
-        table[i] =
-            ClampToByte(RoundHalf(std::exp(static_cast<double>(i) * std::log(255.0) / 32767.0)));
+        table[i] = ClampToByte(RoundHalf(Exp(static_cast<double>(i) * Log(255.0) / 32767.0)));
     return table;
 }
 
 /// A power of two of half the shorter side or less; 0 for a side of 1.
 int FirstShift(int width, int height) {
-    const int exponent =
-        TruncToInt(std::log(static_cast<double>(std::min(width, height))) / std::log(2.0)) - 1;
+    const int exponent = std::bit_width(static_cast<unsigned>(std::min(width, height))) - 2;
     return exponent < 0 ? 0 : 1 << exponent;
 }
 

@@ -4,17 +4,22 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 
-namespace velloran {
-namespace {
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/FrankleMcCannPasses.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
-constexpr std::uint16_t kWhite = kRetinexWhite;
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
 
 /// No result is below its logarithm, so all of this fits 16 bits without a sign.
 inline std::uint16_t MeetRise(std::uint16_t log, std::uint16_t result, std::uint16_t rise) {
-    const auto reached = std::min(static_cast<std::uint16_t>(log + rise), kWhite);
+    const auto reached =
+        std::min<std::uint16_t>(static_cast<std::uint16_t>(log + rise), kRetinexWhite);
     return static_cast<std::uint16_t>((result + reached + 1) >> 1);
 }
 
@@ -24,13 +29,26 @@ inline std::uint16_t Meet(std::uint16_t log, std::uint16_t result, std::uint16_t
 }
 
 /// Pixels that do not wait for each other: what is written is not read later in the run.
-VELLORAN_SIMD_CLONES
 void MeetRun(const std::uint16_t* log, std::uint16_t* result, const std::uint16_t* otherLog,
              const std::uint16_t* otherResult, int count) {
 #pragma GCC ivdep
     for (int i = 0; i < count; ++i)
         result[i] = Meet(log[i], result[i], otherLog[i], otherResult[i]);
 }
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(MeetRun);
+
+using HWY_NAMESPACE::Meet;
+using HWY_NAMESPACE::MeetRise;
 
 /// From this shift on runs of `shift` pixels are worth a loop of their own.
 constexpr int kLongShift = 16;
@@ -87,22 +105,24 @@ void MeetRowBefore(const RetinexPlanes& planes, int row, int shift) {
     const std::uint16_t* log = planes.logs + std::ptrdiff_t{row} * planes.width;
     std::uint16_t* result = planes.result + std::ptrdiff_t{row} * planes.width;
     for (int x = shift; x < planes.width; x += shift)
-        MeetRun(log + x, result + x, log + x - shift, result + x - shift,
-                std::min(shift, planes.width - x));
+        HWY_DYNAMIC_DISPATCH(MeetRun)
+        (log + x, result + x, log + x - shift, result + x - shift,
+         std::min(shift, planes.width - x));
 }
 
 void MeetRowBehind(const RetinexPlanes& planes, int row, int distance) {
     const std::uint16_t* log = planes.logs + std::ptrdiff_t{row} * planes.width;
     std::uint16_t* result = planes.result + std::ptrdiff_t{row} * planes.width;
-    MeetRun(log, result, log + distance, result + distance, planes.width - distance);
+    HWY_DYNAMIC_DISPATCH(MeetRun)
+    (log, result, log + distance, result + distance, planes.width - distance);
 }
 
 /// Columns first..first + count - 1 of row y with those of the row `shift` before.
 void MeetRowPart(const RetinexPlanes& planes, int y, int shift, int first, int count) {
     const std::ptrdiff_t at = std::ptrdiff_t{y} * planes.width + first;
     const std::ptrdiff_t other = std::ptrdiff_t{y - shift} * planes.width + first;
-    MeetRun(planes.logs + at, planes.result + at, planes.logs + other, planes.result + other,
-            count);
+    HWY_DYNAMIC_DISPATCH(MeetRun)
+    (planes.logs + at, planes.result + at, planes.logs + other, planes.result + other, count);
 }
 
 /// Every distance-th row from `row` on: a chain that no other row has part in, walked in one go
@@ -117,9 +137,8 @@ void MeetRowChain(const RetinexPlanes& planes, int row, int shift, int first, in
 
 constexpr int kStripWidth = 512;
 
-/// Below, waking a thread costs more than the work.
-bool IsWorthThreads(const RetinexPlanes& planes) {
-    return std::int64_t{planes.width} * planes.height >= 1 << 16;
+bool AreWorthThreads(const RetinexPlanes& planes) {
+    return IsWorthThreads(std::int64_t{planes.width} * planes.height);
 }
 
 }  // namespace
@@ -129,13 +148,13 @@ void MeetAlongRows(const RetinexPlanes& planes, int shift) {
         return;
     if (shift > 0 && shift < kLongShift) {
         const int groups = (planes.height + kChains - 1) / kChains;
-#pragma omp parallel for schedule(static) if (IsWorthThreads(planes))
+#pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
         for (int group = 0; group < groups; ++group)
             MeetShortShift(planes, group * kChains,
                            std::min(kChains, planes.height - group * kChains), shift);
         return;
     }
-#pragma omp parallel for schedule(static) if (IsWorthThreads(planes))
+#pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
     for (int row = 0; row < planes.height; ++row) {
         if (shift > 0)
             MeetRowBefore(planes, row, shift);
@@ -149,13 +168,13 @@ void MeetDownColumns(const RetinexPlanes& planes, int shift) {
     if (distance >= planes.height)
         return;
     if (distance >= kLongShift) {
-#pragma omp parallel for schedule(static) if (IsWorthThreads(planes))
+#pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
         for (int row = 0; row < distance; ++row)
             MeetRowChain(planes, row, shift, 0, planes.width);
         return;
     }
     const int strips = (planes.width + kStripWidth - 1) / kStripWidth;
-#pragma omp parallel for schedule(static) if (IsWorthThreads(planes))
+#pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
     for (int strip = 0; strip < strips; ++strip) {
         const int first = strip * kStripWidth;
         const int count = std::min(kStripWidth, planes.width - first);
@@ -166,3 +185,4 @@ void MeetDownColumns(const RetinexPlanes& planes, int shift) {
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

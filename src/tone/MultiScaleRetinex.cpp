@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "core/DibImage.h"
+#include "core/ExactMath.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "filters/FitIntoBox.h"
 #include "imaging/FloatView.h"
@@ -21,8 +21,41 @@
 #include "tone/FloatGaussian.h"
 #include "tone/PixelMapRows.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/MultiScaleRetinex.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+/// A blur of samples from 1 up is no less than 1, save for what the floats lose.
+void AddLogsOfRow(const float* blurred, int count, float* sums) {
+    for (int i = 0; i < count; ++i)
+        sums[i] += LogOfPositive(blurred[i] > 1.0F ? blurred[i] : 1.0F);
+}
+
+void ScaleRow(const float* row, float low, float factor, std::size_t count, std::uint8_t* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const float value = (row[i] - low) * factor + 0.5F;
+        const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
+        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
+    }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace velloran {
 namespace {
+
+HWY_EXPORT(AddLogsOfRow);
+HWY_EXPORT(ScaleRow);
 
 constexpr int kLargestWorkSide = 1500;
 constexpr int kMostScales = 16;
@@ -66,14 +99,13 @@ FloatPlane ReducedSamples(ConstPlaneView pixels, BoxSize size) {
     return plane;
 }
 
-/// A blur of samples from 1 up is no less than 1, save for what the floats lose.
 void AddLogs(ConstFloatView blurred, FloatView sums) {
 #pragma omp parallel for schedule( \
     static) if (IsWorthThreads(std::int64_t{sums.width} * sums.height))
     for (int y = 0; y < sums.height; ++y) {
-        const float* from = blurred.Row(y).data();
-        for (float& sum : sums.Row(y))
-            sum += std::log(std::max(*from++, 1.0F));
+        const std::span<float> row = sums.Row(y);
+        HWY_DYNAMIC_DISPATCH(AddLogsOfRow)
+        (blurred.Row(y).data(), static_cast<int>(row.size()), row.data());
     }
 }
 
@@ -98,7 +130,8 @@ using LogTable = std::array<float, 256>;
 LogTable ScaledLogs(int scaleCount) {
     LogTable table;
     for (std::size_t level = 0; level < table.size(); ++level)
-        table[level] = static_cast<float>(scaleCount) * std::log(static_cast<float>(level) + 1.0F);
+        table[level] =
+            static_cast<float>(scaleCount) * LogOfPositive(static_cast<float>(level) + 1.0F);
     return table;
 }
 
@@ -173,15 +206,6 @@ Spread MeasureSpread(Differences& differences, int height) {
     return {mean, std::sqrt(std::max(total.squares / count - mean * mean, 0.0))};
 }
 
-VELLORAN_SIMD_CLONES
-void ScaleRow(const float* row, float low, float factor, std::size_t count, std::uint8_t* out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const float value = (row[i] - low) * factor + 0.5F;
-        const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
-        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
-    }
-}
-
 void Brighten(PlaneView pixels) {
     const Histogram histogram = CountBytes(pixels);
     const double samples = static_cast<double>(pixels.width) * pixels.height * pixels.channels;
@@ -227,7 +251,8 @@ int MultiScaleRetinex(CDibImage& image, bool brighten, int scale, int scaleCount
         const auto factor = static_cast<float>(255.0 / (2 * reach));
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y)
-            ScaleRow(differences.Row(y), low, factor, differences.RowSize(), pixels.Row(y).data());
+            HWY_DYNAMIC_DISPATCH(ScaleRow)
+            (differences.Row(y), low, factor, differences.RowSize(), pixels.Row(y).data());
         if (brighten)
             Brighten(pixels);
         return 1;
@@ -235,3 +260,4 @@ int MultiScaleRetinex(CDibImage& image, bool brighten, int scale, int scaleCount
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

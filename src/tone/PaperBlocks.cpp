@@ -5,23 +5,20 @@
 #include <cstring>
 
 #include "core/Rounding.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "tone/AutoLevelsCount.h"
 #include "tone/PixelMapRows.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/PaperBlocks.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
-constexpr int kSmallestBlackLevel = 7;
-
-/// Sums down the columns of a row of blocks.
-struct ColumnSums {
-    std::vector<std::uint16_t> sum;  // a block has at most 12 rows
-    std::vector<std::uint32_t> squares;
-};
-
-VELLORAN_SIMD_CLONES
 void AddRow(const std::uint8_t* row, int count, std::uint16_t* sums, std::uint32_t* squares) {
     for (int i = 0; i < count; ++i) {
         const std::uint16_t sample = row[i];
@@ -31,13 +28,33 @@ void AddRow(const std::uint8_t* row, int count, std::uint16_t* sums, std::uint32
     }
 }
 
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(AddRow);
+
+constexpr int kSmallestBlackLevel = 7;
+
+/// Sums down the columns of a row of blocks.
+struct ColumnSums {
+    std::vector<std::uint16_t> sum;  // a block has at most 12 rows
+    std::vector<std::uint32_t> squares;
+};
+
 void SumBlockRow(ConstPlaneView plane, const PaperBlocks& blocks, int row, ColumnSums& columns,
                  BlockSums* out) {
     std::fill(columns.sum.begin(), columns.sum.end(), std::uint16_t{0});
     std::fill(columns.squares.begin(), columns.squares.end(), 0U);
     for (int y = 0; y < blocks.side; ++y)
-        AddRow(plane.Row(row * blocks.side + y).data(), blocks.columns * blocks.side,
-               columns.sum.data(), columns.squares.data());
+        HWY_DYNAMIC_DISPATCH(AddRow)
+        (plane.Row(row * blocks.side + y).data(), blocks.columns * blocks.side, columns.sum.data(),
+         columns.squares.data());
     std::size_t x = 0;
     for (int block = 0; block < blocks.columns; ++block) {
         out[block] = {};
@@ -124,3 +141,4 @@ void MapPaperRow(const PaperTable& table, const std::uint8_t* background, int co
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

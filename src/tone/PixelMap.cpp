@@ -1,8 +1,7 @@
 #include "tone/PixelMap.h"
 
-#include <cmath>
-
 #include "core/DibImage.h"
+#include "core/ExactMath.h"
 #include "core/Rounding.h"
 #include "tone/PixelMapRows.h"
 
@@ -143,10 +142,10 @@ int MapGamma(int gamma, PixelMap& map) {
     if (gamma == 100)
         return 0;
     const double exponent = gamma / 100.0;
-    const double scale = std::pow(255.0, exponent) / 255.0;
+    const double scale = Pow(255.0, exponent) / 255.0;
     PixelMap stage{};
     for (int i = 0; i < 256; ++i)
-        stage[i] = SaturateUnsigned(std::pow(i, exponent) / scale + 0.5);
+        stage[i] = SaturateUnsigned(Pow(i, exponent) / scale + 0.5);
     Compose(stage, map);
     return 1;
 }

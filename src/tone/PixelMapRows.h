@@ -1,12 +1,11 @@
 #pragma once
 
 // The loops under every tone change: samples through 256-byte tables. Where the processor can hold
-// a table in registers, a sample costs a fraction of a table look-up; all ways give the same bytes.
+// a table in registers, a sample costs a fraction of a table look-up.
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "core/PlaneView.h"
 #include "tone/PixelMap.h"
@@ -22,18 +21,10 @@ void MapRows(const PixelMap& map, PlaneView pixels);
 /// The same with a map of its own for each channel; the view has 3 channels.
 void MapChannelRows(const ChannelMaps& maps, PlaneView pixels);
 
-/// A way to run samples through tables, in place.
-struct MapWay {
-    const char* name;
-    bool (*isSupported)();  // by this processor
-    void (*mapBytes)(const PixelMap& map, std::uint8_t* bytes, std::size_t count);
-    void (*mapPixels)(const ChannelMaps& maps, std::uint8_t* bytes, std::size_t pixelCount);
-};
+/// A run of samples, in place.
+void MapBytes(const PixelMap& map, std::uint8_t* bytes, std::size_t count);
 
-/// All ways that this program was built with, the plain loop first, the fastest last.
-std::span<const MapWay> MapWays();
-
-/// The last of them that this processor supports.
-const MapWay& BestMapWay();
+/// A run of 24-bit pixels, in place.
+void MapPixels(const ChannelMaps& maps, std::uint8_t* bytes, std::size_t pixelCount);
 
 }  // namespace velloran

@@ -6,16 +6,55 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "tone/Channels.h"
 #include "tone/PixelMapRows.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/Sepia.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+/// Weights of a row add up to less than 1.4, and 255 times as much leaves 32 bits room.
+inline std::uint8_t Mixed(const std::int32_t* weights, int red, int green, int blue) {
+    const int level = (red * weights[0] + green * weights[1] + blue * weights[2]) >> 20;
+    return static_cast<std::uint8_t>(level < 255 ? level : 255);
+}
+
+/// `matrix` holds the weights of red, of green, of blue.
+void SepiaRow(const std::int32_t* matrix, std::uint8_t* pixel, int width) {
+    for (int x = 0; x < width; ++x) {
+        const int blue = pixel[3 * x], green = pixel[3 * x + 1], red = pixel[3 * x + 2];
+        pixel[3 * x] = Mixed(matrix + 6, red, green, blue);
+        pixel[3 * x + 1] = Mixed(matrix + 3, red, green, blue);
+        pixel[3 * x + 2] = Mixed(matrix, red, green, blue);
+    }
+}
+
+void SepiaGrayRow(const std::int32_t* weights, const std::uint8_t* pixel, int width,
+                  std::uint8_t* out) {
+    for (int x = 0; x < width; ++x)
+        out[x] = Mixed(weights, pixel[3 * x + 2], pixel[3 * x + 1], pixel[3 * x]);
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace velloran {
 namespace {
 
+HWY_EXPORT(SepiaRow);
+HWY_EXPORT(SepiaGrayRow);
+
 constexpr double kOne = 1048576.0;
-constexpr int kShift = 20;
 
 /// Rows make red, green and blue; columns take red, green and blue.
 using Weights = std::array<std::int32_t, 3>;
@@ -36,32 +75,11 @@ Matrix Coefficients(double strength, bool toGray) {
     return matrix;
 }
 
-/// Weights of a row add up to less than 1.4, and 255 times as much leaves 32 bits room.
-std::uint8_t Mixed(const Weights& weights, int red, int green, int blue) {
-    const int sum = red * weights[0] + green * weights[1] + blue * weights[2];
-    return static_cast<std::uint8_t>(std::min(sum >> kShift, 255));
-}
-
-VELLORAN_SIMD_CLONES
-void SepiaRow(const Matrix& matrix, std::uint8_t* pixel, int width) {
-    for (int x = 0; x < width; ++x) {
-        const int blue = pixel[3 * x], green = pixel[3 * x + 1], red = pixel[3 * x + 2];
-        pixel[3 * x] = Mixed(matrix[2], red, green, blue);
-        pixel[3 * x + 1] = Mixed(matrix[1], red, green, blue);
-        pixel[3 * x + 2] = Mixed(matrix[0], red, green, blue);
-    }
-}
-
-VELLORAN_SIMD_CLONES
-void SepiaGrayRow(const Weights& weights, const std::uint8_t* pixel, int width, std::uint8_t* out) {
-    for (int x = 0; x < width; ++x)
-        out[x] = Mixed(weights, pixel[3 * x + 2], pixel[3 * x + 1], pixel[3 * x]);
-}
-
 PixelMap SepiaGrayMap(const Weights& weights) {
     PixelMap map;
     for (int level = 0; level < 256; ++level)
-        map[static_cast<std::size_t>(level)] = Mixed(weights, level, level, level);
+        map[static_cast<std::size_t>(level)] =
+            HWY_NAMESPACE::Mixed(weights.data(), level, level, level);
     return map;
 }
 
@@ -83,7 +101,8 @@ int ToSepiaGray(CDibImage& image, const Matrix& matrix) {
     const PlaneView target = ViewOf(gray);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
     for (int y = 0; y < target.height; ++y)
-        SepiaGrayRow(weights, source.Row(y).data(), target.width, target.Row(y).data());
+        HWY_DYNAMIC_DISPATCH(SepiaGrayRow)
+        (weights.data(), source.Row(y).data(), target.width, target.Row(y).data());
     return image.TakePixels(gray) ? 1 : 0;
 }
 
@@ -93,7 +112,7 @@ int ToSepiaColor(CDibImage& image, const Matrix& matrix) {
     const PlaneView pixels = ViewOf(image);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y)
-        SepiaRow(matrix, pixels.Row(y).data(), pixels.width);
+        HWY_DYNAMIC_DISPATCH(SepiaRow)(matrix[0].data(), pixels.Row(y).data(), pixels.width);
     return 1;
 }
 
@@ -112,3 +131,4 @@ int Sepia(CDibImage& image, double strength, bool toGray) {
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -3,11 +3,39 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "core/SimdTarget.h"
 #include "mcalc/LeastSquares.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "tone/SmoothSurface.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+void EvaluateRow(const float* a, float step, float low, float high, int width,
+                 std::uint8_t* levels) {
+    const float a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3], a4 = a[4];
+    for (int i = 0; i < width; ++i) {
+        const float x = static_cast<float>(i) * step - 1.0F;
+        const float value = (((a4 * x + a3) * x + a2) * x + a1) * x + a0;
+        const float limited = value < low ? low : (value > high ? high : value);
+        levels[i] = static_cast<std::uint8_t>(static_cast<int>(limited + 0.5F));
+    }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace velloran {
 namespace {
+
+HWY_EXPORT(EvaluateRow);
 
 constexpr std::size_t kSamplesPerTerm = 6;
 
@@ -57,18 +85,6 @@ std::vector<double> NormalSolution(const std::vector<SurfaceSample>& samples, in
     return mcalc::leastSquares(std::move(matrix), std::move(rightSide), count, count);
 }
 
-VELLORAN_SIMD_CLONES
-void EvaluateRow(const float* a, float step, float low, float high, int width,
-                 std::uint8_t* levels) {
-    const float a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3], a4 = a[4];
-    for (int i = 0; i < width; ++i) {
-        const float x = static_cast<float>(i) * step - 1.0F;
-        const float value = (((a4 * x + a3) * x + a2) * x + a1) * x + a0;
-        const float limited = value < low ? low : (value > high ? high : value);
-        levels[i] = static_cast<std::uint8_t>(static_cast<int>(limited + 0.5F));
-    }
-}
-
 }  // namespace
 
 SmoothSurface::SmoothSurface(const std::vector<SurfaceSample>& samples) {
@@ -111,8 +127,10 @@ void SmoothSurface::Row(double y, int width, std::uint8_t* levels) const {
     std::array<float, kOrder + 1> terms{};
     for (std::size_t i = 0; i < terms.size(); ++i)
         terms[i] = static_cast<float>(row[i]);
-    EvaluateRow(terms.data(), width > 1 ? 2.0F / static_cast<float>(width - 1) : 0.0F,
-                static_cast<float>(lowest_), static_cast<float>(highest_), width, levels);
+    HWY_DYNAMIC_DISPATCH(EvaluateRow)
+    (terms.data(), width > 1 ? 2.0F / static_cast<float>(width - 1) : 0.0F,
+     static_cast<float>(lowest_), static_cast<float>(highest_), width, levels);
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "core/Rounding.h"
+#include "support/EachForm.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"
 #include "support/Threads.h"
@@ -135,11 +136,9 @@ TEST(FindBleachPoints, WithoutDarkOrLightPixelsThePointsAreWhite) {
     EXPECT_EQ(none.high, 255);
 }
 
-TEST(AutoLevelsLuma, EveryWayGivesTheWeightedSumAtAnyLength) {
-    for (const LumaWay& way : LumaWays()) {
-        if (!way.isSupported())
-            continue;
-        const CDibImage noise = test::Noise(600, 1, 24);
+TEST(AutoLevelsLuma, EveryFormGivesTheWeightedSumAtAnyLength) {
+    const CDibImage noise = test::Noise(600, 1, 24);
+    test::InEachForm([&](const std::string&) {
         for (std::size_t count = 0; count <= 600; ++count) {
             std::vector<std::uint8_t> luma(count + 64, 0xA5), expected = luma;
             for (std::size_t i = 0; i < count; ++i) {
@@ -149,25 +148,42 @@ TEST(AutoLevelsLuma, EveryWayGivesTheWeightedSumAtAnyLength) {
             }
             // The last pixel ends the memory, so that a read beyond it is found.
             const std::vector<std::uint8_t> pixels(noise.GetBits(0), noise.GetBits(0) + 3 * count);
-            way.run(pixels.data(), count, luma.data());
-            ASSERT_EQ(luma, expected) << way.name << ", " << count << " pixels";
+            LumaOfPixels(pixels.data(), count, luma.data());
+            ASSERT_EQ(luma, expected) << count << " pixels";
         }
-    }
+    });
+}
+
+TEST(AutoLevelsLuma, IsExactForEveryColorInEveryForm) {
+    std::vector<std::uint8_t> pixels(3 * 65536), luma(65536);
+    test::InEachForm([&](const std::string&) {
+        for (int red = 0; red < 256; red += 3) {  // 0 and 255 among them
+            for (std::size_t i = 0; i < luma.size(); ++i) {
+                pixels[3 * i] = static_cast<std::uint8_t>(i);
+                pixels[3 * i + 1] = static_cast<std::uint8_t>(i >> 8);
+                pixels[3 * i + 2] = static_cast<std::uint8_t>(red);
+            }
+            LumaOfPixels(pixels.data(), luma.size(), luma.data());
+            for (std::size_t i = 0; i < luma.size(); ++i)
+                ASSERT_EQ(
+                    luma[i],
+                    (601 * (i >> 8) + 306 * static_cast<std::size_t>(red) + 117 * (i & 255)) / 1024)
+                    << i << ", red " << red;
+        }
+    });
 }
 
 TEST(AutoLevelsLuma, IsExactAtTheCornersOfTheColorCube) {
-    for (const LumaWay& way : LumaWays()) {
-        if (!way.isSupported())
-            continue;
+    test::InEachForm([&](const std::string&) {
         std::vector<std::uint8_t> pixels, luma(40);
         for (int i = 0; i < 40; ++i)
             for (int bit = 1; bit <= 4; bit *= 2)
                 pixels.push_back((i & bit) != 0 ? 255 : 0);
-        way.run(pixels.data(), luma.size(), luma.data());
+        LumaOfPixels(pixels.data(), luma.size(), luma.data());
         constexpr int kExpected[] = {0, 29, 149, 178, 76, 105, 225, 255};  // blue, green, red bits
         for (std::size_t i = 0; i < luma.size(); ++i)
-            ASSERT_EQ(luma[i], kExpected[i % 8]) << way.name << ", pixel " << i;
-    }
+            ASSERT_EQ(luma[i], kExpected[i % 8]) << "pixel " << i;
+    });
 }
 
 TEST(AutoLevelsCount, CountsEveryPixelOnceWithAnyNumberOfThreads) {

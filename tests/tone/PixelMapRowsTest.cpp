@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/DibImage.h"
+#include "support/EachForm.h"
 #include "support/Images.h"
 #include "support/Threads.h"
 
@@ -39,50 +40,39 @@ std::vector<std::uint8_t> Guarded(std::size_t count) {
     return bytes;
 }
 
-class PixelMapWays : public testing::TestWithParam<std::size_t> {
- protected:
-    void SetUp() override {
-        if (!Way().isSupported())
-            GTEST_SKIP() << "this processor lacks " << Way().name;
-    }
-    static const MapWay& Way() { return MapWays()[GetParam()]; }
-};
-
-TEST_P(PixelMapWays, GiveEveryByteItsEntryAtAnyLengthAndTouchNoOther) {
+TEST(PixelMapRows, GiveEveryByteItsEntryAtAnyLengthAndTouchNoOther) {
     const PixelMap map = RandomMap(1);
-    for (std::size_t count = 0; count <= 400; ++count) {
-        std::vector<std::uint8_t> actual = Guarded(count), expected = actual;
-        for (std::size_t i = kGuard; i < kGuard + count; ++i)
-            expected[i] = map[expected[i]];
-        Way().mapBytes(map, actual.data() + kGuard, count);
-        ASSERT_EQ(actual, expected) << count << " bytes";
-    }
+    test::InEachForm([&](const std::string&) {
+        for (std::size_t count = 0; count <= 400; ++count) {
+            std::vector<std::uint8_t> actual = Guarded(count), expected = actual;
+            for (std::size_t i = kGuard; i < kGuard + count; ++i)
+                expected[i] = map[expected[i]];
+            MapBytes(map, actual.data() + kGuard, count);
+            ASSERT_EQ(actual, expected) << count << " bytes";
+        }
+    });
 }
 
-TEST_P(PixelMapWays, LookUpAllLevels) {
+TEST(PixelMapRows, LookUpAllLevels) {
     const PixelMap map = RandomMap(2);
-    PixelMap levels = IdentityPixelMap();
-    Way().mapBytes(map, levels.data(), levels.size());
-    EXPECT_EQ(levels, map);
+    test::InEachForm([&](const std::string&) {
+        PixelMap levels = IdentityPixelMap();
+        MapBytes(map, levels.data(), levels.size());
+        EXPECT_EQ(levels, map);
+    });
 }
 
-TEST_P(PixelMapWays, GiveEveryChannelItsOwnTableAtAnyLength) {
+TEST(PixelMapRows, GiveEveryChannelItsOwnTableAtAnyLength) {
     const ChannelMaps maps{RandomMap(3), RandomMap(4), RandomMap(5)};
-    for (std::size_t pixels = 0; pixels <= 400; ++pixels) {
-        std::vector<std::uint8_t> actual = Guarded(pixels * 3), expected = actual;
-        for (std::size_t i = 0; i < pixels * 3; ++i)
-            expected[kGuard + i] = maps[i % 3][expected[kGuard + i]];
-        Way().mapPixels(maps, actual.data() + kGuard, pixels);
-        ASSERT_EQ(actual, expected) << pixels << " pixels";
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Ways, PixelMapWays, testing::Range(std::size_t{0}, MapWays().size()),
-                         [](const auto& way) { return std::string(MapWays()[way.param].name); });
-
-TEST(PixelMapRows, ThePlainLoopServesEveryProcessor) {
-    EXPECT_TRUE(MapWays().front().isSupported());
-    EXPECT_TRUE(BestMapWay().isSupported());
+    test::InEachForm([&](const std::string&) {
+        for (std::size_t pixels = 0; pixels <= 400; ++pixels) {
+            std::vector<std::uint8_t> actual = Guarded(pixels * 3), expected = actual;
+            for (std::size_t i = 0; i < pixels * 3; ++i)
+                expected[kGuard + i] = maps[i % 3][expected[kGuard + i]];
+            MapPixels(maps, actual.data() + kGuard, pixels);
+            ASSERT_EQ(actual, expected) << pixels << " pixels";
+        }
+    });
 }
 
 TEST(PixelMapRows, AreTheSameWithAnyNumberOfThreads) {
