@@ -16,6 +16,7 @@
 #include "batch/FoundValues.h"
 #include "batch/RunLog.h"
 #include "batch/TargetFolders.h"
+#include "codecs/Formats.h"
 #include "core/FreeMemory.h"
 #include "core/ProcessorCount.h"
 #include "files/ProgramPlaces.h"

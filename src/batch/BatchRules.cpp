@@ -1,8 +1,8 @@
 #include "batch/BatchRules.h"
 
 #include <algorithm>
-#include <array>
 
+#include "codecs/Formats.h"
 #include "params/ParaBlock.h"
 #include "params/TargetRule.h"
 #include "text/Labels.h"
@@ -11,23 +11,6 @@ namespace velloran {
 
 namespace {
 
-constexpr std::array<std::u16string_view, kSourceFilterCount> kSourceFilters = {
-    u"*.jpg;*.jpeg;*.gif;*.ufo;*.bmp;*.png;*.tif;*.tiff;*.wmf;*.jpf;*.jpx;*.jp2;*.j2k;*.jpc;"
-    u"*.j2c;*.webp;*.nef;*.crw;*.cr2;*.dng",
-    u"*.jpg;*.jpeg",
-    u"*.gif",
-    u"*.ufo",
-    u"*.bmp;*.dib",
-    u"*.png",
-    u"*.tif;*.tiff",
-    u"*.wmf;*.emf",
-    u"*.jpf;*.jpx;*.jp2;*.j2k;*.jpc;*.j2c;",
-    u"*.webp",
-    u"*.nef;*.crw;*.cr2;*.dng",
-};
-
-constexpr std::array<std::u16string_view, 5> kReducedExtensions = {u"png", u"gif", u"webp", u"bmp",
-                                                                   u"tif"};
 constexpr int kKeepColor = 2;  // the last depth that is no reduction
 constexpr int kMaxDpi = 8000;
 
@@ -38,14 +21,8 @@ int PositionOf(TargetFormat format) {
 
 }  // namespace
 
-std::u16string_view SourceFilter(int position) {
-    if (position < 0 || position >= kSourceFilterCount)
-        return {};
-    return kSourceFilters[static_cast<std::size_t>(position)];
-}
-
 bool Is16BitColor(int color) {
-    return color == 18 || color == 19;
+    return color == kColorIndex565 || color == kColorIndex555;
 }
 
 BatchTarget ReadBatchTarget(const CParaBlock& block) {
@@ -69,9 +46,9 @@ std::u16string_view RefuseTarget(const BatchTarget& target) {
         return {};
     if (Is16BitColor(target.color) && target.extension != TargetExtension(TargetFormat::kBmp))
         return labels::kBmpOnlyFor16Bit;
-    const bool takesReduced = std::find(kReducedExtensions.begin(), kReducedExtensions.end(),
-                                        target.extension) != kReducedExtensions.end();
-    if (target.color > kKeepColor && !takesReduced)
+    const Format* format =
+        FormatOfTarget(ExtensionChoices()[static_cast<std::size_t>(target.extensionPosition)]);
+    if (target.color > kKeepColor && !(format != nullptr && format->Has(Format::kReducedTarget)))
         return labels::kReducedOnlyPng;
     return {};
 }

@@ -10,10 +10,6 @@ namespace velloran {
 
 class CParaBlock;
 
-/// Extensions of the file type list by position (PARA_SRC_FILES); empty outside 0..10.
-std::u16string_view SourceFilter(int position);
-inline constexpr int kSourceFilterCount = 11;
-
 /// How the results of a run are named and written; read from a block once, at the start.
 struct BatchTarget {
     int extensionPosition = 0;      // in the list of target extensions; 0 is automatic

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "batch/BatchEngine.h"
-#include "batch/BatchRules.h"
 #include "cli/Arguments.h"
 #include "cli/ByteSize.h"
 #include "cli/Commands.h"
@@ -21,6 +20,7 @@
 #include "cli/ParameterOptions.h"
 #include "cli/ProcessUsage.h"
 #include "cli/StopSignal.h"
+#include "codecs/Formats.h"
 #include "core/PixelMemory.h"
 #include "params/ParaBlock.h"
 #include "params/TargetRule.h"
@@ -249,7 +249,7 @@ void AddFileOptions(CLI::App& command, BatchOptions& options) {
         .add_option("--files", options.files,
                     "Which sources: position in the list of file types, 0 for all")
         ->type_name("N")
-        ->check(CLI::Range(0, kSourceFilterCount - 1));
+        ->check(CLI::Range(0, SourceFilterCount() - 1));
     command.add_flag("--no-recurse", options.noRecurse, "Leave out subfolders");
     command.add_flag("--skip-colour,--skip-color", options.skipColor,
                      "Copy colour pages as they are");

@@ -4,11 +4,14 @@
 // loader knew of the file.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "core/BaseImage.h"
 
 namespace velloran {
+
+struct JpegSourceHead;
 
 /// What the loader tells of the file that an image came from.
 struct ImageSource {
@@ -17,6 +20,8 @@ struct ImageSource {
     std::uint32_t sourceFlag = 0;  // set by a loader; 0 for images that were built
     std::string sourceName;        // path, as the bytes of the disk
     std::uint32_t sourceInfo = 0;  // file type id of sourceName
+    /// What a new JPEG may inherit of the source; null where that is no JPEG.
+    std::shared_ptr<const JpegSourceHead> jpegHead;
 };
 
 class CDibImage : public CBaseImage {

@@ -1,7 +1,7 @@
 #include "files/AutoExtension.h"
 
+#include "codecs/Formats.h"
 #include "core/DibImage.h"
-#include "files/FileType.h"
 #include "params/TargetRule.h"
 
 namespace velloran {
@@ -28,22 +28,14 @@ bool IsGrayOrTrueColor(const CDibImage& image) {
     return image.GetBpp() == 24 || (image.GetBpp() == 8 && image.IsGrayScale());
 }
 
-bool SuitsSourceType(const CDibImage& image, int sourceType) {
-    switch (sourceType) {
-        case kTypeJpeg:
-        case kTypeJ2k:
-        case kTypeJp2:
-            return IsGrayOrTrueColor(image);
-        case kTypeGif:
-            return image.GetBpp() <= 8;
-        case kTypeBmp:
-        case kTypePng:
-        case kTypeTiff:
-        case kTypeWebp:
-            return true;
-        default:
-            return false;
-    }
+bool SuitsSourceType(const CDibImage& image, const std::filesystem::path& path) {
+    const Format* format = FormatOfName(path.extension().native());
+    if (format == nullptr)
+        return false;
+    const bool isGray = image.GetBpp() == 8 && image.IsGrayScale();
+    return format->Has(image.GetBpp() == 24 ? Format::kHoldsColor
+                       : isGray             ? Format::kHoldsGray
+                                            : Format::kHoldsPalette);
 }
 
 }  // namespace
@@ -65,7 +57,7 @@ std::string SameAsSourceExtension(const CDibImage& image, const std::filesystem:
                                   bool gifFlag) {
     if (gifFlag && image.GetBpp() <= 8)
         return ".gif";
-    if (SuitsSourceType(image, FileTypeOfExtension(sourcePath)))
+    if (SuitsSourceType(image, sourcePath))
         return sourcePath.extension().native();
     if (image.IsBW())
         return ".tif";

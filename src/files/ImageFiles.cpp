@@ -20,8 +20,6 @@ namespace velloran {
 
 namespace {
 
-constexpr int kColor565 = 18, kColor555 = 19;  // positions in the list of colour depths
-
 /// Runs a reader or writer; memory that runs out outside a library's adapter is a failure too.
 template <typename Work>
 bool FailWhenOutOfMemory(FileError* error, Work&& work) {
@@ -113,8 +111,8 @@ bool SaveBmpAtDepth(const std::filesystem::path& path, CDibImage& image, int dpi
                     FileError* error) {
     image.SetXDpi(dpi);
     image.SetYDpi(dpi);
-    if (colourIndex == kColor565 || colourIndex == kColor555)
-        return SaveBmp16(path, image, /*is565=*/colourIndex == kColor565, error);
+    if (colourIndex == kColorIndex565 || colourIndex == kColorIndex555)
+        return SaveBmp16(path, image, /*is565=*/colourIndex == kColorIndex565, error);
     return SaveBmp(path, image, error);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "codecs/Formats.h"
 #include "core/DibImage.h"
 #include "files/FileType.h"
 #include "files/ImageFiles.h"
@@ -16,8 +17,7 @@ namespace velloran {
 
 namespace {
 
-constexpr int kColor565 = 18, kColor555 = 19;  // positions in the list of colour depths
-constexpr int kLastUnreduced = 2;              // 0, 1 and 2 reduce nothing
+constexpr int kLastUnreduced = 2;  // 0, 1 and 2 reduce nothing
 
 SaveResult Refused(std::u16string_view message) {
     return {SaveOutcome::kRefused, message, {}};
@@ -43,9 +43,12 @@ int SaveDpi(const CParaBlock& block) {
 std::u16string_view RefusalOfDepth(const std::filesystem::path& target, int colourIndex) {
     if (colourIndex >= 0 && colourIndex <= kLastUnreduced)
         return {};
-    if (colourIndex == kColor565 || colourIndex == kColor555)
-        return FileTypeOfExtension(target) == kTypeBmp ? std::u16string_view()
-                                                       : labels::kBmpOnlyFor16Bit.Text();
+    if (colourIndex == kColorIndex565 || colourIndex == kColorIndex555) {
+        const Format* format = FormatOfName(target.extension().native());
+        return format != nullptr && format->Has(Format::kHolds16Bit)
+                   ? std::u16string_view()
+                   : labels::kBmpOnlyFor16Bit.Text();
+    }
     return IsColourReducedTarget(target) ? std::u16string_view() : labels::kReducedTargets.Text();
 }
 
@@ -93,27 +96,10 @@ std::filesystem::path JpegNameFor(const std::filesystem::path& path) {
 }
 
 std::u16string_view FirstSaveExtension(int sourceType, int colourIndex) {
-    switch (sourceType) {
-        case kTypeBmp:
-            return u"bmp";
-        case kTypePng:
-            return u"png";
-        case kTypeTiff:
-            return u"tif";
-        case kTypeGif:
-            return u"gif";
-        case kTypeJ2k:
-        case kTypeJp2:
-            if (colourIndex <= kLastUnreduced)
-                return u"jp2";
-            break;
-        case kTypeJpeg:
-            if (colourIndex <= kLastUnreduced)
-                return u"jpg";
-            break;
-        default:
-            break;
-    }
+    const Format* format = FindFormat(sourceType);
+    if (format != nullptr && !format->firstSave.empty() &&
+        (format->Has(Format::kReducedTarget) || colourIndex <= kLastUnreduced))
+        return format->firstSave;
     if (colourIndex == 7)  // black and white
         return u"tif";
     return colourIndex >= 3 && colourIndex <= 17 ? u"gif" : u"jpg";

@@ -160,7 +160,7 @@ void AtomicFile::Abandon() {
 bool AtomicFile::CheckTarget(FileError* error) {
     file_ = target_;
     if (!file_.has_filename())
-        return FailStorage(error, "cannot write: names no file");
+        return FailStorage(error, "cannot write: names no file", FileReason::kIsFolder);
     if (!FollowLinks(file_))
         return FailTarget(error, "cannot open");
     struct stat status {};
@@ -171,9 +171,9 @@ bool AtomicFile::CheckTarget(FileError* error) {
         return true;
     }
     if (S_ISDIR(status.st_mode))
-        return FailStorage(error, "cannot write: is a folder");
+        return FailStorage(error, "cannot write: is a folder", FileReason::kIsFolder);
     if (!S_ISREG(status.st_mode))
-        return FailStorage(error, "cannot write: is no plain file");
+        return FailStorage(error, "cannot write: is no plain file", FileReason::kNotPlainFile);
     if (faccessat(AT_FDCWD, file_.c_str(), W_OK, AT_EACCESS) != 0)
         return FailErrno(error, "cannot write");
     replaces_ = true;
@@ -211,6 +211,42 @@ bool AtomicFile::Write(const void* data, std::size_t size) {
     if (std::fwrite(data, 1, size, stream_) != size)
         NoteFailure();
     return !failed_;
+}
+
+bool AtomicFile::Seek(std::uint64_t position) {
+    if (failed_ || stream_ == nullptr)
+        return false;
+    errno = 0;
+    if (::fseeko(stream_, static_cast<off_t>(position), SEEK_SET) != 0)
+        NoteFailure();
+    return !failed_;
+}
+
+std::uint64_t AtomicFile::Position() const {
+    const off_t position = stream_ != nullptr ? ::ftello(stream_) : 0;
+    return static_cast<std::uint64_t>(std::max<off_t>(position, 0));
+}
+
+std::uint64_t AtomicFile::Size() const {
+    if (stream_ == nullptr)
+        return 0;
+    const off_t position = ::ftello(stream_);
+    if (::fseeko(stream_, 0, SEEK_END) != 0)
+        return 0;
+    const off_t size = ::ftello(stream_);
+    ::fseeko(stream_, position, SEEK_SET);
+    return static_cast<std::uint64_t>(std::max<off_t>(size, 0));
+}
+
+std::size_t AtomicFile::Read(void* data, std::size_t size) {
+    return stream_ != nullptr ? std::fread(data, 1, size, stream_) : 0;
+}
+
+bool AtomicFile::FailWrite(FileError* error) {
+    if (errnoOfFailure_ == 0)
+        return FailStorage(error, "cannot write: not all could be written");
+    errno = errnoOfFailure_;
+    return FailErrno(error, "cannot write");
 }
 
 void AtomicFile::NoteFailure() {
@@ -266,10 +302,7 @@ bool AtomicFile::Commit(FileError* error) {
     Abandon();
     if (published)
         return true;
-    if (errnoOfFailure_ == 0)
-        return FailStorage(error, "cannot write: not all could be written");
-    errno = errnoOfFailure_;
-    return FailErrno(error, "cannot write");
+    return FailWrite(error);
 }
 
 }  // namespace velloran

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "batch/FoundValues.h"
+#include "codecs/Formats.h"
 #include "files/TargetNames.h"
 #include "params/ParaBlock.h"
 #include "support/TempFolder.h"
@@ -35,14 +36,6 @@ TEST(TargetNames, OnlyALaterDotOpensAnExtension) {
     EXPECT_EQ(parts(".png"), ".png|");
     EXPECT_EQ(parts("a"), "a|");
     EXPECT_EQ(parts("a."), "a|.");
-}
-
-TEST(BatchRules, TheFileTypeListHasElevenEntries) {
-    EXPECT_EQ(SourceFilter(1), u"*.jpg;*.jpeg");
-    EXPECT_EQ(SourceFilter(8), u"*.jpf;*.jpx;*.jp2;*.j2k;*.jpc;*.j2c;");
-    EXPECT_EQ(SourceFilter(10), u"*.nef;*.crw;*.cr2;*.dng");
-    EXPECT_EQ(SourceFilter(11), u"");
-    EXPECT_EQ(SourceFilter(-1), u"");
 }
 
 struct RefusalCase {
