@@ -13,7 +13,6 @@
 #include "batch/BatchRules.h"
 #include "batch/BatchWorkers.h"
 #include "batch/ConvertFile.h"
-#include "batch/FoundValues.h"
 #include "batch/RunLog.h"
 #include "batch/TargetFolders.h"
 #include "codecs/Formats.h"
@@ -23,6 +22,7 @@
 #include "files/ReplaceRules.h"
 #include "files/TargetNames.h"
 #include "params/ParaBlock.h"
+#include "pipeline/FoundValues.h"
 #include "text/Labels.h"
 #include "text/Text.h"
 
@@ -255,7 +255,7 @@ class BatchRun {
         workers.memory = request_.memory > 0 ? request_.memory : FreeMemory();
         convert.isAlone = shares.workers == 1;
         workers.begin = [&](std::size_t i) { return BeginFile(convert, plan_.At(i)); };
-        workers.needsAlone = [this] { return HasValuesToFind(block_); };
+        workers.needsAlone = [this] { return HasValuesToFind(block_.GetValues()); };
         workers.deliver = [this](std::size_t i, FileOutcome outcome) {
             Take(plan_.At(i), std::move(outcome));
         };

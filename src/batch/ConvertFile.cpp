@@ -1,6 +1,7 @@
 #include "batch/ConvertFile.h"
 
 #include <exception>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "files/TargetNames.h"
 #include "params/ParaBlock.h"
 #include "params/TargetRule.h"
+#include "pipeline/Run.h"
 #include "reduce/CheckGray.h"
 #include "text/Labels.h"
 #include "text/Text.h"
@@ -59,7 +61,7 @@ class Conversion {
         outcome_.failedPath = path;
         outcome_.logRow = row;
         outcome_.error = std::move(error);
-        outcome_.writeFailed = row == kLogWriteFailed;
+        outcome_.writeFailed = row == kLogWriteFailed || row == kLogOutOfMemory;
         return false;
     }
 
@@ -139,13 +141,27 @@ class Conversion {
     }
 
     bool Enhance() {
-        const auto isStopped = [](void* context) {
-            return static_cast<const Conversion*>(context)->IsStopped() ? 1 : 0;
-        };
-        request_.block->RunPipeline(
-            &image_, isStopped, this, [this](std::u16string_view label) { Stage(label); },
-            kStopWhole, nullptr);
-        return !IsStopped();
+        RunRequest run;
+        run.image = &image_;
+        run.settings = request_.block->GetSettings();
+        run.cancel = CancelToken(*request_.stop);
+        run.label = [this](std::u16string_view label) { Stage(label); };
+        run.deskewEdge = run.settings[PARA_DESKEW_EDGE];
+        const RunReport report = velloran::Run(run);
+        report.found.ApplyTo(*request_.block);
+        return report.end == RunEnd::kDone && IsWhole(report);
+    }
+
+    bool IsWhole(const RunReport& report) {
+        if (report.IsWhole())
+            return true;
+        FileError error;
+        if (report.Worst() == StepResult::kNoMemory) {
+            FailStorage(&error, report.Detail(), FileReason::kNoMemory);
+            return Fail(file_.source, kLogOutOfMemory, std::move(error));
+        }
+        FailContent(&error, report.Detail());
+        return Fail(file_.source, kLogConversionFailed, std::move(error));
     }
 
     bool Save() {
@@ -175,6 +191,19 @@ class Conversion {
     bool keepTimes_ = true;
 };
 
+/// What an exception made of a file; nothing of what was known before it counts.
+FileOutcome FailedBy(const PlannedFile& file, int row, FileError::Cause cause, const char* detail) {
+    FileOutcome outcome;
+    outcome.end = FileOutcome::End::kFailed;
+    outcome.failedPath = file.source;
+    outcome.logRow = row;
+    outcome.writeFailed = cause == FileError::Cause::kStorage;
+    outcome.error = {cause, detail, FileReason::kUnknown};
+    if (row == kLogOutOfMemory)
+        outcome.error.reason = FileReason::kNoMemory;
+    return outcome;
+}
+
 }  // namespace
 
 PageWork BeginFile(const ConvertRequest& request, const PlannedFile& file) {
@@ -186,12 +215,11 @@ PageWork BeginFile(const ConvertRequest& request, const PlannedFile& file) {
         FileOutcome outcome;
         try {
             Conversion(request, file, status, outcome).Run();
+        } catch (const std::bad_alloc&) {
+            return FailedBy(file, kLogOutOfMemory, FileError::Cause::kStorage, "out of memory");
         } catch (const std::exception& failure) {
-            outcome = FileOutcome();
-            outcome.end = FileOutcome::End::kFailed;
-            outcome.failedPath = file.source;
-            outcome.logRow = kLogOutOfMemory;
-            outcome.error = {FileError::Cause::kContent, failure.what()};
+            return FailedBy(file, kLogConversionFailed, FileError::Cause::kContent,
+                            failure.what());
         }
         return outcome;
     };

@@ -19,12 +19,18 @@ std::chrono::milliseconds DrawWait() {
     return std::chrono::milliseconds(wait(seed));
 }
 
-int IsThreadStopping(void* thread) {
-    return static_cast<const CSafeThread*>(thread)->IsStopRequested() ? 1 : 0;
+bool IsThreadStopping(const void* thread) {
+    return static_cast<const CSafeThread*>(thread)->IsStopRequested();
 }
 
-void RunWholePipeline(CDibImage& image, CParaBlock& block, CancelFunction cancel, void* context) {
-    block.RunPipeline(&image, cancel, context, LabelFunction(), kStopWhole, nullptr);
+RunReport RunWholePipeline(CDibImage& image, const Settings& settings, CancelToken cancel) {
+    RunRequest request;
+    request.image = &image;
+    request.settings = settings;
+    request.mode = RunMode::kPreview;
+    request.cancel = cancel;
+    request.deskewEdge = settings[PARA_DESKEW_EDGE];
+    return velloran::Run(request);
 }
 
 }  // namespace
@@ -56,19 +62,25 @@ std::uint32_t PreviewLoop::Loop() {
     return 0;
 }
 
-/// False when the loop is to end. A page that memory does not hold is left out.
+/// False when the loop is to end.
 bool PreviewLoop::RunOnce() {
+    CDibImage copy;
+    RunReport report;
     try {
-        CDibImage copy;
         if (!source_(copy))
             return true;
-        run_(copy, wanted_, IsThreadStopping, static_cast<CSafeThread*>(&thread_));
-        // The last test before the delivery: behind it the window may wait for this thread.
-        if (thread_.IsStopRequested())
-            return false;
-        deliver_(copy);
+        const CancelToken cancel(IsThreadStopping, static_cast<const CSafeThread*>(&thread_));
+        report = run_(copy, applied_.GetSettings(), cancel);
+        report.found.ApplyTo(wanted_);
+        report.found.ApplyTo(applied_);
     } catch (const std::bad_alloc&) {
+        copy.Destroy();
+        report.NotePage(StepResult::kNoMemory);
     }
+    // The last test before the delivery: behind it the window may wait for this thread.
+    if (thread_.IsStopRequested())
+        return false;
+    deliver_(copy, report);
     return true;
 }
 

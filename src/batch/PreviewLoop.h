@@ -7,7 +7,7 @@
 #include <functional>
 
 #include "batch/SafeThread.h"
-#include "core/Pipeline.h"
+#include "pipeline/Run.h"
 
 namespace velloran {
 
@@ -19,14 +19,16 @@ class PreviewLoop {
     /// Copies the document's image into an empty one, on the worker; false when there is none.
     using Source = std::function<bool(CDibImage& copy)>;
     /// Takes a result over (Transfer, or a copy), on the worker; when it returns, the result goes.
-    /// A window that is told by a synchronous call must not Stop from inside that call.
-    using Deliver = std::function<void(CDibImage& result)>;
-    /// What is run on the copy; the whole pipeline without labels where none is given.
-    using Run = std::function<void(CDibImage& image, CParaBlock& block, CancelFunction cancel,
-                                   void* context)>;
+    /// A report that is not whole wants a note beside the picture: not all was done to it. Where
+    /// memory did not even hold the copy the result is empty. A window that is told by a
+    /// synchronous call must not Stop from inside that call.
+    using Deliver = std::function<void(CDibImage& result, const RunReport& report)>;
+    /// What is run on the copy; the whole pipeline as a preview where none is given.
+    using Run =
+        std::function<RunReport(CDibImage& image, const Settings& settings, CancelToken cancel)>;
 
     /// `wanted` is the block that the user edits, `applied` the one of the image on screen. Both
-    /// must outlive the loop; the pipeline may write what it finds into `wanted`.
+    /// must outlive the loop; what a run finds is written into both.
     PreviewLoop(Source source, CParaBlock& wanted, CParaBlock& applied, Deliver deliver,
                 Run run = {});
     /// Stops.

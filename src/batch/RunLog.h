@@ -11,7 +11,12 @@
 namespace velloran {
 
 /// Rows of labels::kLogRows that a batch run writes.
-enum LogRow : int { kLogWriteFailed = 2, kLogReadFailed = 3, kLogOutOfMemory = 6 };
+enum LogRow : int {
+    kLogWriteFailed = 2,
+    kLogReadFailed = 3,
+    kLogOutOfMemory = 6,
+    kLogConversionFailed = 25,
+};
 
 class RunLog {
  public:

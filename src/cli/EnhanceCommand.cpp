@@ -46,7 +46,7 @@ int FailedStatus(const FileError& error) {
 SaveRun RunOf(const EnhanceOptions& options) {
     SaveRun run;
     run.stop = options.stop;
-    run.cancel = [](void*) { return StopFlag().load() ? 1 : 0; };
+    run.cancel = CancelToken(StopFlag());
     run.isPreview = options.preview;
     if (options.verbose)
         run.label = [](std::u16string_view label) { PrintNote(ToUtf8(label)); };

@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "core/StepContext.h"
+
 namespace velloran {
 namespace {
 
@@ -42,9 +44,12 @@ int GrayOfIndex(int index, int count) {
     return index * (255 / (count - 1));
 }
 
-/// A new plane, or null without memory.
+/// A new plane; without memory null, and a note of it.
 PixelBuffer TryPlane(std::size_t bytes) {
-    return PixelBuffer(static_cast<std::uint8_t*>(AllocatePixels(bytes)));
+    PixelBuffer plane(static_cast<std::uint8_t*>(AllocatePixels(bytes)));
+    if (plane == nullptr)
+        NoteOutOfMemory();
+    return plane;
 }
 
 /// Files hold whole rows, so what lies behind the last pixel must not be left to chance.
@@ -165,6 +170,7 @@ void* CBaseImage::Create(int width, int height, int bpp, std::uint32_t type) {
     if (blockBytes <= kLargestBlock)
         dib_ = static_cast<std::uint8_t*>(AllocatePixels(blockBytes));
     if (dib_ == nullptr) {
+        NoteOutOfMemory();
         fields_.lastError = kNoMemory;
         return nullptr;
     }
@@ -441,6 +447,7 @@ bool CBaseImage::AddLayer(std::unique_ptr<CBaseImage> layer) {
     try {
         layers_.push_back(std::move(layer));
     } catch (const std::bad_alloc&) {
+        NoteOutOfMemory();
         return false;
     }
     layers_.back()->parent_ = this;

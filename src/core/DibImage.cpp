@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include "core/StepContext.h"
+
 namespace velloran {
 
 CDibImage::CDibImage(const CDibImage& source) : CBaseImage(source) {
@@ -26,6 +28,7 @@ void CDibImage::CopySource(const CDibImage& source) {
     try {
         source_ = source.source_;
     } catch (const std::bad_alloc&) {  // the name's text
+        NoteOutOfMemory();
         Destroy();
     }
 }

@@ -7,6 +7,7 @@
 
 #include "core/BaseImage.h"
 #include "core/IndexRows.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "core/TransposePixels.h"
 
@@ -148,7 +149,9 @@ PixelBuffer TurnedPlane(const std::uint8_t* plane, int width, int height, bool l
         return nullptr;
     PixelBuffer turned(static_cast<std::uint8_t*>(
         AllocatePixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height))));
-    if (turned != nullptr)
+    if (turned == nullptr)
+        NoteOutOfMemory();
+    else
         TurnRows({plane, width, height, width}, 8, turned.get(), height, left);
     return turned;
 }

@@ -1,6 +1,7 @@
 #include "files/SaveRules.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "codecs/Formats.h"
 #include "core/DibImage.h"
@@ -9,6 +10,7 @@
 #include "io/Leftovers.h"
 #include "params/ParaBlock.h"
 #include "params/TargetRule.h"
+#include "pipeline/Run.h"
 #include "text/Labels.h"
 #include "text/PathText.h"
 #include "text/Text.h"
@@ -23,15 +25,36 @@ SaveResult Refused(std::u16string_view message) {
     return {SaveOutcome::kRefused, message, {}};
 }
 
-/// False when the run was stopped.
-bool RunForSave(CDibImage& image, CParaBlock& block, const SaveRun& run) {
-    LabelFunction label = run.label;
-    if (run.isPreview)
-        label = nullptr;
-    else if (!label)
-        label = [](std::u16string_view) {};  // told nothing, but no preview
-    block.RunPipeline(&image, run.cancel, run.context, label, run.stop, nullptr);
-    return run.cancel == nullptr || run.cancel(run.context) == 0;
+constexpr int kOutOfMemory = 6, kConversionFailed = 25;  // positions in labels::kLogRows
+
+RunReport RunForSave(CDibImage& image, CParaBlock& block, const SaveRun& run) {
+    RunRequest request;
+    request.image = &image;
+    request.settings = block.GetSettings();
+    request.mode = run.isPreview ? RunMode::kPreview : RunMode::kFull;
+    request.stop = run.stop;
+    request.cancel = run.cancel;
+    if (!run.isPreview)
+        request.label = run.label;
+    request.deskewEdge = request.settings[PARA_DESKEW_EDGE];
+    RunReport report = Run(request);
+    report.found.ApplyTo(block);
+    return report;
+}
+
+SaveResult OutOfMemory(std::string detail) {
+    SaveResult result{SaveOutcome::kFailed, labels::kLogRows[kOutOfMemory], {}};
+    FailStorage(&result.error, std::move(detail), FileReason::kNoMemory);
+    return result;
+}
+
+/// What a run says that is not whole: nothing is written.
+SaveResult Unfinished(const RunReport& report) {
+    if (report.Worst() == StepResult::kNoMemory)
+        return OutOfMemory(report.Detail());
+    SaveResult result{SaveOutcome::kFailed, labels::kLogRows[kConversionFailed], {}};
+    FailContent(&result.error, report.Detail());
+    return result;
 }
 
 }  // namespace
@@ -68,12 +91,13 @@ SaveResult SaveDocument(const std::filesystem::path& target, const CDibImage& im
     CDibImage copy;
     if (image.IsValid()) {
         copy = image;
-        if (!copy.IsValid()) {
-            FailContent(&failed.error, "out of memory");
-            return failed;
-        }
-        if (!RunForSave(copy, block, run))
+        if (!copy.IsValid())
+            return OutOfMemory("out of memory");
+        const RunReport report = RunForSave(copy, block, run);
+        if (report.end == RunEnd::kCancelled || run.cancel.IsCancelled())
             return {SaveOutcome::kStopped, {}, {}};
+        if (!report.IsWhole())
+            return Unfinished(report);
         if (const std::u16string_view message = RefusalOfResult(target, copy); !message.empty())
             return Refused(message);
     }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/CancelToken.h"
 #include "core/Pipeline.h"
 #include "io/FileError.h"
 
@@ -29,8 +30,7 @@ std::u16string_view RefusalOfResult(const std::filesystem::path& target, const C
 /// How the pipeline runs for a save; the labels are told to nobody where none are given.
 struct SaveRun {
     int stop = kStopWhole;
-    CancelFunction cancel = nullptr;
-    void* context = nullptr;
+    CancelToken cancel;
     LabelFunction label;
     bool isPreview = false;  // runs without labels, so that colours are only made to look reduced
 };

@@ -190,15 +190,18 @@ int AdjustSharpen(CDibImage& image, int percent, int size) {
     const auto sigma = static_cast<float>((static_cast<double>(percent) + 3) / 10.0);
     const HighPass filter = MakeHighPass(sigma, side);
     const PlaneView pixels = ViewOf(image);
-    const auto run = [&](void (*sharpen)(PlaneView, const HighPass&)) {
-        return RefuseWhenOutOfMemory([&] {
-            sharpen(pixels, filter);
-            return 1;
-        });
-    };
-    if (run(SharpenWhole) != 0)
+    const auto whole = [&] {
+        SharpenWhole(pixels, filter);
         return 1;
-    return pixels.channels == 3 ? run(SharpenByChannel) : 0;
+    };
+    if (pixels.channels != 3)
+        return RefuseWhenOutOfMemory(whole);
+    if (TryWithinMemory(whole) != 0)
+        return 1;
+    return RefuseWhenOutOfMemory([&] {
+        SharpenByChannel(pixels, filter);
+        return 1;
+    });
 }
 
 }  // namespace velloran

@@ -43,13 +43,6 @@ std::uint32_t LoadWord(std::span<const std::uint8_t> bytes) {
     return word;
 }
 
-ParaValues DefaultValues() {
-    ParaValues values{};
-    for (int i = 0; i < kParaCount; ++i)
-        values[At(i)] = ParaRowOf(i).defaultValue;
-    return values;
-}
-
 /// A profile file may hold anything under these; no other value is limited.
 void LimitStored(ParaValues& values) {
     for (const int index : {PARA_CROPPING_P_LEFT, PARA_CROPPING_P_TOP, PARA_CROPPING_P_RIGHT,
@@ -61,7 +54,7 @@ void LimitStored(ParaValues& values) {
 
 }  // namespace
 
-CParaBlock::CParaBlock() : values_(DefaultValues()) {}
+CParaBlock::CParaBlock() : values_(DefaultParaValues()) {}
 
 CParaBlock::CParaBlock(const CParaBlock& other) {
     const std::lock_guard hold(other.lock_);
@@ -93,6 +86,11 @@ ParaValues CParaBlock::GetValues() const {
     return values_;
 }
 
+Settings CParaBlock::GetSettings() const {
+    const std::lock_guard hold(lock_);
+    return {values_, name_};
+}
+
 std::u16string CParaBlock::GetName() const {
     const std::lock_guard hold(lock_);
     return name_;
@@ -107,7 +105,7 @@ void CParaBlock::SetName(std::u16string_view name) {
 void CParaBlock::Reset() {
     const std::lock_guard hold(lock_);
     name_.clear();
-    values_ = DefaultValues();
+    values_ = DefaultParaValues();
 }
 
 std::u16string_view CParaBlock::GetParaLabel(ParaGroup group) {

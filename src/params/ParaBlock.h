@@ -14,13 +14,11 @@
 #include <string_view>
 
 #include "core/Pipeline.h"
-#include "params/ParaTable.h"
+#include "params/Settings.h"
 
 namespace velloran {
 
 class CDibImage;
-
-using ParaValues = std::array<std::int32_t, kParaCount>;
 
 /// The ten groups whose labels open lines of the text form and name the parameter tabs.
 enum class ParaGroup {
@@ -72,6 +70,9 @@ class CParaBlock {
     /// All values in one hold.
     ParaValues GetValues() const;
 
+    /// Values and name in one hold: what a run is given.
+    Settings GetSettings() const;
+
     std::u16string GetName() const;
     /// Copies at most 63 UTF-16 units.
     void SetName(std::u16string_view name);
@@ -110,9 +111,11 @@ class CParaBlock {
     /// The crop in one line, as it stands under the batch options.
     std::u16string CropSummary() const;
 
-    /// The whole enhancement of one image, in place. With `text` nothing is run: each step appends
-    /// the description of its settings instead, and `image` may be null. `cancel` is polled
-    /// between steps. Reports nothing: a step that cannot work passes the image on.
+    /// The whole enhancement of one image, in place, with the values as they stand at its start;
+    /// what it finds is written back. With `text` nothing is run: each step appends the description
+    /// of its settings instead, and `image` may be null. `cancel` is polled between steps. Without
+    /// `label` it is a preview. A step that cannot work passes the image on, and nobody is told:
+    /// who wants to know asks for the report of the run (pipeline/Run.h).
     void RunPipeline(CDibImage* image, CancelFunction cancel, void* context,
                      const LabelFunction& label, int stop, std::u16string* text);
 

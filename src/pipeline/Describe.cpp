@@ -1,18 +1,18 @@
 #include "pipeline/Describe.h"
 
 #include "params/ParaBlock.h"
+#include "pipeline/Run.h"
 
 namespace velloran {
 
 std::u16string CParaBlock::Describe() const {
+    RunRequest request;
+    request.mode = RunMode::kDescribe;
+    request.settings.values = GetValues();
     std::u16string text;
-    // A copy: the text is of one moment, and a run may write to its block.
-    CParaBlock block(*this);
-    DescribeGrayTest(block, text);
-    DescribeCmyk(block, text);
-    block.RunPipeline(/*image=*/nullptr, /*cancel=*/nullptr, /*context=*/nullptr, /*label=*/{},
-                      kStopWhole, &text);
-    return text;
+    DescribeGrayTest(request.settings.values, text);
+    DescribeCmyk(request.settings.values, text);
+    return text + Run(request).text;
 }
 
 }  // namespace velloran

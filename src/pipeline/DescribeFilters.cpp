@@ -16,28 +16,28 @@ std::u16string Counted(std::int32_t position, std::int64_t first, std::int64_t s
 
 }  // namespace
 
-void DescribeMultiScale(const CParaBlock& block, std::u16string& text) {
-    AppendAdjustLine(labels::kMultiScale, block.GetPara(PARA_ADJUST_MULTI_SCALE_R),
+void DescribeMultiScale(const ParaValues& values, std::u16string& text) {
+    AppendAdjustLine(labels::kMultiScale, values[PARA_ADJUST_MULTI_SCALE_R],
                      /*tenths=*/false, text);
 }
 
-void DescribeErode(const CParaBlock& block, std::u16string& text) {
-    AppendComboText(block, PARA_ERODE, text);
+void DescribeErode(const ParaValues& values, std::u16string& text) {
+    AppendComboText(values, PARA_ERODE, text);
 }
 
-void DescribeBlur(const CParaBlock& block, std::u16string& text) {
-    AppendLabelCombo(block, labels::kSoften, PARA_BLUR, text);
+void DescribeBlur(const ParaValues& values, std::u16string& text) {
+    AppendLabelCombo(values, labels::kSoften, PARA_BLUR, text);
 }
 
-void DescribeGaussian(const CParaBlock& block, std::u16string& text) {
-    AppendAdjustLine(labels::kGaussianRadius, block.GetPara(PARA_ADJUST_BLUR_RADIUS),
+void DescribeGaussian(const ParaValues& values, std::u16string& text) {
+    AppendAdjustLine(labels::kGaussianRadius, values[PARA_ADJUST_BLUR_RADIUS],
                      /*tenths=*/true, text);
 }
 
-void DescribeSurfaceBlur(const CParaBlock& block, std::u16string& text) {
+void DescribeSurfaceBlur(const ParaValues& values, std::u16string& text) {
     const auto [passes, radius, threshold, algorithm] =
-        block.GetGroup(std::array{PARA_SURFACE_BLUR_TIMES, PARA_SURFACE_BLUR_RADIUS,
-                                  PARA_SURFACE_BLUR_THRESHOLD, PARA_SURFACE_BLUR_ALGRITHOM});
+        GroupOf(values, std::array{PARA_SURFACE_BLUR_TIMES, PARA_SURFACE_BLUR_RADIUS,
+                                   PARA_SURFACE_BLUR_THRESHOLD, PARA_SURFACE_BLUR_ALGRITHOM});
     if (passes < 1)
         return;
     const std::size_t start = text.size();
@@ -51,22 +51,22 @@ void DescribeSurfaceBlur(const CParaBlock& block, std::u16string& text) {
     text += kLineEnd;
 }
 
-void DescribeSharpen(const CParaBlock& block, std::u16string& text) {
-    AppendLabelCombo(block, labels::kSharpen, PARA_SHARPEN, text);
+void DescribeSharpen(const ParaValues& values, std::u16string& text) {
+    AppendLabelCombo(values, labels::kSharpen, PARA_SHARPEN, text);
 }
 
-void DescribeAdjustSharpen(const CParaBlock& block, std::u16string& text) {
+void DescribeAdjustSharpen(const ParaValues& values, std::u16string& text) {
     const auto [strength, size] =
-        block.GetGroup(std::array{PARA_ADJUST_SHARPEN_PERCENT, PARA_ADJUST_SHARPEN_SIZE});
+        GroupOf(values, std::array{PARA_ADJUST_SHARPEN_PERCENT, PARA_ADJUST_SHARPEN_SIZE});
     if (strength == 0)
         return;
     AppendAdjustLine(labels::kGaussianSharpenRadius, strength, /*tenths=*/false, text);
     text.append(LabelAndValue(labels::kKernelOrder, Counted(size, 7, 2))).append(kLineEnd);
 }
 
-void DescribeUsm(const CParaBlock& block, std::u16string& text) {
-    const auto [passes, amount, radius, threshold] = block.GetGroup(
-        std::array{PARA_USM_TIMES, PARA_USM_AMOUNT, PARA_USM_RADIUS, PARA_USM_THRESHOLD});
+void DescribeUsm(const ParaValues& values, std::u16string& text) {
+    const auto [passes, amount, radius, threshold] = GroupOf(
+        values, std::array{PARA_USM_TIMES, PARA_USM_AMOUNT, PARA_USM_RADIUS, PARA_USM_THRESHOLD});
     if (passes < 1)
         return;
     const std::size_t start = text.size();

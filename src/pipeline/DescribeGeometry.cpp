@@ -37,22 +37,23 @@ std::u16string GivenSize(std::int32_t crop, std::int32_t size) {
     }
 }
 
-std::u16string Corners(const CParaBlock& block) {
+std::u16string Corners(const ParaValues& values) {
     const auto [lt, rt, rb, lb] =
-        block.GetGroup(std::array{PARA_CRT_PT_LT, PARA_CRT_PT_RT, PARA_CRT_PT_RB, PARA_CRT_PT_LB});
+        GroupOf(values, std::array{PARA_CRT_PT_LT, PARA_CRT_PT_RT, PARA_CRT_PT_RB, PARA_CRT_PT_LB});
     return u"LT=" + HexText(lt) + u" RT=" + HexText(rt) + u" RB=" + HexText(rb) + u" LP=" +
            HexText(lb);
 }
 
 }  // namespace
 
-void DescribeRotate(const CParaBlock& block, std::u16string& text) {
-    AppendComboText(block, PARA_ROATE, text);
+void DescribeRotate(const ParaValues& values, std::u16string& text) {
+    AppendComboText(values, PARA_ROATE, text);
 }
 
-void DescribeSplit(const CParaBlock& block, std::u16string& text) {
-    const auto [type, left, right, mid] = block.GetGroup(std::array{
-        PARA_PAGE_SPLIT_TYPE, PARA_PAGE_SPLIT_LEFT, PARA_PAGE_SPLIT_RIGHT, PARA_PAGE_SPLIT_MID});
+void DescribeSplit(const ParaValues& values, std::u16string& text) {
+    const auto [type, left, right, mid] =
+        GroupOf(values, std::array{PARA_PAGE_SPLIT_TYPE, PARA_PAGE_SPLIT_LEFT,
+                                   PARA_PAGE_SPLIT_RIGHT, PARA_PAGE_SPLIT_MID});
     const auto kind = static_cast<std::size_t>(type & (kSecondSide - 1));
     if (kind == 0 || kind >= std::size(lists::kSplitKind))
         return;
@@ -63,14 +64,14 @@ void DescribeSplit(const CParaBlock& block, std::u16string& text) {
     text += kLineEnd;
 }
 
-void DescribeCorrection(const CParaBlock& block, std::u16string& text) {
-    const auto [type, crop, size, method] = block.GetGroup(
-        std::array{PARA_CRT_TYPE, PARA_CRT_CROP, PARA_CRT_SIZE, PARA_CRT_DEWARPING_TYPE});
+void DescribeCorrection(const ParaValues& values, std::u16string& text) {
+    const auto [type, crop, size, method] = GroupOf(
+        values, std::array{PARA_CRT_TYPE, PARA_CRT_CROP, PARA_CRT_SIZE, PARA_CRT_DEWARPING_TYPE});
     if (type == 0)
         return;
     text += ListOrNumber(PARA_CRT_TYPE, type);
     if (type == 1 || type == 2)
-        text += u": " + Corners(block);
+        text += u": " + Corners(values);
     if (type == 2)
         text += GivenSize(crop, size);
     if (type == 3)
@@ -79,9 +80,9 @@ void DescribeCorrection(const CParaBlock& block, std::u16string& text) {
     text += kLineEnd;
 }
 
-void DescribeDeskew(const CParaBlock& block, std::u16string& text) {
+void DescribeDeskew(const ParaValues& values, std::u16string& text) {
     const auto [mode, angle, edge] =
-        block.GetGroup(std::array{PARA_DESKEW, PARA_DESKEW_ANGLE, PARA_DESKEW_EDGE});
+        GroupOf(values, std::array{PARA_DESKEW, PARA_DESKEW_ANGLE, PARA_DESKEW_EDGE});
     if (mode < 1)
         return;
     text += LabelAndValue(labels::kDeskew, ListOrNumber(PARA_DESKEW, mode));
@@ -90,15 +91,15 @@ void DescribeDeskew(const CParaBlock& block, std::u16string& text) {
     text.append(u", ").append(ListOrNumber(PARA_DESKEW_EDGE, edge)).append(kLineEnd);
 }
 
-void DescribeEnlarge(const CParaBlock& block, std::u16string& text) {
-    const std::int32_t percent = block.GetPara(PARA_RESIZE);
+void DescribeEnlarge(const ParaValues& values, std::u16string& text) {
+    const std::int32_t percent = values[PARA_RESIZE];
     if (percent > 100)
         text += LabelAndValue(CParaBlock::GetParaLabel(ParaGroup::kResize),
                               DecimalText(percent) + u"%\r\n");
 }
 
-void DescribeReduceSize(const CParaBlock& block, std::u16string& text) {
-    const std::int32_t percent = block.GetPara(PARA_RESIZE);
+void DescribeReduceSize(const ParaValues& values, std::u16string& text) {
+    const std::int32_t percent = values[PARA_RESIZE];
     if (percent < 100)
         text += LabelAndValue(CParaBlock::GetParaLabel(ParaGroup::kResize),
                               DecimalText(percent) + u"%\r\n");

@@ -30,86 +30,84 @@ constexpr ParaIndex kPageParameters[] = {
 
 constexpr std::int32_t kPageByWidth = 3, kPageByHeight = 4, kPageByBoth = 5;
 
-bool Differs(const CParaBlock& block, ParaIndex index) {
-    return block.GetPara(index) != ParaRowOf(index).defaultValue;
+bool Differs(const ParaValues& values, ParaIndex index) {
+    return values[index] != ParaRowOf(index).defaultValue;
 }
 
-void AppendSearch(const CParaBlock& block, std::u16string& text) {
+void AppendSearch(const ParaValues& values, std::u16string& text) {
     text += labels::kFindContentBox;
-    if (block.GetPara(PARA_CBF_REMOVE_BLACK_EDGE) != 0)
+    if (values[PARA_CBF_REMOVE_BLACK_EDGE] != 0)
         text.append(u", ").append(labels::kIgnoreBlackEdge);
-    if (block.GetPara(PARA_CBF_BK_MORE) != 0)
+    if (values[PARA_CBF_BK_MORE] != 0)
         text.append(u", ").append(labels::kStrongBackground);
-    if (const std::int32_t speckle = block.GetPara(PARA_CBF_SPECKLE_SIZE); speckle != 0)
+    if (const std::int32_t speckle = values[PARA_CBF_SPECKLE_SIZE]; speckle != 0)
         text.append(u", ").append(LabelAndValue(labels::kIgnoreSpeckles, DecimalText(speckle)));
-    if (block.GetPara(PARA_CBF_SPECKLE_COMPENSATION) != 0)
+    if (values[PARA_CBF_SPECKLE_COMPENSATION] != 0)
         text.append(u", ").append(labels::kSpeckleCompensation);
 }
 
 /// Each margin of the cut has its ", " behind it, also the last one.
-void AppendCropLine(const CParaBlock& block, std::u16string& text) {
+void AppendCropLine(const ParaValues& values, std::u16string& text) {
     const std::size_t lineStart = text.size();
     for (const Side& side : kSides) {
-        if (const std::int32_t perMille = block.GetPara(side.crop); perMille != 0)
+        if (const std::int32_t perMille = values[side.crop]; perMille != 0)
             text += LabelEquals(side.label, TenthsText(perMille) + u"%, ");
     }
-    if (block.GetPara(PARA_FIND_CNT_BOX) != 0)
-        AppendSearch(block, text);
+    if (values[PARA_FIND_CNT_BOX] != 0)
+        AppendSearch(values, text);
     if (text.size() > lineStart)
         text += kLineEnd;
 }
 
-std::u16string Measure(const CParaBlock& block, ParaIndex index) {
-    const std::int32_t value = block.GetPara(index);
-    const bool pixels = block.GetPara(PARA_PAGE_SIZE_UNIT) == 1;
+std::u16string Measure(const ParaValues& values, ParaIndex index) {
+    const std::int32_t value = values[index];
+    const bool pixels = values[PARA_PAGE_SIZE_UNIT] == 1;
     return pixels ? DecimalText(value) : HundredthsText(value);
 }
 
-void AppendPageSizeLine(const CParaBlock& block, std::u16string& text) {
-    const std::int32_t size = block.GetPara(PARA_PAGE_SIZE);
+void AppendPageSizeLine(const ParaValues& values, std::u16string& text) {
+    const std::int32_t size = values[PARA_PAGE_SIZE];
     text += LabelAndValue(labels::kPageSize, ListOrNumber(PARA_PAGE_SIZE, size));
-    text.append(u", ").append(
-        ListOrNumber(PARA_PAGE_SIZE_UNIT, block.GetPara(PARA_PAGE_SIZE_UNIT)));
+    text.append(u", ").append(ListOrNumber(PARA_PAGE_SIZE_UNIT, values[PARA_PAGE_SIZE_UNIT]));
     if (size == kPageByWidth || size == kPageByBoth)
-        text.append(u", ").append(LabelEquals(labels::kWidth, Measure(block, PARA_PAGE_WIDTH)));
+        text.append(u", ").append(LabelEquals(labels::kWidth, Measure(values, PARA_PAGE_WIDTH)));
     if (size == kPageByHeight || size == kPageByBoth)
-        text.append(u", ").append(LabelEquals(labels::kHeight, Measure(block, PARA_PAGE_HEIGHT)));
+        text.append(u", ").append(LabelEquals(labels::kHeight, Measure(values, PARA_PAGE_HEIGHT)));
     text += kLineEnd;
 }
 
-void AppendMarginLine(const CParaBlock& block, std::u16string& text) {
-    if (std::ranges::none_of(kSides,
-                             [&](const Side& side) { return block.GetPara(side.margin) != 0; }))
+void AppendMarginLine(const ParaValues& values, std::u16string& text) {
+    if (std::ranges::none_of(kSides, [&](const Side& side) { return values[side.margin] != 0; }))
         return;
     std::u16string margins;
     for (const Side& side : kSides)
-        AppendItem(LabelEquals(side.label, Measure(block, side.margin)), 0, margins);
+        AppendItem(LabelEquals(side.label, Measure(values, side.margin)), 0, margins);
     text.append(LabelAndValue(labels::kPageMargins, margins)).append(kLineEnd);
 }
 
 /// Two lists, each behind its label, on one line.
-void AppendListLine(const CParaBlock& block, ParaIndex first, ParaIndex second,
+void AppendListLine(const ParaValues& values, ParaIndex first, ParaIndex second,
                     std::u16string& text) {
     const std::size_t lineStart = text.size();
     for (const ParaIndex index : {first, second})
-        AppendItem(LabelAndValue(ParaRowOf(index).label, ListOrNumber(index, block.GetPara(index))),
+        AppendItem(LabelAndValue(ParaRowOf(index).label, ListOrNumber(index, values[index])),
                    lineStart, text);
     text += kLineEnd;
 }
 
 }  // namespace
 
-void DescribeCropAndLayout(const CParaBlock& block, std::u16string& text) {
-    AppendCropLine(block, text);
-    if (Differs(block, PARA_DPI))
-        text += u"DPI=" + DecimalText(block.GetPara(PARA_DPI)) + u"\r\n";
+void DescribeCropAndLayout(const ParaValues& values, std::u16string& text) {
+    AppendCropLine(values, text);
+    if (Differs(values, PARA_DPI))
+        text += u"DPI=" + DecimalText(values[PARA_DPI]) + u"\r\n";
     if (std::ranges::none_of(kPageParameters,
-                             [&](ParaIndex index) { return Differs(block, index); }))
+                             [&](ParaIndex index) { return Differs(values, index); }))
         return;
-    AppendPageSizeLine(block, text);
-    AppendMarginLine(block, text);
-    AppendListLine(block, PARA_ALIGN_H, PARA_ALIGN_V, text);
-    AppendListLine(block, PARA_BIG_CNT_BOX, PARA_SMALL_CNT_BOX, text);
+    AppendPageSizeLine(values, text);
+    AppendMarginLine(values, text);
+    AppendListLine(values, PARA_ALIGN_H, PARA_ALIGN_V, text);
+    AppendListLine(values, PARA_BIG_CNT_BOX, PARA_SMALL_CNT_BOX, text);
 }
 
 }  // namespace velloran

@@ -18,10 +18,10 @@ constexpr std::int32_t kGrayPalettes[] = {4, 5, 6, 15, 16, 17};
 /// A line of colour reduction under construction: the options that apply, behind the depth.
 class OptionLine {
  public:
-    OptionLine(const CParaBlock& block, std::u16string& text)
-        : block_(block), text_(text), start_(text.size()) {}
+    OptionLine(const ParaValues& values, std::u16string& text)
+        : values_(values), text_(text), start_(text.size()) {}
 
-    std::int32_t Value(ParaIndex index) const { return block_.GetPara(index); }
+    std::int32_t Value(ParaIndex index) const { return values_[index]; }
     void Add(std::u16string_view item) { AppendItem(item, start_, text_); }
     void AddFlag(ParaIndex index) {
         if (Value(index) != 0)
@@ -32,7 +32,7 @@ class OptionLine {
     }
 
  private:
-    const CParaBlock& block_;
+    const ParaValues& values_;
     std::u16string& text_;
     std::size_t start_;
 };
@@ -80,12 +80,12 @@ void AddBinarization(OptionLine& line) {
     line.AddFlag(PARA_DECREASE_DE_SMOOTH);
 }
 
-void AppendJpegDetails(const CParaBlock& block, std::u16string& text) {
+void AppendJpegDetails(const ParaValues& values, std::u16string& text) {
     const std::size_t start = text.size();
     for (const ParaIndex index : {JPG_RESAMPLE_TYPE, JPG_RESAMPLE_H, JPG_RESAMPLE_V, JPG_SRC_SAMPLE,
                                   JPG_SRC_QUALITY, JPG_SRC_CODE, JPG_OPTIMIZE, JPG_PROGRESSIVE}) {
         const ParaRow& row = ParaRowOf(index);
-        const std::int32_t value = block.GetPara(index);
+        const std::int32_t value = values[index];
         if (value == row.defaultValue)
             continue;
         if (row.kind == ParaKind::kList)
@@ -98,9 +98,9 @@ void AppendJpegDetails(const CParaBlock& block, std::u16string& text) {
         text += kLineEnd;
 }
 
-void AppendGroupValue(const CParaBlock& block, ParaGroup group, ParaIndex index,
+void AppendGroupValue(const ParaValues& values, ParaGroup group, ParaIndex index,
                       std::u16string& text) {
-    const std::int32_t value = block.GetPara(index);
+    const std::int32_t value = values[index];
     if (value != ParaRowOf(index).defaultValue)
         text.append(LabelAndValue(CParaBlock::GetParaLabel(group), DecimalText(value)))
             .append(kLineEnd);
@@ -108,24 +108,24 @@ void AppendGroupValue(const CParaBlock& block, ParaGroup group, ParaIndex index,
 
 }  // namespace
 
-void DescribeGrayTest(const CParaBlock& block, std::u16string& text) {
-    const std::int32_t value = block.GetPara(PARA_DECREASE_CHECK_GRAY);
+void DescribeGrayTest(const ParaValues& values, std::u16string& text) {
+    const std::int32_t value = values[PARA_DECREASE_CHECK_GRAY];
     if (value != ParaRowOf(PARA_DECREASE_CHECK_GRAY).defaultValue)
         text.append(
                 LabelAndValue(labels::kCheckGray, ListOrNumber(PARA_DECREASE_CHECK_GRAY, value)))
             .append(kLineEnd);
 }
 
-void DescribeCmyk(const CParaBlock& block, std::u16string& text) {
-    if (block.GetPara(PARA_REVERSE_CMYK) != 0)
+void DescribeCmyk(const ParaValues& values, std::u16string& text) {
+    if (values[PARA_REVERSE_CMYK] != 0)
         text.append(labels::kReverseCmyk).append(kLineEnd);
 }
 
-void DescribeColorReduction(const CParaBlock& block, std::u16string& text) {
-    const auto [color, ditherFlag, thresholdMethod] = block.GetGroup(
-        std::array{PARA_COLOR, PARA_DECREASE_BPP_DITHER, PARA_DECREASE_THRESHOLD_METHOD});
+void DescribeColorReduction(const ParaValues& values, std::u16string& text) {
+    const auto [color, ditherFlag, thresholdMethod] = GroupOf(
+        values, std::array{PARA_COLOR, PARA_DECREASE_BPP_DITHER, PARA_DECREASE_THRESHOLD_METHOD});
     const bool dither = ditherFlag != 0;
-    OptionLine line(block, text);
+    OptionLine line(values, text);
     line.AddList(PARA_COLOR);
     if (IsReduced(color))
         line.AddFlag(PARA_DECREASE_BPP_DITHER);
@@ -140,12 +140,12 @@ void DescribeColorReduction(const CParaBlock& block, std::u16string& text) {
     text += kLineEnd;
 }
 
-void DescribeNothing(const CParaBlock&, std::u16string&) {}
+void DescribeNothing(const ParaValues&, std::u16string&) {}
 
-void DescribeOutput(const CParaBlock& block, std::u16string& text) {
-    AppendGroupValue(block, ParaGroup::kJpegQuality, PARA_QUALITY, text);
-    AppendJpegDetails(block, text);
-    AppendGroupValue(block, ParaGroup::kJp2Rate, PARA_JP2_RATE, text);
+void DescribeOutput(const ParaValues& values, std::u16string& text) {
+    AppendGroupValue(values, ParaGroup::kJpegQuality, PARA_QUALITY, text);
+    AppendJpegDetails(values, text);
+    AppendGroupValue(values, ParaGroup::kJp2Rate, PARA_JP2_RATE, text);
 }
 
 }  // namespace velloran

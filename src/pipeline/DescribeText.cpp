@@ -32,21 +32,21 @@ std::u16string LabelEquals(std::u16string_view label, std::u16string_view value)
     return std::u16string(WithoutColon(label)).append(u"=").append(value);
 }
 
-void AppendComboText(const CParaBlock& block, int index, std::u16string& text) {
-    const std::int32_t value = block.GetPara(index);
+void AppendComboText(const ParaValues& values, int index, std::u16string& text) {
+    const std::int32_t value = values[index];
     if (value >= 1)
         text.append(ListOrNumber(index, value)).append(kLineEnd);
 }
 
-void AppendLabelCombo(const CParaBlock& block, std::u16string_view label, int index,
+void AppendLabelCombo(const ParaValues& values, std::u16string_view label, int index,
                       std::u16string& text) {
-    const std::int32_t value = block.GetPara(index);
+    const std::int32_t value = values[index];
     if (value >= 1)
         text.append(LabelAndValue(label, ListOrNumber(index, value))).append(kLineEnd);
 }
 
-void AppendPercentLine(const CParaBlock& block, ParaGroup group, int index, std::u16string& text) {
-    const std::int32_t value = block.GetPara(index);
+void AppendPercentLine(const ParaValues& values, ParaGroup group, int index, std::u16string& text) {
+    const std::int32_t value = values[index];
     if (value != 100)
         text.append(LabelAndValue(CParaBlock::GetParaLabel(group), DecimalText(value)))
             .append(kLineEnd);
@@ -59,11 +59,11 @@ void AppendAdjustLine(std::u16string_view label, std::int32_t value, bool tenths
             .append(kLineEnd);
 }
 
-void AppendAutoLevels(const CParaBlock& block, bool post, std::u16string& text) {
+void AppendAutoLevels(const ParaValues& values, bool post, std::u16string& text) {
     if (post)
-        AppendLabelCombo(block, labels::kPostProcessing, PARA_AUTO_LEVELS_POST, text);
+        AppendLabelCombo(values, labels::kPostProcessing, PARA_AUTO_LEVELS_POST, text);
     else
-        AppendComboText(block, PARA_AUTO_LEVELS, text);
+        AppendComboText(values, PARA_AUTO_LEVELS, text);
 }
 
 }  // namespace velloran

@@ -18,8 +18,8 @@ std::u16string ColorText(std::int32_t color) {
     return text + u")";
 }
 
-void AppendManualLevels(const CParaBlock& block, std::u16string& text) {
-    const auto [shadow, light] = block.GetGroup(std::array{PARA_LEVELS_SHADOW, PARA_LEVELS_LIGHT});
+void AppendManualLevels(const ParaValues& values, std::u16string& text) {
+    const auto [shadow, light] = GroupOf(values, std::array{PARA_LEVELS_SHADOW, PARA_LEVELS_LIGHT});
     if (shadow == ParaRowOf(PARA_LEVELS_SHADOW).defaultValue &&
         light == ParaRowOf(PARA_LEVELS_LIGHT).defaultValue)
         return;
@@ -27,8 +27,8 @@ void AppendManualLevels(const CParaBlock& block, std::u16string& text) {
     text += kLineEnd;
 }
 
-void AppendHighlight(const CParaBlock& block, std::u16string& text) {
-    const auto [highlight, threshold] = block.GetGroup(std::array{PARA_HIGHLIGHT, PARA_THRESHOLD});
+void AppendHighlight(const ParaValues& values, std::u16string& text) {
+    const auto [highlight, threshold] = GroupOf(values, std::array{PARA_HIGHLIGHT, PARA_THRESHOLD});
     if (highlight == 100)
         return;
     text += LabelAndValue(CParaBlock::GetParaLabel(ParaGroup::kHighlight),
@@ -36,8 +36,8 @@ void AppendHighlight(const CParaBlock& block, std::u16string& text) {
     text.append(LabelEquals(labels::kHighlightFrom, DecimalText(threshold))).append(kLineEnd);
 }
 
-void AppendCurveTuning(const CParaBlock& block, std::u16string& text) {
-    const auto [div, offset] = block.GetGroup(std::array{PARA_CURVE_DIV, PARA_CURVE_OFFSET});
+void AppendCurveTuning(const ParaValues& values, std::u16string& text) {
+    const auto [div, offset] = GroupOf(values, std::array{PARA_CURVE_DIV, PARA_CURVE_OFFSET});
     // The stage does nothing at these two, whatever the offset.
     if (div == 0 || div == 255)
         return;
@@ -46,9 +46,9 @@ void AppendCurveTuning(const CParaBlock& block, std::u16string& text) {
     text.append(LabelEquals(labels::kCurveOffset, DecimalText(offset))).append(kLineEnd);
 }
 
-void AppendCurve(const CParaBlock& block, std::u16string& text) {
+void AppendCurve(const ParaValues& values, std::u16string& text) {
     const auto [x1, y1, x2, y2] =
-        block.GetGroup(std::array{PARA_CURVE, PARA_CURVE_1, PARA_CURVE_2, PARA_CURVE_3});
+        GroupOf(values, std::array{PARA_CURVE, PARA_CURVE_1, PARA_CURVE_2, PARA_CURVE_3});
     const bool unset = x2 == 0 && y2 == 0;
     const bool straight = x2 == 255 && y2 == 255;
     if (x1 == 0 && y1 == 0 && (unset || straight))
@@ -61,10 +61,10 @@ void AppendCurve(const CParaBlock& block, std::u16string& text) {
 
 }  // namespace
 
-void DescribeReplaceColor(const CParaBlock& block, std::u16string& text) {
+void DescribeReplaceColor(const ParaValues& values, std::u16string& text) {
     const auto [type, from, to, threshold] =
-        block.GetGroup(std::array{PARA_REPLACE_COLOR_TYPE, PARA_REPLACE_COLOR_FROM,
-                                  PARA_REPLACE_COLOR_TO, PARA_REPLACE_COLOR_THRESHOLD});
+        GroupOf(values, std::array{PARA_REPLACE_COLOR_TYPE, PARA_REPLACE_COLOR_FROM,
+                                   PARA_REPLACE_COLOR_TO, PARA_REPLACE_COLOR_THRESHOLD});
     if (type < 1)
         return;
     text += LabelAndValue(
@@ -76,25 +76,25 @@ void DescribeReplaceColor(const CParaBlock& block, std::u16string& text) {
     text += kLineEnd;
 }
 
-void DescribeSwapChannel(const CParaBlock& block, std::u16string& text) {
-    AppendLabelCombo(block, labels::kSwapChannel, PARA_SWAP_CHANNEL, text);
+void DescribeSwapChannel(const ParaValues& values, std::u16string& text) {
+    AppendLabelCombo(values, labels::kSwapChannel, PARA_SWAP_CHANNEL, text);
 }
 
-void DescribeNegate(const CParaBlock& block, std::u16string& text) {
-    if (block.GetPara(PARA_NEGATE) != 0)
+void DescribeNegate(const ParaValues& values, std::u16string& text) {
+    if (values[PARA_NEGATE] != 0)
         text.append(labels::kNegate).append(kLineEnd);
 }
 
-void DescribeCombineChannel(const CParaBlock& block, std::u16string& text) {
-    AppendLabelCombo(block, labels::kCombineChannel, PARA_COMBINE_CHANNEL, text);
+void DescribeCombineChannel(const ParaValues& values, std::u16string& text) {
+    AppendLabelCombo(values, labels::kCombineChannel, PARA_COMBINE_CHANNEL, text);
 }
 
-void DescribeIllumination(const CParaBlock& block, std::u16string& text) {
-    AppendComboText(block, PARA_LUM_CORRECT, text);
+void DescribeIllumination(const ParaValues& values, std::u16string& text) {
+    AppendComboText(values, PARA_LUM_CORRECT, text);
 }
 
-void DescribeUnshadow(const CParaBlock& block, std::u16string& text) {
-    const std::int64_t strength = block.GetPara(PARA_ADJUST_UNSHADOW);
+void DescribeUnshadow(const ParaValues& values, std::u16string& text) {
+    const std::int64_t strength = values[PARA_ADJUST_UNSHADOW];
     if (strength == 0)
         return;
     text += LabelAndValue(labels::kUnshadow, DecimalText(strength < 0 ? -strength : strength));
@@ -103,33 +103,32 @@ void DescribeUnshadow(const CParaBlock& block, std::u16string& text) {
     text += kLineEnd;
 }
 
-void DescribeWhiteBalance(const CParaBlock& block, std::u16string& text) {
-    AppendLabelCombo(block, labels::kWhiteBalance, PARA_WHITE_BALANCE, text);
+void DescribeWhiteBalance(const ParaValues& values, std::u16string& text) {
+    AppendLabelCombo(values, labels::kWhiteBalance, PARA_WHITE_BALANCE, text);
 }
 
-void DescribeLevelsStep(const CParaBlock& block, std::u16string& text) {
-    if (block.GetPara(PARA_AUTO_LEVELS) != 0)
-        AppendAutoLevels(block, /*post=*/false, text);
+void DescribeLevelsStep(const ParaValues& values, std::u16string& text) {
+    if (values[PARA_AUTO_LEVELS] != 0)
+        AppendAutoLevels(values, /*post=*/false, text);
     else
-        AppendManualLevels(block, text);
+        AppendManualLevels(values, text);
 }
 
-void DescribeVibrance(const CParaBlock& block, std::u16string& text) {
-    AppendAdjustLine(labels::kVibrance, block.GetPara(PARA_ADJUST_VIBRANCE), /*tenths=*/false,
-                     text);
+void DescribeVibrance(const ParaValues& values, std::u16string& text) {
+    AppendAdjustLine(labels::kVibrance, values[PARA_ADJUST_VIBRANCE], /*tenths=*/false, text);
 }
 
-void DescribePixelMapping(const CParaBlock& block, std::u16string& text) {
-    AppendHighlight(block, text);
-    AppendPercentLine(block, ParaGroup::kBrightness, PARA_BRIGHTNESS, text);
-    AppendCurveTuning(block, text);
-    AppendPercentLine(block, ParaGroup::kContrast, PARA_CONTRAST, text);
-    AppendCurve(block, text);
-    AppendPercentLine(block, ParaGroup::kGamma, PARA_GAMMA, text);
+void DescribePixelMapping(const ParaValues& values, std::u16string& text) {
+    AppendHighlight(values, text);
+    AppendPercentLine(values, ParaGroup::kBrightness, PARA_BRIGHTNESS, text);
+    AppendCurveTuning(values, text);
+    AppendPercentLine(values, ParaGroup::kContrast, PARA_CONTRAST, text);
+    AppendCurve(values, text);
+    AppendPercentLine(values, ParaGroup::kGamma, PARA_GAMMA, text);
 }
 
-void DescribeLight(const CParaBlock& block, std::u16string& text) {
-    const auto [low, high] = block.GetGroup(std::array{PARA_LIGHT_LOW, PARA_LIGHT_HIGH});
+void DescribeLight(const ParaValues& values, std::u16string& text) {
+    const auto [low, high] = GroupOf(values, std::array{PARA_LIGHT_LOW, PARA_LIGHT_HIGH});
     if (low == 0 && high == 0)
         return;
     text +=
@@ -137,12 +136,12 @@ void DescribeLight(const CParaBlock& block, std::u16string& text) {
     text.append(LabelEquals(labels::kLightHighlight, DecimalText(high))).append(kLineEnd);
 }
 
-void DescribeAutoLevelsPost(const CParaBlock& block, std::u16string& text) {
-    AppendAutoLevels(block, /*post=*/true, text);
+void DescribeAutoLevelsPost(const ParaValues& values, std::u16string& text) {
+    AppendAutoLevels(values, /*post=*/true, text);
 }
 
-void DescribeEqualize(const CParaBlock& block, std::u16string& text) {
-    if (block.GetPara(PARA_HIST_EQUALIZE) != 0)
+void DescribeEqualize(const ParaValues& values, std::u16string& text) {
+    if (values[PARA_HIST_EQUALIZE] != 0)
         text.append(labels::kEqualize).append(kLineEnd);
 }
 

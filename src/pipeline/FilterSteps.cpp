@@ -25,54 +25,50 @@ void MeasureContent(RunState& state) {
     ScaleContent(state.layout);
 }
 
-void ResizeToContent(RunState& state) {
-    ResizeTo(*state.image, state.layout.contentWidth, state.layout.contentHeight);
+StepResult ResizeToContent(RunState& state) {
+    return ResultOf(ResizeTo(*state.image, state.layout.contentWidth, state.layout.contentHeight));
 }
 
-void ShowContent(RunState& state) {
+StepResult ShowContent(RunState& state) {
     MeasureContent(state);
-    ResizeToContent(state);
+    return ResizeToContent(state);
 }
 
-void ChangeStrokes(RunState& state) {
+StepResult ChangeStrokes(RunState& state) {
     const int value = state.Value(PARA_ERODE) - 1;
     const int strength = value % kStrengths + 1;
     switch (value / kStrengths) {
         case kThicker:
-            Darken(*state.image, strength);
-            break;
+            return ResultOf(Darken(*state.image, strength));
         case kThinner:
-            Lighten(*state.image, strength);
-            break;
+            return ResultOf(Lighten(*state.image, strength));
         case kOpened:
-            Lighten(*state.image, strength);
-            Darken(*state.image, strength);
-            break;
+            return ResultOf(Lighten(*state.image, strength) && Darken(*state.image, strength));
         case kClosed:
-            Darken(*state.image, strength);
-            Lighten(*state.image, strength);
-            break;
+            return ResultOf(Darken(*state.image, strength) && Lighten(*state.image, strength));
         default:
-            break;
+            return StepResult::kLeft;
     }
 }
 
-void BlurByLevel(RunState& state) {
-    BlurLevel(*state.image, state.Value(PARA_BLUR));
+StepResult BlurByLevel(RunState& state) {
+    return ResultOf(BlurLevel(*state.image, state.Value(PARA_BLUR)));
 }
 
-void BlurByRadius(RunState& state) {
-    UnsharpMask(*state.image, /*amount=*/1, RadiusOf(state.Value(PARA_ADJUST_BLUR_RADIUS)),
-                /*threshold=*/1, /*times=*/1, /*blurOnly=*/true);
+StepResult BlurByRadius(RunState& state) {
+    return ResultOf(UnsharpMask(*state.image, /*amount=*/1,
+                                RadiusOf(state.Value(PARA_ADJUST_BLUR_RADIUS)),
+                                /*threshold=*/1, /*times=*/1, /*blurOnly=*/true));
 }
 
-void SharpenByLevel(RunState& state) {
-    SharpenLevel(*state.image, state.Value(PARA_SHARPEN));
+StepResult SharpenByLevel(RunState& state) {
+    return ResultOf(SharpenLevel(*state.image, state.Value(PARA_SHARPEN)));
 }
 
-void SharpenByMask(RunState& state) {
-    UnsharpMask(*state.image, state.Value(PARA_USM_AMOUNT), RadiusOf(state.Value(PARA_USM_RADIUS)),
-                state.Value(PARA_USM_THRESHOLD), state.Value(PARA_USM_TIMES), /*blurOnly=*/false);
+StepResult SharpenByMask(RunState& state) {
+    return ResultOf(UnsharpMask(
+        *state.image, state.Value(PARA_USM_AMOUNT), RadiusOf(state.Value(PARA_USM_RADIUS)),
+        state.Value(PARA_USM_THRESHOLD), state.Value(PARA_USM_TIMES), /*blurOnly=*/false));
 }
 
 }  // namespace velloran

@@ -2,6 +2,8 @@
 
 // The work of the steps that resize, blur, sharpen and thicken.
 
+#include "pipeline/StepResult.h"
+
 namespace velloran {
 
 struct RunState;
@@ -10,24 +12,24 @@ struct RunState;
 void MeasureContent(RunState& state);
 
 /// Steps 13 and 25: to the size of the content.
-void ResizeToContent(RunState& state);
+StepResult ResizeToContent(RunState& state);
 
 /// Where a run ends with the content box: the content in its size, enlarged or reduced or both.
-void ShowContent(RunState& state);
+StepResult ShowContent(RunState& state);
 
 /// Step 21: thicker, thinner, opened or closed strokes, four strengths each.
-void ChangeStrokes(RunState& state);
+StepResult ChangeStrokes(RunState& state);
 
 /// Step 22.
-void BlurByLevel(RunState& state);
+StepResult BlurByLevel(RunState& state);
 
 /// Step 23.
-void BlurByRadius(RunState& state);
+StepResult BlurByRadius(RunState& state);
 
 /// Step 26.
-void SharpenByLevel(RunState& state);
+StepResult SharpenByLevel(RunState& state);
 
 /// Step 28.
-void SharpenByMask(RunState& state);
+StepResult SharpenByMask(RunState& state);
 
 }  // namespace velloran

@@ -1,27 +1,27 @@
 #pragma once
 
-// What one run of the enhancement carries from step to step. It lives and ends with the run; what a
-// run finds (split lines, corners, curves) is written back into the block instead.
+// What one run of the enhancement carries from step to step. It lives and ends with the run.
 
 #include <cstdint>
 
 #include "core/DibImage.h"
 #include "core/Pipeline.h"
-#include "params/ParaBlock.h"
+#include "params/Settings.h"
+#include "pipeline/FoundValues.h"
 
 namespace velloran {
 
 struct RunState {
     static constexpr std::uint32_t kUnknownBackground = 0xFFFFFFFF;
 
-    CParaBlock& block;
     CDibImage* image = nullptr;  // the page, changed in place; null when describing
     int stop = kStopWhole;
     bool isPreview = false;  // nobody is told of the steps: colours are only made to look reduced
+    std::int32_t deskewEdge = 0;
 
-    /// All values of the block as the present step found them, read in one hold of its lock. A
-    /// change by the user takes effect at the next step.
+    /// The values of the run, with what its steps found so far.
     ParaValues values{};
+    FoundValues found{};
 
     /// Empty, or 8 bits in the size of the page: 255 where the page is, 0 where a geometry step
     /// left nothing of it.

@@ -7,7 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "params/ParaBlock.h"
+#include "params/Settings.h"
+#include "pipeline/StepResult.h"
 #include "text/Label.h"
 
 namespace velloran {
@@ -41,12 +42,12 @@ struct Step {
     StepLabel label;
     Told told;
     bool (*runs)(const RunState& state);
-    void (*run)(RunState& state);
-    void (*describe)(const CParaBlock& block, std::u16string& text);
+    StepResult (*run)(RunState& state);
+    void (*describe)(const ParaValues& values, std::u16string& text);
     Poll poll = Poll::kAfter;
     std::array<int, 2> stops{};  // codes that end the run behind this step; 0 is none
-    void (*before)(RunState& state) = nullptr;  // always done, before `runs` is asked
-    void (*atStop)(RunState& state) = nullptr;  // done when one of `stops` ends the run here
+    void (*before)(RunState& state) = nullptr;        // always done, before `runs` is asked
+    StepResult (*atStop)(RunState& state) = nullptr;  // done when one of `stops` ends the run here
 };
 
 /// All thirty, in order.

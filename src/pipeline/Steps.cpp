@@ -56,27 +56,24 @@ int Scaled(std::int32_t value, int factor, int offset) {
 
 }  // namespace
 
-void PassOn(RunState&) {}
+StepResult PassOn(RunState&) {
+    return StepResult::kLeft;
+}
 
-void RotatePage(RunState& state) {
+StepResult RotatePage(RunState& state) {
     switch (state.Value(PARA_ROATE)) {
         case kLeft:
-            state.image->Rotate90(/*left=*/true);
-            break;
+            return ResultOf(state.image->Rotate90(/*left=*/true));
         case kRight:
-            state.image->Rotate90(/*left=*/false);
-            break;
+            return ResultOf(state.image->Rotate90(/*left=*/false));
         case kHalfTurn:
-            state.image->Flip(FlipMode::kUpsideDown);
-            break;
+            return ResultOf(state.image->Flip(FlipMode::kUpsideDown));
         case kMirrored:
-            state.image->Flip(FlipMode::kMirror);
-            break;
+            return ResultOf(state.image->Flip(FlipMode::kMirror));
         case kFlipped:
-            state.image->Flip(FlipMode::kFlip);
-            break;
+            return ResultOf(state.image->Flip(FlipMode::kFlip));
         default:
-            break;
+            return StepResult::kLeft;
     }
 }
 
@@ -85,25 +82,28 @@ void StartLayout(RunState& state) {
         MakeLayoutRequest(state.values, state.image->GetWidth(), state.image->GetHeight());
 }
 
-void CropPage(RunState& state) {
+StepResult CropPage(RunState& state) {
+    int ran = 0;
     if (state.Value(PARA_FIND_CNT_BOX) == 0) {
         const Margins margins{state.Value(PARA_CROPPING_P_LEFT), state.Value(PARA_CROPPING_P_TOP),
                               state.Value(PARA_CROPPING_P_RIGHT),
                               state.Value(PARA_CROPPING_P_BOTTOM)};
-        if (CutMargins(*state.image, margins, state.layout) && state.mask.IsValid())
+        if (CutMargins(*state.image, margins, state.layout)) {
+            ran = 1;
             state.mask.CropPerMille(margins.left, margins.top, margins.right, margins.bottom);
+        }
     }
-    if (state.mask.IsValid())
-        FillOutsideMask(*state.image, state.mask,
-                        static_cast<std::uint32_t>(state.Value(PARA_FILL_BLANK_COLOR)));
+    ran |= FillOutsideMask(*state.image, state.mask,
+                           static_cast<std::uint32_t>(state.Value(PARA_FILL_BLANK_COLOR)));
+    return ResultOf(ran);
 }
 
-void AdjustLevels(RunState& state) {
+StepResult AdjustLevels(RunState& state) {
     if (state.Value(PARA_AUTO_LEVELS) != 0)
-        AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS));
-    else
-        ApplyLevels(*state.image, static_cast<std::uint32_t>(state.Value(PARA_LEVELS_SHADOW)),
-                    static_cast<std::uint32_t>(state.Value(PARA_LEVELS_LIGHT)));
+        return ResultOf(AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS)));
+    return ResultOf(ApplyLevels(*state.image,
+                                static_cast<std::uint32_t>(state.Value(PARA_LEVELS_SHADOW)),
+                                static_cast<std::uint32_t>(state.Value(PARA_LEVELS_LIGHT))));
 }
 
 bool HasPixelMapping(const RunState& state) {
@@ -111,35 +111,36 @@ bool HasPixelMapping(const RunState& state) {
     return ComposePixelMap(state, map) != 0;
 }
 
-void MapPixels(RunState& state) {
+StepResult MapPixels(RunState& state) {
     PixelMap map = IdentityPixelMap();
     ComposePixelMap(state, map);
-    ApplyPixelMap(map, *state.image);
+    return ResultOf(ApplyPixelMap(map, *state.image));
 }
 
-void EnhanceDetail(RunState& state) {
-    MultiScaleDetail(*state.image, state.Value(PARA_ADJUST_MULTI_SCALE_R));
+StepResult EnhanceDetail(RunState& state) {
+    return ResultOf(MultiScaleDetail(*state.image, state.Value(PARA_ADJUST_MULTI_SCALE_R)));
 }
 
-void AdjustLevelsPost(RunState& state) {
-    AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS_POST));
+StepResult AdjustLevelsPost(RunState& state) {
+    return ResultOf(AutoLevels(*state.image, state.Value(PARA_AUTO_LEVELS_POST)));
 }
 
-void BlurSurfaces(RunState& state) {
+StepResult BlurSurfaces(RunState& state) {
     const int radius = Scaled(state.Value(PARA_SURFACE_BLUR_RADIUS), 1, 1);
     const int threshold = Scaled(state.Value(PARA_SURFACE_BLUR_THRESHOLD), 1, 2);
-    SurfaceBlur(*state.image, radius, threshold, state.Value(PARA_SURFACE_BLUR_TIMES),
-                state.Value(PARA_SURFACE_BLUR_ALGRITHOM));
+    return ResultOf(SurfaceBlur(*state.image, radius, threshold,
+                                state.Value(PARA_SURFACE_BLUR_TIMES),
+                                state.Value(PARA_SURFACE_BLUR_ALGRITHOM)));
 }
 
-void SharpenAdjusted(RunState& state) {
-    AdjustSharpen(*state.image, state.Value(PARA_ADJUST_SHARPEN_PERCENT),
-                  Scaled(state.Value(PARA_ADJUST_SHARPEN_SIZE), 2, 7));
+StepResult SharpenAdjusted(RunState& state) {
+    return ResultOf(AdjustSharpen(*state.image, state.Value(PARA_ADJUST_SHARPEN_PERCENT),
+                                  Scaled(state.Value(PARA_ADJUST_SHARPEN_SIZE), 2, 7)));
 }
 
-void ReduceColors(RunState& state) {
+StepResult ReduceColors(RunState& state) {
     state.reduce = MakeReduceRequest(state.values, *state.image, state.layout);
-    DecreaseBpp(*state.image, state.isPreview, state.reduce);
+    return ResultOf(DecreaseBpp(*state.image, state.isPreview, state.reduce));
 }
 
 }  // namespace velloran

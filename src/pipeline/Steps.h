@@ -1,17 +1,20 @@
 #pragma once
 
 // The work of the steps: each takes what it needs from the state of the run, calls the operation of
-// its folder and leaves the image usable. A step that cannot work passes the image on.
+// its folder, leaves the image usable and answers kRan, or kLeft where the operation refused. Want
+// of memory is noted by the operations themselves (core/StepContext.h).
+
+#include "pipeline/StepResult.h"
 
 namespace velloran {
 
 struct RunState;
 
 /// Passes the image on as it is.
-void PassOn(RunState& state);
+StepResult PassOn(RunState& state);
 
 /// Step 1: a quarter turn to the left or right, a half turn, mirrored or flipped.
-void RotatePage(RunState& state);
+StepResult RotatePage(RunState& state);
 
 /// Before step 4: the layout record, with the size that the page has after its correction.
 void StartLayout(RunState& state);
@@ -19,29 +22,29 @@ void StartLayout(RunState& state);
 /// Step 5: cuts image and mask by the four margins, keeps in the layout what was cut, and fills
 /// what the mask marks. With the search for the content box set the margins are only the frame of
 /// that search, and nothing is cut by them.
-void CropPage(RunState& state);
+StepResult CropPage(RunState& state);
 
 /// Step 14: automatic levels where they are set, else the manual ones.
-void AdjustLevels(RunState& state);
+StepResult AdjustLevels(RunState& state);
 
 /// Step 16: whether any stage of the tone table changes it.
 bool HasPixelMapping(const RunState& state);
 /// Step 16: one table of all stages, applied once.
-void MapPixels(RunState& state);
+StepResult MapPixels(RunState& state);
 
 /// Step 18: multi-scale detail.
-void EnhanceDetail(RunState& state);
+StepResult EnhanceDetail(RunState& state);
 
 /// Step 19.
-void AdjustLevelsPost(RunState& state);
+StepResult AdjustLevelsPost(RunState& state);
 
 /// Step 24: the surface blur; radius and threshold are counted from 1 and 2 in their parameters.
-void BlurSurfaces(RunState& state);
+StepResult BlurSurfaces(RunState& state);
 
 /// Step 27: the adjustable sharpening; the parameter of its size counts odd sizes from 7.
-void SharpenAdjusted(RunState& state);
+StepResult SharpenAdjusted(RunState& state);
 
 /// Step 29: the colour reduction with the protected colour; a preview keeps its depth.
-void ReduceColors(RunState& state);
+StepResult ReduceColors(RunState& state);
 
 }  // namespace velloran

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/IndexRows.h"
+#include "core/StepContext.h"
 
 namespace velloran {
 namespace {
@@ -108,6 +109,7 @@ int CountColors(const CDibImage& image) {
             colors.AddAll(image);
             return colors.Count();
         } catch (const std::bad_alloc&) {
+            NoteOutOfMemory();
             return 0;
         }
     }
@@ -124,6 +126,7 @@ ExactPalette CollectExactPalette(const CDibImage& image, int count, std::uint32_
         if (image.IsGrayScale())
             return ExactLevels(image, count, reservedColor);
     } catch (const std::bad_alloc&) {
+        NoteOutOfMemory();
     }
     return {};
 }

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "reduce/PaletteMakers.h"
 
 namespace velloran {
@@ -164,6 +165,7 @@ Palette FixedPalette(const CDibImage& image, int colors, int bits) {
             return ColorPalette(colors);
         return colors < 2 ? Palette(1) : GrayRamp(colors);
     } catch (const std::bad_alloc&) {
+        NoteOutOfMemory();
         return {};
     }
 }

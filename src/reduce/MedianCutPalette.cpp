@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/PixelMemory.h"
+#include "core/StepContext.h"
 #include "reduce/PaletteMakers.h"
 
 namespace velloran {
@@ -159,6 +160,7 @@ Palette MedianCutPalette(const CDibImage& image, int colors) {
         ReleaseKeptPixels();
         return palette;
     } catch (const std::bad_alloc&) {
+        NoteOutOfMemory();
         return {};
     }
 }

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <new>
 
+#include "core/StepContext.h"
 #include "reduce/NeuralNetwork.h"
 #include "reduce/PaletteMakers.h"
 
@@ -29,6 +30,7 @@ Palette NeuralPalette(const CDibImage& image, int colors) {
         }
         return palette;
     } catch (const std::bad_alloc&) {
+        NoteOutOfMemory();
         return {};
     }
 }

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "core/IndexRows.h"
+#include "core/StepContext.h"
 #include "reduce/PaletteMakers.h"
 
 namespace velloran {
@@ -177,6 +178,7 @@ Palette OctreePalette(const CDibImage& image, int colors) {
         }
         return quantizer.ReadPalette();
     } catch (const std::bad_alloc&) {
+        NoteOutOfMemory();
         return {};
     }
 }

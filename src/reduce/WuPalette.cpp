@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 
+#include "core/StepContext.h"
 #include "reduce/PaletteMakers.h"
 
 namespace velloran {
@@ -215,6 +216,7 @@ Palette WuPalette(const CDibImage& image, int colors) {
         }
         return palette;
     } catch (const std::bad_alloc&) {
+        NoteOutOfMemory();
         return {};
     }
 }

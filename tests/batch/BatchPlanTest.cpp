@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "batch/FoundValues.h"
 #include "codecs/Formats.h"
 #include "files/TargetNames.h"
 #include "params/ParaBlock.h"
+#include "pipeline/FoundValues.h"
 #include "support/TempFolder.h"
 #include "text/Labels.h"
 
@@ -197,22 +197,22 @@ TEST_F(Plan, FoldersAreTheSameIgnoringCaseAndThroughLinks) {
 
 TEST(FoundValues, AreMissingWhereAStepIsOnAndUnset) {
     CParaBlock block;
-    EXPECT_FALSE(HasValuesToFind(block));
+    EXPECT_FALSE(HasValuesToFind(block.GetValues()));
     block.SetPara(PARA_PAGE_SPLIT_TYPE, 2);
-    EXPECT_TRUE(HasValuesToFind(block));
+    EXPECT_TRUE(HasValuesToFind(block.GetValues()));
     block.SetPara(PARA_PAGE_SPLIT_RIGHT, 5);
-    EXPECT_TRUE(HasValuesToFind(block));
+    EXPECT_TRUE(HasValuesToFind(block.GetValues()));
     block.SetPara(PARA_PAGE_SPLIT_MID, 3);
-    EXPECT_FALSE(HasValuesToFind(block));
+    EXPECT_FALSE(HasValuesToFind(block.GetValues()));
     block.SetPara(PARA_CRT_TYPE, 1);
-    EXPECT_FALSE(HasValuesToFind(block)) << "corners of 0 are set";
+    EXPECT_FALSE(HasValuesToFind(block.GetValues())) << "corners of 0 are set";
     for (int i = PARA_CRT_PT_LT; i <= PARA_CRT_PT_LB; ++i)
         block.SetPara(i, -1);
-    EXPECT_TRUE(HasValuesToFind(block));
+    EXPECT_TRUE(HasValuesToFind(block.GetValues()));
     block.SetPara(PARA_CRT_TYPE, 3);
-    EXPECT_TRUE(HasValuesToFind(block)) << "curve points of 0 are unset";
+    EXPECT_TRUE(HasValuesToFind(block.GetValues())) << "curve points of 0 are unset";
     block.SetPara(PARA_CRT_DEWARPING_BTM_8, 1);
-    EXPECT_FALSE(HasValuesToFind(block));
+    EXPECT_FALSE(HasValuesToFind(block.GetValues()));
 }
 
 }  // namespace

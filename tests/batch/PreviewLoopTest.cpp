@@ -27,17 +27,22 @@ class Preview : public testing::Test {
         };
     }
     PreviewLoop::Deliver Recorded() {
-        return [this](CDibImage& result) {
+        return [this](CDibImage& result, const RunReport& report) {
             const std::lock_guard hold(lock_);
+            if (!report.IsWhole()) {
+                ++notes_;
+                return;
+            }
             shown_.Transfer(result);
             ++delivered_;
             deliveredEvent_.Set();
         };
     }
     PreviewLoop::Run Counted() {
-        return [this](CDibImage&, CParaBlock& block, CancelFunction, void*) {
-            EXPECT_EQ(&block, &wanted_);
+        return [this](CDibImage&, const Settings& settings, CancelToken) {
+            EXPECT_EQ(settings, applied_.GetSettings());
             ++runs_;
+            return RunReport();
         };
     }
 
@@ -53,7 +58,7 @@ class Preview : public testing::Test {
 
     CDibImage source_ = test::Filled(9, 7, 8, 10);
     CParaBlock wanted_, applied_;
-    std::atomic<int> runs_{0}, delivered_{0};
+    std::atomic<int> runs_{0}, delivered_{0}, notes_{0};
     CManualEvent deliveredEvent_;
     std::mutex lock_;
     CDibImage shown_;
@@ -108,11 +113,12 @@ TEST_F(Preview, FirstLookComesAfterTheWait) {
 
 TEST_F(Preview, ChangeDuringARunIsPickedUpOnTheNextPass) {
     CManualEvent goOn;
-    const auto run = [&](CDibImage&, CParaBlock&, CancelFunction, void*) {
+    const auto run = [&](CDibImage&, const Settings&, CancelToken) {
         if (++runs_ == 1) {
             wanted_.SetPara(PARA_GAMMA, 150);
             goOn.Wait();
         }
+        return RunReport();
     };
     PreviewLoop loop(SourceOf(source_), wanted_, applied_, Recorded(), run);
     ASSERT_TRUE(loop.Start());
@@ -129,13 +135,14 @@ TEST_F(Preview, ChangeDuringARunIsPickedUpOnTheNextPass) {
 TEST_F(Preview, StopDuringARunThrowsTheCopyAway) {
     CManualEvent isRunning;
     std::atomic<int> cancelBefore{-1}, cancelAfter{-1};
-    const auto run = [&](CDibImage&, CParaBlock&, CancelFunction cancel, void* context) {
-        cancelBefore = cancel(context);
+    const auto run = [&](CDibImage&, const Settings&, CancelToken cancel) {
+        cancelBefore = cancel.IsCancelled();
         isRunning.Set();
         const auto limit = Clock::now() + 60s;
-        while (cancel(context) == 0 && Clock::now() < limit)
+        while (!cancel.IsCancelled() && Clock::now() < limit)
             std::this_thread::sleep_for(1ms);
-        cancelAfter = cancel(context);
+        cancelAfter = cancel.IsCancelled();
+        return RunReport();
     };
     PreviewLoop loop(SourceOf(source_), wanted_, applied_, Recorded(), run);
     ASSERT_TRUE(loop.Start());
@@ -172,10 +179,11 @@ TEST_F(Preview, WithoutAnImageNothingIsDelivered) {
     EXPECT_EQ(delivered_, 0);
 }
 
-TEST_F(Preview, RunOutOfMemoryIsLeftOutAndTheLoopGoesOn) {
-    const auto run = [&](CDibImage&, CParaBlock&, CancelFunction, void*) {
+TEST_F(Preview, RunOutOfMemoryGivesANoteInPlaceOfAPictureAndTheLoopGoesOn) {
+    const auto run = [&](CDibImage&, const Settings&, CancelToken) {
         if (++runs_ == 1)
             throw std::bad_alloc();
+        return RunReport();
     };
     PreviewLoop loop(SourceOf(source_), wanted_, applied_, Recorded(), run);
     ASSERT_TRUE(loop.Start());
@@ -187,6 +195,7 @@ TEST_F(Preview, RunOutOfMemoryIsLeftOutAndTheLoopGoesOn) {
     loop.Stop();
     EXPECT_EQ(runs_, 2);
     EXPECT_EQ(delivered_, 1);
+    EXPECT_EQ(notes_, 1);
 }
 
 TEST_F(Preview, RunsTheWholePipelineWhereNothingElseIsGiven) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -151,7 +152,8 @@ TEST_F(SavedDocument, EmptyDocumentFails) {
 TEST_F(SavedDocument, StoppedRunWritesNothing) {
     test::WriteAll(folder_ / "a.png", "old");
     SaveRun run;
-    run.cancel = [](void*) { return 1; };
+    const std::atomic<bool> isStopped = true;
+    run.cancel = CancelToken(isStopped);
     block_.SetPara(PARA_NEGATE, 1);
     const SaveResult result =
         SaveDocument(folder_ / "a.png", AsLoaded(test::Filled(9, 7, 24, 10)), block_, run);

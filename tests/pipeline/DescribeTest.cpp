@@ -12,7 +12,7 @@
 namespace velloran {
 namespace {
 
-using Describer = void (*)(const CParaBlock&, std::u16string&);
+using Describer = void (*)(const ParaValues&, std::u16string&);
 using Values = std::vector<std::pair<int, std::int32_t>>;
 
 std::string Lines(Describer describe, const Values& values) {
@@ -20,7 +20,7 @@ std::string Lines(Describer describe, const Values& values) {
     for (const auto& [index, value] : values)
         block.SetPara(index, value);
     std::u16string text;
-    describe(block, text);
+    describe(block.GetValues(), text);
     return ToUtf8(text);
 }
 

@@ -92,7 +92,7 @@ TEST(ResizeStep, AContentLargerOneWayAndSmallerTheOtherRunsNeither) {
     CParaBlock block;
     CDibImage image = test::Noise(40, 30, 24);
     for (const auto& [width, height] : {std::pair{80, 15}, {20, 60}, {40, 60}, {20, 30}}) {
-        RunState state{.block = block, .image = &image};
+        RunState state{.image = &image, .values = block.GetValues()};
         state.layout.contentWidth = width;
         state.layout.contentHeight = height;
         for (const int number : {13, 25})

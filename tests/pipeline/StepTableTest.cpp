@@ -7,6 +7,7 @@
 
 #include "core/DibImage.h"
 #include "core/Pipeline.h"
+#include "params/ParaBlock.h"
 #include "pipeline/RunState.h"
 #include "support/Images.h"
 
@@ -78,7 +79,7 @@ class StepTableSizes : public testing::TestWithParam<SizeCase> {};
 TEST_P(StepTableSizes, EnlargingAndReducingNeverBothRun) {
     CParaBlock block;
     CDibImage image = test::Filled(20, 10, 8, 0);
-    RunState state{.block = block, .image = &image};
+    RunState state{.image = &image, .values = block.GetValues()};
     state.layout.contentWidth = GetParam().contentWidth;
     state.layout.contentHeight = GetParam().contentHeight;
     EXPECT_EQ(Row(13).runs(state), GetParam().enlarges);

@@ -32,7 +32,6 @@ CDibImage After(CParaBlock block, const CDibImage& before) {
 /// The state at the end of a run of the steps up to `last`.
 void TakeSteps(RunState& state, int last) {
     for (const Step& step : Steps().first(static_cast<std::size_t>(last))) {
-        state.values = state.block.GetValues();
         if (step.before != nullptr)
             step.before(state);
         if (step.runs(state))
@@ -100,7 +99,7 @@ TEST(CropStep, KeepsInTheLayoutWhatWasCut) {
                              {PARA_CROPPING_P_RIGHT, 200},
                              {PARA_CROPPING_P_BOTTOM, 500}});
     CDibImage image = test::Noise(50, 40, 24);
-    RunState state{.block = block, .image = &image};
+    RunState state{.image = &image, .values = block.GetValues()};
     TakeSteps(state, 5);
     EXPECT_EQ(state.layout.cutLeft, 5);
     EXPECT_EQ(state.layout.cutTop, 4);
@@ -114,7 +113,7 @@ TEST(CropStep, ACutThatWouldLeaveNothingIsRefusedAndNotKept) {
     CParaBlock block = With({{PARA_CROPPING_P_LEFT, 600}, {PARA_CROPPING_P_RIGHT, 600}});
     const CDibImage before = test::Noise(50, 40, 24);
     CDibImage image = before;
-    RunState state{.block = block, .image = &image};
+    RunState state{.image = &image, .values = block.GetValues()};
     TakeSteps(state, 5);
     test::ExpectSamePixels(image, before);
     EXPECT_EQ(state.layout.cutLeft, 0);
@@ -124,7 +123,7 @@ TEST(CropStep, ACutThatWouldLeaveNothingIsRefusedAndNotKept) {
 TEST(CropStep, CutsTheMaskWithThePageAndFillsWhatItMarks) {
     CParaBlock block = With({{PARA_CROPPING_P_LEFT, 100}, {PARA_FILL_BLANK_COLOR, 0x0000FF}});
     CDibImage image = test::Filled(50, 40, 24, 10);
-    RunState state{.block = block, .image = &image};
+    RunState state{.image = &image, .values = block.GetValues()};
     state.mask = test::Filled(50, 40, 8, 255);
     test::SetIndex(state.mask, 20, 30, 0);
     TakeSteps(state, 5);
@@ -144,7 +143,7 @@ TEST(CropStep, WithoutAMaskNothingIsFilled) {
 TEST(CropStep, WithoutACropAMaskIsNotFilled) {
     CParaBlock block = With({{PARA_FILL_BLANK_COLOR, 0x0000FF}});
     CDibImage image = test::Filled(50, 40, 24, 10);
-    RunState state{.block = block, .image = &image};
+    RunState state{.image = &image, .values = block.GetValues()};
     state.mask = test::Filled(50, 40, 8, 0);
     TakeSteps(state, 30);
     test::ExpectSamePixels(image, test::Filled(50, 40, 24, 10));
@@ -221,7 +220,7 @@ TEST(PixelMappingStep, NeutralValuesReachNoPixelBuffer) {
 TEST(ReductionStep, AGrayPageWithAColoredFillAndACropProtectsAGray) {
     CParaBlock block = With({{PARA_CROPPING_P_LEFT, 100}, {PARA_FILL_BLANK_COLOR, 0x0000FF}});
     CDibImage image = test::Noise(50, 40, 8);
-    RunState state{.block = block, .image = &image};
+    RunState state{.image = &image, .values = block.GetValues()};
     TakeSteps(state, 30);
     EXPECT_EQ(state.reduce.reservedColor, 0x4C4C4CU);  // 306 * 255 / 1024
     EXPECT_EQ(state.layout.fillColor, 0x4C4C4CU);
