@@ -63,7 +63,7 @@ _velloran() {
         enhance) options+=" $parameters --stop --preview --save-setting -v --verbose" ;;
         batch)
             options+=" $parameters --ext --files --no-recurse --skip-colour --keep-time -j --jobs"
-            options+=" --log -y --yes --list -0 --null --dry-run --json --progress -v --verbose"
+            options+=" --log --memory --skip-existing --keep-dpi --strict -y --yes --list -0 --null --dry-run --json --progress -v --verbose"
             ;;
         describe) options+=" $parameters --crop-summary" ;;
         params | info) options+=" --json" ;;

@@ -80,7 +80,6 @@ void BatchPages(benchmark::State& state) {
     request.target = pages.Folder() / "out";
     request.log = pages.Folder() / "log.txt";
     request.jobs = static_cast<int>(state.range(0));
-    GlobalBlock().Reset();
     for (auto _ : state)
         if (RunBatch(request, {}).converted != kPages)
             state.SkipWithError("a page failed");

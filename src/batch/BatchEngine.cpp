@@ -14,6 +14,7 @@
 #include "batch/BatchWorkers.h"
 #include "batch/ConvertFile.h"
 #include "batch/RunLog.h"
+#include "batch/RunSettings.h"
 #include "batch/TargetFolders.h"
 #include "codecs/Formats.h"
 #include "core/FreeMemory.h"
@@ -21,8 +22,6 @@
 #include "files/ProgramPlaces.h"
 #include "files/ReplaceRules.h"
 #include "files/TargetNames.h"
-#include "params/ParaBlock.h"
-#include "pipeline/FoundValues.h"
 #include "text/Labels.h"
 #include "text/Text.h"
 
@@ -70,13 +69,15 @@ class StageBoard {
 class BatchRun {
  public:
     BatchRun(const BatchRequest& request, const BatchEvents& events)
-        : request_(request), events_(events), block_(GlobalBlock()) {}
+        : request_(request), events_(events), settings_(request.settings) {}
 
     BatchResult Convert() {
         const Clock::time_point start = Clock::now();
         if (Check() && Plan() && CheckLog() && AskToReplace())
             ConvertAll();
         result_.seconds = SecondsSince(start);
+        result_.settings = settings_.Get();
+        result_.settings.Set(PARA_DPI, names_.dpi);
         return std::move(result_);
     }
 
@@ -129,7 +130,8 @@ class BatchRun {
             return End(BatchResult::End::kRefused, labels::kNoSourceFolder);
         if (request_.target.empty())
             return End(BatchResult::End::kRefused, labels::kNoTargetFolder);
-        names_ = ReadBatchTarget(block_);
+        names_ = ReadBatchTarget(request_.settings);
+        names_.keepDpi = request_.keepDpi;
         if (const std::u16string_view refusal = RefuseTarget(names_); !refusal.empty())
             return End(BatchResult::End::kRefused, refusal);
         return true;
@@ -178,8 +180,8 @@ class BatchRun {
         plan.target = request_.target;
         plan.list = request_.list;
         plan.useList = request_.useList;
-        plan.filter = SourceFilter(block_.GetPara(PARA_SRC_FILES));
-        plan.recursive = block_.GetPara(PARA_GO_SUB_DIR) != 0;
+        plan.filter = SourceFilter(request_.settings[PARA_SRC_FILES]);
+        plan.recursive = request_.settings[PARA_GO_SUB_DIR] != 0;
         plan.skipColor = request_.skipColor;
         plan.skipExisting = request_.skipExisting;
         plan.names = names_;
@@ -225,7 +227,6 @@ class BatchRun {
     }
 
     void ConvertAll() {
-        block_.SetPara(PARA_DPI, names_.dpi);
         const fs::path ownLog = FindProgramPlaces().log;
         log_ = std::make_unique<RunLog>(request_.log.empty() ? ownLog : request_.log);
         ownLog_ = request_.log.empty();
@@ -235,7 +236,8 @@ class BatchRun {
         ConvertRequest convert;
         convert.plan = &plan_;
         convert.folders = &folders;
-        convert.block = &block_;
+        convert.settings = &settings_;
+        convert.strict = request_.strict;
         convert.names = names_;
         convert.skipColor = request_.skipColor;
         convert.skipExisting = request_.skipExisting;
@@ -255,7 +257,7 @@ class BatchRun {
         workers.memory = request_.memory > 0 ? request_.memory : FreeMemory();
         convert.isAlone = shares.workers == 1;
         workers.begin = [&](std::size_t i) { return BeginFile(convert, plan_.At(i)); };
-        workers.needsAlone = [this] { return HasValuesToFind(block_.GetValues()); };
+        workers.needsAlone = [this] { return settings_.HasValuesToFind(); };
         workers.deliver = [this](std::size_t i, FileOutcome outcome) {
             Take(plan_.At(i), std::move(outcome));
         };
@@ -289,6 +291,7 @@ class BatchRun {
         }
         result_.bytesIn += outcome.bytesIn;
         result_.bytesOut += outcome.bytesOut;
+        TellOfSource(file, outcome);
         if (!outcome.evadedTo.empty())
             Warn(file.source + ": its target's name is that of another source, goes to " +
                  outcome.evadedTo);
@@ -299,6 +302,20 @@ class BatchRun {
         else
             LogAndFail(file, outcome);
         TellProgress(file.source, {});
+    }
+
+    /// What was lost of a source that was converted in part.
+    void TellOfSource(const PlannedFile& file, const FileOutcome& outcome) {
+        const bool isConverted = outcome.end == FileOutcome::End::kConverted;
+        if (!outcome.damage.empty()) {
+            result_.damaged.push_back(file.source);
+            if (isConverted)
+                Warn(file.source + ": " + ToUtf8(labels::kDamagedSource) + " (" + outcome.damage +
+                     ")");
+        }
+        if (outcome.pictures > 1 && isConverted)
+            Warn(file.source + ": " + ToUtf8(labels::kPicturesBefore) +
+                 std::to_string(outcome.pictures) + ToUtf8(labels::kPicturesBehind));
     }
 
     /// A folder to which nothing can be written is told once; its files are counted.
@@ -353,7 +370,7 @@ class BatchRun {
 
     const BatchRequest& request_;
     const BatchEvents& events_;
-    CParaBlock& block_;
+    RunSettings settings_;
     std::atomic<bool> ownStop_{false};
     fs::path source_;
     BatchTarget names_;

@@ -1,8 +1,7 @@
 #pragma once
 
 // Batch conversion without its window: the enhancement over a source folder tree into a target
-// folder tree, or over chosen files. What to do with each page, which files, and how the results
-// are named stand in the global block. The windows and the command line drive this engine.
+// folder tree, or over chosen files. The windows and the command line drive this engine.
 //
 // All callbacks come on the thread that called RunBatch. The engine shows and asks nothing itself.
 
@@ -15,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+#include "params/Settings.h"
+
 namespace velloran {
 
 struct BatchRequest {
@@ -23,6 +24,7 @@ struct BatchRequest {
     /// first file is taken; the result of a file from outside it goes into the target folder.
     std::vector<std::filesystem::path> list;
     bool useList = false;
+    Settings settings;                  // what to do with each page, which files, and their names
     bool skipColor = false;             // colour pages are copied
     bool keepDpi = false;               // results take the resolution of their sources
     bool skipExisting = false;          // leaves sources whose targets stand and are not older
@@ -79,6 +81,7 @@ struct BatchResult {
     std::string path;           // of a refusal, where one file is the cause
     ReplaceQuestion question;   // of kDeclined
     bool offersLog = false;     // a window asks labels::kSeeLogAsk behind the message
+    Settings settings;          // as they stand after the run: limited, and with what it found
     std::filesystem::path log;  // of this run, where something was logged
     std::size_t files = 0, converted = 0;
     std::size_t skipped = 0;           // sources left because their targets stand already
@@ -89,7 +92,7 @@ struct BatchResult {
     double seconds = 0;
 };
 
-/// A whole run with the global block.
+/// A whole run.
 BatchResult RunBatch(const BatchRequest& request, const BatchEvents& events);
 
 /// What RunBatch would convert: `planned` is told each source and its target, whose extension is

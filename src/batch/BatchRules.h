@@ -6,24 +6,22 @@
 #include <cstdint>
 #include <string_view>
 
+#include "files/SavePage.h"
+
 namespace velloran {
 
-class CParaBlock;
+struct Settings;
 
 /// How the results of a run are named and written; read from a block once, at the start.
-struct BatchTarget {
+struct BatchTarget : PageTarget {
     int extensionPosition = 0;      // in the list of target extensions; 0 is automatic
     std::u16string_view extension;  // without dot; empty when it is chosen for each file
     std::int32_t packedRule = 0;    // PARA_TGT_FILES
-    bool cropGif = false;
-    int color = 2;  // PARA_COLOR
-    int quality = 70;
-    int dpi = 300;  // 0..8000
     bool keepFileTime = false;
 };
 
 /// The 16-bit colour depths make an automatic extension "bmp".
-BatchTarget ReadBatchTarget(const CParaBlock& block);
+BatchTarget ReadBatchTarget(const Settings& settings);
 
 /// Why the colour depth and the chosen extension do not go together; empty when they do.
 std::u16string_view RefuseTarget(const BatchTarget& target);

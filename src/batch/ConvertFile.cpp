@@ -3,21 +3,23 @@
 #include <exception>
 #include <new>
 #include <optional>
+#include <string>
 #include <system_error>
 #include <utility>
 
 #include "batch/PageMemory.h"
 #include "batch/RunLog.h"
+#include "batch/RunSettings.h"
 #include "batch/TargetFolders.h"
 #include "core/DibImage.h"
 #include "files/AutoExtension.h"
+#include "files/EnhancePage.h"
 #include "files/FileCopy.h"
-#include "files/ImageFiles.h"
+#include "files/LoadPage.h"
+#include "files/SavePage.h"
 #include "files/TargetNames.h"
-#include "params/ParaBlock.h"
+#include "params/Settings.h"
 #include "params/TargetRule.h"
-#include "pipeline/Run.h"
-#include "reduce/CheckGray.h"
 #include "text/Labels.h"
 #include "text/Text.h"
 
@@ -34,12 +36,20 @@ class Conversion {
  public:
     Conversion(const ConvertRequest& request, const PlannedFile& file,
                const std::optional<struct stat>& status, FileOutcome& outcome)
-        : request_(request), file_(file), outcome_(outcome), status_(status) {}
+        : request_(request),
+          file_(file),
+          outcome_(outcome),
+          settings_(request.settings->Get()),
+          load_(LoadRequestFor(settings_,
+                               [this](const CDibImage& image) {
+                                   return KeepsAlpha("page" + ExtensionFor(image), image);
+                               })),
+          status_(status) {}
 
     void Run() {
         if (IsStopped() || !Read() || StandsAlready())
             return;
-        if (IsStopped() || !MakeTargetFolder() || !CheckName())
+        if (IsStopped() || !IsFitForItsTarget() || !MakeTargetFolder() || !CheckName())
             return;
         const bool written = IsColorToSkip() ? CopyAsItIs() : Enhance() && Save();
         if (!written)
@@ -68,10 +78,29 @@ class Conversion {
     bool Read() {
         Stage(labels::kStageRead);
         FileError error;
-        if (!LoadImageFile(file_.source, image_, &error))
-            return Fail(file_.source, kLogReadFailed, std::move(error));
+        if (!LoadPage(file_.source, load_, page_, &error))
+            return Fail(file_.source,
+                        error.reason == FileReason::kNoMemory ? kLogOutOfMemory : kLogReadFailed,
+                        std::move(error));
         outcome_.bytesIn = status_ ? static_cast<std::int64_t>(status_->st_size) : 0;
-        CheckGray(image_, request_.block->GetPara(PARA_DECREASE_CHECK_GRAY));
+        outcome_.pictures = page_.notes.pictures;
+        if (page_.notes.damaged)
+            outcome_.damage = page_.notes.reason.empty() ? "damaged" : page_.notes.reason;
+        return true;
+    }
+
+    /// What could be read in part only must not take the place of the rest.
+    bool IsFitForItsTarget() {
+        const bool isItself = request_.plan->IsItself(file_, TargetNow().extension().native());
+        FileError error;
+        if (page_.notes.damaged && (request_.strict || isItself)) {
+            FailDamaged(&error, outcome_.damage);
+            return Fail(file_.source, kLogDamaged, std::move(error));
+        }
+        if (page_.notes.pictures > 1 && isItself) {
+            FailContent(&error, "holds " + std::to_string(page_.notes.pictures) + " pictures");
+            return Fail(file_.source, kLogConversionFailed, std::move(error));
+        }
         return true;
     }
 
@@ -85,12 +114,14 @@ class Conversion {
     }
 
     /// The name by the image as it is now; the image decides where the extension is automatic.
-    fs::path TargetNow() {
-        std::u16string_view extension = request_.names.extension;
-        if (extension.empty())
-            extension = PickAutoExtension(image_, request_.names.extensionPosition,
-                                          request_.names.packedRule);
-        return TargetWith(DottedExtension(extension));
+    fs::path TargetNow() { return TargetWith(ExtensionFor(page_.image)); }
+
+    std::string ExtensionFor(const CDibImage& image) const {
+        const BatchTarget& names = request_.names;
+        return DottedExtension(
+            names.extension.empty()
+                ? PickAutoExtension(image, names.extensionPosition, names.packedRule)
+                : names.extension);
     }
 
     fs::path TargetWith(std::string_view extension) {
@@ -120,7 +151,7 @@ class Conversion {
         return Fail(target, kLogWriteFailed, std::move(error));
     }
 
-    bool IsColorToSkip() const { return request_.skipColor && !image_.IsGrayScale(); }
+    bool IsColorToSkip() const { return request_.skipColor && !page_.image.IsGrayScale(); }
 
     bool CopyAsItIs() {
         if (request_.plan->IsSameFolder()) {
@@ -142,13 +173,12 @@ class Conversion {
 
     bool Enhance() {
         RunRequest run;
-        run.image = &image_;
-        run.settings = request_.block->GetSettings();
+        run.settings = settings_;
         run.cancel = CancelToken(*request_.stop);
         run.label = [this](std::u16string_view label) { Stage(label); };
-        run.deskewEdge = run.settings[PARA_DESKEW_EDGE];
-        const RunReport report = velloran::Run(run);
-        report.found.ApplyTo(*request_.block);
+        run.deskewEdge = settings_[PARA_DESKEW_EDGE];
+        const RunReport report = EnhancePage(load_, page_, std::move(run));
+        request_.settings->Take(report.found);
         return report.end == RunEnd::kDone && IsWhole(report);
     }
 
@@ -168,9 +198,7 @@ class Conversion {
         target_ = TargetNow();
         Stage(labels::kStageSave);
         FileError error;
-        const BatchTarget& names = request_.names;
-        if (!SaveImageFile(target_, image_, names.quality, names.dpi, names.color, names.cropGif,
-                           *request_.block, &error))
+        if (!SavePage(target_, request_.names, page_, settings_, &error))
             return Fail(target_, kLogWriteFailed, std::move(error));
         if (const auto written = ReadFileStatus(target_))
             outcome_.bytesOut = static_cast<std::int64_t>(written->st_size);
@@ -185,7 +213,9 @@ class Conversion {
     const ConvertRequest& request_;
     const PlannedFile& file_;
     FileOutcome& outcome_;
-    CDibImage image_;
+    const Settings settings_;  // as they stand when the file begins
+    const LoadPageRequest load_;
+    LoadedPage page_;
     std::optional<struct stat> status_;  // from before the read, which may move the access time
     fs::path target_;
     bool keepTimes_ = true;
@@ -210,7 +240,7 @@ PageWork BeginFile(const ConvertRequest& request, const PlannedFile& file) {
     const std::optional<struct stat> status = ReadFileStatus(file.source);
     PageWork work;
     if (!request.isAlone && !request.stop->load(std::memory_order_relaxed))
-        work.need = PageMemory(file.source, *request.block);
+        work.need = PageMemory(file.source, request.settings->Get());
     work.run = [&request, &file, status] {
         FileOutcome outcome;
         try {

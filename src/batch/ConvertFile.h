@@ -14,16 +14,17 @@
 
 namespace velloran {
 
-class CParaBlock;
+class RunSettings;
 class TargetFolders;
 
 /// What all files of a run share.
 struct ConvertRequest {
     const BatchPlan* plan = nullptr;
     TargetFolders* folders = nullptr;
-    CParaBlock* block = nullptr;  // takes what the first file finds; locks itself
+    RunSettings* settings = nullptr;
     BatchTarget names;
     bool skipColor = false;
+    bool strict = false;        // a damaged source fails
     bool skipExisting = false;  // a page that would replace its own source stays as it is
     bool isAlone = false;       // one file at a time: what a page takes in memory is not asked for
     const std::atomic<bool>* stop = nullptr;  // looked at between steps
@@ -40,6 +41,8 @@ struct FileOutcome {
     bool writeFailed = false;
     std::string failedFolder;  // to which nothing can be written; empty where the file failed
     std::string evadedTo;      // the result's path, when its name turned out to be another source's
+    std::string damage;        // why the source could be read in part only; empty for a whole one
+    int pictures = 1;          // pages or frames in the source, of which the first was converted
     bool timesLost = false;    // the times could not be set
     std::int64_t bytesIn = 0, bytesOut = 0;
 };

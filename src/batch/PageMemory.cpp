@@ -5,7 +5,7 @@
 #include "codecs/ImageInfo.h"
 #include "files/FileCopy.h"
 #include "files/ImageFiles.h"
-#include "params/ParaBlock.h"
+#include "params/Settings.h"
 
 namespace velloran {
 
@@ -15,27 +15,27 @@ constexpr std::int64_t kCopies = 4;        // the page as read, as enhanced, and
 constexpr std::int64_t kFloatCopies = 14;  // steps that work on planes of numbers
 constexpr std::int64_t kPercent = 100;
 
-bool WorksOnFloats(const CParaBlock& block) {
-    return block.GetPara(PARA_LUM_CORRECT) != 0;
+bool WorksOnFloats(const Settings& settings) {
+    return settings[PARA_LUM_CORRECT] != 0;
 }
 
 }  // namespace
 
-std::int64_t PageMemory(const ImageInfo& info, std::int64_t fileSize, const CParaBlock& block) {
+std::int64_t PageMemory(const ImageInfo& info, std::int64_t fileSize, const Settings& settings) {
     const std::int64_t samples = info.grey || info.bitsPerPixel <= 1 ? 1 : 3;
     const std::int64_t page = std::int64_t{info.width} * info.height * samples;
-    const std::int64_t size = std::clamp<std::int64_t>(block.GetPara(PARA_RESIZE), 100, 400);
+    const std::int64_t size = std::clamp<std::int64_t>(settings[PARA_RESIZE], 100, 400);
     const std::int64_t enlarged = page / kPercent * size / kPercent * size;
-    return fileSize + enlarged * (WorksOnFloats(block) ? kFloatCopies : kCopies);
+    return fileSize + enlarged * (WorksOnFloats(settings) ? kFloatCopies : kCopies);
 }
 
-std::int64_t PageMemory(const std::filesystem::path& file, const CParaBlock& block) {
+std::int64_t PageMemory(const std::filesystem::path& file, const Settings& settings) {
     int type = 0;
     ImageInfo info;
     if (!ReadImageInfo(file, type, info))
         return 0;
     const auto status = ReadFileStatus(file);
-    return PageMemory(info, status ? static_cast<std::int64_t>(status->st_size) : 0, block);
+    return PageMemory(info, status ? static_cast<std::int64_t>(status->st_size) : 0, settings);
 }
 
 }  // namespace velloran

@@ -7,14 +7,14 @@
 
 namespace velloran {
 
-class CParaBlock;
 struct ImageInfo;
+struct Settings;
 
 /// Bytes at the peak of a page's conversion: the file, the page itself and the copies that the
 /// steps make of it.
-std::int64_t PageMemory(const ImageInfo& info, std::int64_t fileSize, const CParaBlock& block);
+std::int64_t PageMemory(const ImageInfo& info, std::int64_t fileSize, const Settings& settings);
 
 /// The same for a file; 0 for one whose head cannot be read.
-std::int64_t PageMemory(const std::filesystem::path& file, const CParaBlock& block);
+std::int64_t PageMemory(const std::filesystem::path& file, const Settings& settings);
 
 }  // namespace velloran

@@ -15,6 +15,7 @@ enum LogRow : int {
     kLogWriteFailed = 2,
     kLogReadFailed = 3,
     kLogOutOfMemory = 6,
+    kLogDamaged = 7,
     kLogConversionFailed = 25,
 };
 

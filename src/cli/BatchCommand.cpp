@@ -100,6 +100,7 @@ class BatchCommand {
                             Unguard(*options_.extension)));
         request_.source = Unguard(options_.source);
         request_.target = Unguard(options_.target);
+        request_.settings = GlobalBlock().GetSettings();
         request_.skipColor = options_.skipColor;
         request_.jobs = options_.jobs;
         request_.log = Unguard(options_.log);

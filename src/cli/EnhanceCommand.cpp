@@ -14,11 +14,12 @@
 #include "cli/StopSignal.h"
 #include "core/DibImage.h"
 #include "core/ProcessorCount.h"
-#include "files/ImageFiles.h"
+#include "files/FileIdentity.h"
+#include "files/LoadPage.h"
 #include "files/ReplaceRules.h"
+#include "files/SavePage.h"
 #include "files/SaveRules.h"
 #include "params/ParaBlock.h"
-#include "reduce/CheckGray.h"
 #include "text/Labels.h"
 #include "text/Text.h"
 
@@ -34,7 +35,7 @@ constexpr std::array kStopCodes = {
 struct EnhanceOptions {
     std::string input, output;
     int stop = kStopWhole;
-    bool preview = false, verbose = false;
+    bool preview = false, verbose = false, keepDpi = false;
     std::string saveSetting;
     std::shared_ptr<ParameterOptions> parameters;
 };
@@ -66,20 +67,43 @@ int Stopped() {
     return StopStatus();
 }
 
+/// Warns of what is lost of the source; refuses to let that take the place of the source itself.
+int JudgeSource(const LoadNotes& notes, const std::string& input, const std::string& output) {
+    if (!notes.damaged && notes.pictures <= 1)
+        return kDone;
+    const auto from = FindFile(input), to = FindFile(output);
+    if (from && to && from->identity == to->identity) {
+        PrintFailure(output, notes.damaged ? labels::kInPlaceDamaged : labels::kInPlacePictures);
+        return kFileFailed;
+    }
+    if (notes.damaged)
+        PrintWarning(input + ": " + ToUtf8(labels::kDamagedSource) +
+                     (notes.reason.empty() ? "" : " (" + notes.reason + ")"));
+    if (notes.pictures > 1)
+        PrintWarning(input + ": " + ToUtf8(labels::kPicturesBefore) +
+                     std::to_string(notes.pictures) + ToUtf8(labels::kPicturesBehind));
+    return kDone;
+}
+
 int EnhanceFile(const EnhanceOptions& options, const std::string& input,
                 const std::string& output) {
     SetInnerThreads(CountProcessors());
     CParaBlock& block = GlobalBlock();
-    CDibImage image;
+    LoadedPage page;
     FileError error;
-    if (!LoadImageFile(input, image, &error)) {
+    const LoadPageRequest load = LoadRequestFor(
+        block.GetSettings(), [&](const CDibImage& image) { return KeepsAlpha(output, image); });
+    if (!LoadPage(input, load, page, &error)) {
         PrintFailure(input, labels::kLoadFailed, options.verbose ? error.detail : "");
-        return kFileFailed;
+        return FailedStatus(error);
     }
-    CheckGray(image, block.GetPara(PARA_DECREASE_CHECK_GRAY));
     if (StopFlag().load())
         return Stopped();
-    const SaveResult saved = SaveDocument(output, image, block, RunOf(options));
+    if (const int status = JudgeSource(page.notes, input, output); status != kDone)
+        return status;
+    SaveRun run = RunOf(options);
+    run.ownDpi = options.keepDpi ? page.ownDpi : 0;
+    const SaveResult saved = SaveDocument(output, page.image, block, run);
     switch (saved.outcome) {
         case SaveOutcome::kSaved:
             return kDone;
@@ -144,6 +168,8 @@ void AddEnhanceCommand(CLI::App& program, Work& chosen) {
         ->add_option("--save-setting", options->saveSetting,
                      "Write the parameters as they stand after the run, what it found included")
         ->type_name("FILE#SECTION");
+    command->add_flag("--keep-dpi", options->keepDpi,
+                      "Give the result the resolution of the source");
     command->add_flag("-v,--verbose", options->verbose, "Tell each step on standard error");
     options->parameters = AddParameterOptions(*command);
     command->callback([options, &chosen] { chosen = [options] { return Enhance(*options); }; });

@@ -118,7 +118,8 @@ bool SaveBmpAtDepth(const std::filesystem::path& path, CDibImage& image, int dpi
 
 }  // namespace
 
-bool LoadImageFile(const std::filesystem::path& path, CDibImage& image, FileError* error) {
+bool LoadImageFile(const std::filesystem::path& path, CDibImage& image, FileError* error,
+                   LoadNotes*) {
     return FailWhenOutOfMemory(error, [&] {
         if (!RefuseUnlessPlainFile(path, error))
             return false;

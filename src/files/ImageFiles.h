@@ -11,10 +11,12 @@ namespace velloran {
 
 class CDibImage;
 class CParaBlock;
+struct LoadNotes;
 
 /// Reads by content. Stores path and type id in the image's source record. CMYK reversal follows
 /// PARA_REVERSE_CMYK of the global block. True on success; else the image is empty or unchanged.
-bool LoadImageFile(const std::filesystem::path& path, CDibImage& image, FileError* error = nullptr);
+bool LoadImageFile(const std::filesystem::path& path, CDibImage& image, FileError* error = nullptr,
+                   LoadNotes* notes = nullptr);
 
 /// What the file says, without decoding pixels where the format allows; `type` is the id, also
 /// when the rest fails.

@@ -5,8 +5,11 @@
 
 #include "codecs/Formats.h"
 #include "core/DibImage.h"
+#include "files/EnhancePage.h"
 #include "files/FileType.h"
 #include "files/ImageFiles.h"
+#include "files/SavePage.h"
+#include "files/Transparency.h"
 #include "io/Leftovers.h"
 #include "params/ParaBlock.h"
 #include "params/TargetRule.h"
@@ -27,19 +30,29 @@ SaveResult Refused(std::u16string_view message) {
 
 constexpr int kOutOfMemory = 6, kConversionFailed = 25;  // positions in labels::kLogRows
 
-RunReport RunForSave(CDibImage& image, CParaBlock& block, const SaveRun& run) {
+RunRequest RequestOf(const Settings& settings, const SaveRun& run) {
     RunRequest request;
-    request.image = &image;
-    request.settings = block.GetSettings();
+    request.settings = settings;
     request.mode = run.isPreview ? RunMode::kPreview : RunMode::kFull;
     request.stop = run.stop;
     request.cancel = run.cancel;
     if (!run.isPreview)
         request.label = run.label;
-    request.deskewEdge = request.settings[PARA_DESKEW_EDGE];
-    RunReport report = Run(request);
-    report.found.ApplyTo(block);
-    return report;
+    request.deskewEdge = settings[PARA_DESKEW_EDGE];
+    return request;
+}
+
+/// The words of documents.
+std::u16string_view TextOf(SaveRefusal refusal) {
+    switch (refusal) {
+        case SaveRefusal::kWantsBmp:
+            return labels::kBmpOnlyFor16Bit;
+        case SaveRefusal::kWantsReducedTarget:
+            return labels::kReducedTargets;
+        case SaveRefusal::kNone:
+            break;
+    }
+    return {};
 }
 
 SaveResult OutOfMemory(std::string detail) {
@@ -60,53 +73,48 @@ SaveResult Unfinished(const RunReport& report) {
 }  // namespace
 
 int SaveDpi(const CParaBlock& block) {
-    return std::clamp(block.GetPara(PARA_DPI), 0, 8000);
+    return PageTargetOf(block.GetSettings()).dpi;
 }
 
 std::u16string_view RefusalOfDepth(const std::filesystem::path& target, int colourIndex) {
-    if (colourIndex >= 0 && colourIndex <= kLastUnreduced)
-        return {};
-    if (colourIndex == kColorIndex565 || colourIndex == kColorIndex555) {
-        const Format* format = FormatOfName(target.extension().native());
-        return format != nullptr && format->Has(Format::kHolds16Bit)
-                   ? std::u16string_view()
-                   : labels::kBmpOnlyFor16Bit.Text();
-    }
-    return IsColourReducedTarget(target) ? std::u16string_view() : labels::kReducedTargets.Text();
+    return TextOf(RefuseColor(target, colourIndex));
 }
 
 std::u16string_view RefusalOfResult(const std::filesystem::path& target, const CDibImage& result) {
-    const bool needsPalette = result.GetBpp() <= 8 && !result.IsGrayScale();
-    return needsPalette && !IsColourReducedTarget(target) ? labels::kReducedTargets.Text()
-                                                          : std::u16string_view();
+    return TextOf(RefuseResult(target, result));
 }
 
 SaveResult SaveDocument(const std::filesystem::path& target, const CDibImage& image,
                         CParaBlock& block, const SaveRun& run) {
-    const int dpi = SaveDpi(block);
-    const int colourIndex = block.GetPara(PARA_COLOR);
-    if (const std::u16string_view message = RefusalOfDepth(target, colourIndex); !message.empty())
+    const Settings settings = block.GetSettings();
+    PageTarget how = PageTargetOf(settings);
+    how.keepDpi = run.ownDpi > 0;
+    if (const std::u16string_view message = RefusalOfDepth(target, how.color); !message.empty())
         return Refused(message);
     SaveResult failed{SaveOutcome::kFailed, labels::kSaveFailed.Text(), {}};
-    CDibImage copy;
+    LoadedPage page;
+    page.ownDpi = run.ownDpi;
     if (image.IsValid()) {
-        copy = image;
-        if (!copy.IsValid())
+        page.image = image;
+        page.isTransparent = HasTransparency(image);
+        const LoadPageRequest load = LoadRequestFor(
+            settings, [&](const CDibImage& result) { return KeepsAlpha(target, result); });
+        if (!page.image.IsValid() || !SettleTransparency(load, page))
             return OutOfMemory("out of memory");
-        const RunReport report = RunForSave(copy, block, run);
+        const RunReport report = EnhancePage(load, page, RequestOf(settings, run));
+        report.found.ApplyTo(block);
         if (report.end == RunEnd::kCancelled || run.cancel.IsCancelled())
             return {SaveOutcome::kStopped, {}, {}};
         if (!report.IsWhole())
             return Unfinished(report);
-        if (const std::u16string_view message = RefusalOfResult(target, copy); !message.empty())
+        if (const std::u16string_view message = RefusalOfResult(target, page.image);
+            !message.empty())
             return Refused(message);
     }
     RemoveLeftovers(target.has_parent_path() ? target.parent_path() : ".");
-    const bool cropGif = UnpackTargetRule(block.GetPara(PARA_TGT_FILES)).cropGif;
-    if (SaveImageFile(target, copy, block.GetPara(PARA_QUALITY), dpi, colourIndex, cropGif, block,
-                      &failed.error))
+    if (SavePage(target, how, page, settings, &failed.error))
         return {SaveOutcome::kSaved, {}, {}};
-    if (copy.IsValid() && !HasImageWriter(target))
+    if (page.image.IsValid() && !HasImageWriter(target))
         failed.message = labels::kUnwritableType;
     return failed;
 }

@@ -32,6 +32,7 @@ struct SaveRun {
     int stop = kStopWhole;
     CancelToken cancel;
     LabelFunction label;
+    int ownDpi = 0;          // of the source, to be kept; 0: PARA_DPI
     bool isPreview = false;  // runs without labels, so that colours are only made to look reduced
 };
 

@@ -49,6 +49,18 @@ inline constexpr Label kOtherTypesLeftOut{u"未处理的其他类型文件数：
                                           u"Files of other types left out: "};
 inline constexpr Label kTargetsStand{u"目标已存在而跳过的文件数：",
                                      u"Files left because their targets stand: "};
+inline constexpr Label kDamagedSource{
+    u"文件不完整或已损坏，只转换了能读出的部分",
+    u"cut short or damaged; only what could be read is converted"};
+inline constexpr Label kPicturesBefore{u"文件含有", u"holds "};
+inline constexpr Label kPicturesBehind{u"幅图像，只转换了第一幅",
+                                       u" pictures; only the first one is converted"};
+inline constexpr Label kInPlaceDamaged{u"源文件不完整或已损坏，不能覆盖它自身。",
+                                       u"The source is cut short or damaged; its result does not "
+                                       u"replace it."};
+inline constexpr Label kInPlacePictures{u"源文件含有多幅图像，不能覆盖它自身。",
+                                        u"The source holds several pictures; its result does not "
+                                        u"replace it."};
 inline constexpr Label kIsNoLog{u"不是转换记录文件，不能用作记录。",
                                 u"This is no run log and is not replaced by one."};
 inline constexpr Label kIsNoSettingsFile{u"不是参数设置文件，不能写入。",

@@ -17,14 +17,12 @@ namespace fs = std::filesystem;
 class Engine : public testing::Test {
  protected:
     void SetUp() override {
-        GlobalBlock().Reset();
         fs::create_directories(folder_ / "s" / "sub");
         request_.source = folder_ / "s";
         request_.target = folder_ / "t";
         request_.log = folder_ / "log.txt";
         request_.jobs = 2;
     }
-    void TearDown() override { GlobalBlock().Reset(); }
 
     void WriteFlat(const fs::path& name, int gray) const {
         CDibImage page = Filled(16, 16, 8, static_cast<std::uint8_t>(gray));
@@ -119,11 +117,25 @@ TEST_F(Engine, TellsStagesInTheWordsOfTheWindow) {
     EXPECT_TRUE(lastStage.empty() || lastStage == u"存盘") << "the last stage of a file is saving";
 }
 
-TEST_F(Engine, LimitsTheDpiOfTheGlobalBlock) {
+TEST_F(Engine, TheSettingsBehindARunHaveTheirDpiLimited) {
     WriteFlat("s/a.png", 10);
-    GlobalBlock().SetPara(PARA_DPI, 20000);
-    RunBatch(request_, events_);
-    EXPECT_EQ(GlobalBlock().GetPara(PARA_DPI), 8000);
+    request_.settings.Set(PARA_DPI, 20000);
+    EXPECT_EQ(RunBatch(request_, events_).settings[PARA_DPI], 8000);
+}
+
+TEST_F(Engine, NeitherReadsNorWritesTheGlobalBlock) {
+    WriteFlat("s/a.png", 10);
+    GlobalBlock().Reset();
+    GlobalBlock().SetPara(PARA_NEGATE, 1);
+    const ParaValues before = GlobalBlock().GetValues();
+    request_.settings.Set(PARA_DPI, 150);
+    EXPECT_EQ(RunBatch(request_, events_).converted, 1U);
+    EXPECT_EQ(GlobalBlock().GetValues(), before);
+    GlobalBlock().Reset();
+    CDibImage page;
+    ASSERT_TRUE(LoadImageFile(folder_ / "t" / "a.jpg", page));
+    EXPECT_NEAR(PixelAt(page, 3, 3).red, 10, 3) << "not the negative";
+    EXPECT_EQ(page.GetXDpi(), 150);
 }
 
 TEST_F(Engine, APlanWritesAndAsksNothing) {

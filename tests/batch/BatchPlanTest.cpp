@@ -52,7 +52,7 @@ TEST_P(DepthAndExtension, GoTogetherOrAreRefused) {
     CParaBlock block;
     block.SetPara(PARA_COLOR, GetParam().color);
     block.SetPara(PARA_TGT_FILES, GetParam().extensionId);
-    EXPECT_EQ(RefuseTarget(ReadBatchTarget(block)), GetParam().refusal);
+    EXPECT_EQ(RefuseTarget(ReadBatchTarget(block.GetSettings())), GetParam().refusal);
 }
 
 const RefusalCase kRefusalCases[] = {
@@ -76,11 +76,11 @@ INSTANTIATE_TEST_SUITE_P(BatchRules, DepthAndExtension, testing::ValuesIn(kRefus
 TEST(BatchRules, DpiIsLimitedAndSixteenBitsAreBmp) {
     CParaBlock block;
     block.SetPara(PARA_DPI, 9000);
-    EXPECT_EQ(ReadBatchTarget(block).dpi, 8000);
+    EXPECT_EQ(ReadBatchTarget(block.GetSettings()).dpi, 8000);
     block.SetPara(PARA_DPI, -5);
     block.SetPara(PARA_COLOR, 18);
-    EXPECT_EQ(ReadBatchTarget(block).dpi, 0);
-    EXPECT_EQ(ReadBatchTarget(block).extension, u"bmp");
+    EXPECT_EQ(ReadBatchTarget(block.GetSettings()).dpi, 0);
+    EXPECT_EQ(ReadBatchTarget(block.GetSettings()).extension, u"bmp");
 }
 
 /// Plans over empty files: nothing is read.

@@ -11,7 +11,7 @@
 #include "batch/BatchWorkers.h"
 #include "batch/PageMemory.h"
 #include "codecs/ImageInfo.h"
-#include "params/ParaBlock.h"
+#include "params/Settings.h"
 
 namespace velloran::test {
 namespace {
@@ -101,9 +101,9 @@ TEST(BatchWorkers, FilesInFlightStayWithinTheMemory) {
 }
 
 TEST(PageMemory, GrowsWithPixelsDepthSizeAndSteps) {
-    CParaBlock plain, floats, large;
-    floats.SetPara(PARA_LUM_CORRECT, 4);
-    large.SetPara(PARA_RESIZE, 200);
+    Settings plain, floats, large;
+    floats.Set(PARA_LUM_CORRECT, 4);
+    large.Set(PARA_RESIZE, 200);
     ImageInfo color{.width = 1000, .height = 2000, .bitsPerPixel = 24};
     ImageInfo gray = color;
     gray.bitsPerPixel = 8;
