@@ -11,9 +11,8 @@
 namespace velloran {
 namespace {
 
-constexpr std::string_view kNoSize =
-    "CBaseImage::Create : width and height must be greater than zero";
-constexpr std::string_view kNoMemory = "CBaseImage::Create can't allocate memory";
+constexpr const char* kNoSize = "CBaseImage::Create : width and height must be greater than zero";
+constexpr const char* kNoMemory = "CBaseImage::Create can't allocate memory";
 constexpr std::uint64_t kLargestBlock = std::uint64_t{2} << 30;
 
 int RoundedDepth(int bpp) {
@@ -62,18 +61,6 @@ void ZeroRowEnds(std::uint8_t* bits, const BitmapHeader& header, std::uint32_t e
 
 }  // namespace
 
-ErrorText& ErrorText::operator=(std::string_view text) noexcept {
-    std::size_t length = std::min(text.size(), text_.size() - 1);
-    const auto continuesCharacter = [&](std::size_t at) {
-        return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
-    };
-    while (length > 0 && length < text.size() && continuesCharacter(length))
-        --length;
-    text_.fill(0);
-    std::copy_n(text.data(), length, text_.data());
-    return *this;
-}
-
 CBaseImage::CBaseImage(const CBaseImage& source) {
     Copy(source);
 }
@@ -100,8 +87,10 @@ CBaseImage::~CBaseImage() {
 bool CBaseImage::Destroy() {
     if (ghost_ != nullptr)
         return false;
-    layers_.clear();
-    selection_.reset();
+    if (rare_ != nullptr) {
+        rare_->layers.clear();
+        rare_->selection.reset();
+    }
     alpha_.reset();
     FreePixels(dib_);
     dib_ = bits_ = nullptr;
@@ -115,7 +104,7 @@ bool CBaseImage::Transfer(CBaseImage& from) {
         return true;
     if (ghost_ != nullptr)
         return false;
-    const auto oldLayers = std::move(layers_);  // `from` may be one of them
+    const auto old = std::move(rare_);  // `from` may be one of its layers
     if (!Destroy())
         return false;
     TakeFrom(from);
@@ -128,12 +117,13 @@ void CBaseImage::TakeFrom(CBaseImage& from) noexcept {
     effWidth_ = from.effWidth_;
     bits_ = from.bits_;
     ghost_ = from.ghost_;
+    lastError_ = from.lastError_;
     fields_ = from.fields_;
-    selection_ = std::move(from.selection_);
     alpha_ = std::move(from.alpha_);
-    layers_ = std::move(from.layers_);
-    for (const auto& layer : layers_)
-        layer->parent_ = this;
+    rare_ = std::move(from.rare_);
+    if (rare_ != nullptr)
+        for (const auto& layer : rare_->layers)
+            layer->parent_ = this;
     from.ResetToEmpty();
 }
 
@@ -142,10 +132,10 @@ void CBaseImage::ResetToEmpty() noexcept {
     header_ = {};
     effWidth_ = 0;
     ghost_ = nullptr;
+    lastError_ = "";
     fields_ = {};
-    selection_.reset();
     alpha_.reset();
-    layers_.clear();
+    rare_.reset();
 }
 
 void CBaseImage::WriteHeader() noexcept {
@@ -158,7 +148,7 @@ void* CBaseImage::Create(int width, int height, int bpp, std::uint32_t type) {
     if (!Destroy())
         return nullptr;
     if (width < 1 || height < 1) {
-        fields_.lastError = kNoSize;
+        lastError_ = kNoSize;
         return nullptr;
     }
     const int depth = RoundedDepth(bpp);
@@ -171,7 +161,7 @@ void* CBaseImage::Create(int width, int height, int bpp, std::uint32_t type) {
         dib_ = static_cast<std::uint8_t*>(AllocatePixels(blockBytes));
     if (dib_ == nullptr) {
         NoteOutOfMemory();
-        fields_.lastError = kNoMemory;
+        lastError_ = kNoMemory;
         return nullptr;
     }
     header_.width = width;
@@ -184,13 +174,13 @@ void* CBaseImage::Create(int width, int height, int bpp, std::uint32_t type) {
     effWidth_ = static_cast<std::uint32_t>(rowBytes);
     bits_ = dib_ + head;
     fields_.type = type;
-    fields_.lastColorValid = 0;
+    ForgetLastColor();
     std::memset(dib_, 0, head);
     ZeroRowEnds(bits_, header_, effWidth_);
     WriteHeader();
     if (hadAlpha && !CreateAlpha()) {
         Destroy();
-        fields_.lastError = kNoMemory;
+        lastError_ = kNoMemory;
     }
     return dib_;
 }
@@ -201,12 +191,15 @@ bool CBaseImage::Copy(const CBaseImage& source, bool copyPixels, bool copySelect
         return IsValid();
     if (ghost_ != nullptr)
         return false;
-    const auto oldLayers = std::move(layers_);  // `source` may be one of them
-    layers_.clear();
+    const auto old = std::move(rare_);  // `source` may be one of its layers
     alpha_.reset();
+    lastError_ = source.lastError_;
     fields_ = source.fields_;
-    if (!source.IsValid()) {
+    const bool hasFields = CopyRare(source);
+    if (!source.IsValid() || !hasFields) {
         Destroy();
+        if (!hasFields)
+            lastError_ = kNoMemory;
         return false;
     }
     if (Create(source.GetWidth(), source.GetHeight(), source.GetBpp(), source.GetType()) == nullptr)
@@ -223,23 +216,25 @@ bool CBaseImage::Copy(const CBaseImage& source, bool copyPixels, bool copySelect
         return target != nullptr;
     };
     const bool selection = copySelection && source.GetSelection() != nullptr;
-    if (!selection)
-        fields_.selectionBox = {};
+    if (!selection && rare_)
+        rare_->fields.selectionBox = {};
     const bool alpha = copyAlpha && source.GetAlpha() != nullptr;
-    if ((selection && !copyPlane(source.GetSelection(), selection_)) ||
+    if ((selection &&
+         (OwnRare() == nullptr || !copyPlane(source.GetSelection(), rare_->selection))) ||
         (alpha && !copyPlane(source.GetAlpha(), alpha_))) {
         Destroy();
-        fields_.lastError = kNoMemory;
+        lastError_ = kNoMemory;
         return false;
     }
     return true;
 }
 
 bool CBaseImage::CopyInfo(const CBaseImage& source) {
-    if (IsValid() || ghost_ != nullptr)
+    if (IsValid() || ghost_ != nullptr || !CopyRare(source))
         return false;
     header_ = source.header_;
     effWidth_ = source.effWidth_;
+    lastError_ = source.lastError_;
     fields_ = source.fields_;
     return true;
 }
@@ -251,12 +246,57 @@ void CBaseImage::Ghost(const CBaseImage& source) {
         return;
     if (ghost_ == nullptr)
         Destroy();
+    rare_.reset();
     dib_ = source.dib_;
     header_ = source.header_;
     effWidth_ = source.effWidth_;
     bits_ = source.bits_;
+    lastError_ = source.lastError_;
     fields_ = source.fields_;
     ghost_ = owner;
+}
+
+const CBaseImage::Rare* CBaseImage::FindRare() const noexcept {
+    return rare_ == nullptr && ghost_ != nullptr ? ghost_->FindRare() : rare_.get();
+}
+
+/// A ghost begins with the fields of its owner.
+CBaseImage::Rare* CBaseImage::OwnRare() noexcept {
+    if (rare_ == nullptr) {
+        const RareImageFields fields = RareFields();
+        rare_.reset(new (std::nothrow) Rare);
+        if (rare_ != nullptr)
+            rare_->fields = fields;
+        else
+            NoteOutOfMemory();
+    }
+    return rare_.get();
+}
+
+/// The fields alone; planes and layers stay with their image.
+bool CBaseImage::CopyRare(const CBaseImage& source) noexcept {
+    if (source.FindRare() == nullptr && rare_ == nullptr)
+        return true;
+    if (OwnRare() == nullptr)
+        return false;
+    rare_->fields = source.RareFields();
+    return true;
+}
+
+const RareImageFields& CBaseImage::RareFields() const noexcept {
+    static constexpr RareImageFields kDefaults;
+    const Rare* rare = FindRare();
+    return rare == nullptr ? kDefaults : rare->fields;
+}
+
+RareImageFields* CBaseImage::MakeRareFields() {
+    Rare* rare = OwnRare();
+    return rare == nullptr ? nullptr : &rare->fields;
+}
+
+void CBaseImage::ForgetLastColor() noexcept {
+    if (rare_ != nullptr)
+        rare_->fields.lastColorValid = 0;
 }
 
 bool CBaseImage::TakePixels(CBaseImage& from) noexcept {
@@ -278,7 +318,7 @@ void CBaseImage::TakeBlock(CBaseImage& from) noexcept {
     effWidth_ = from.effWidth_;
     header_.xPixelsPerMeter = PixelsPerMeter(fields_.xDpi);
     header_.yPixelsPerMeter = PixelsPerMeter(fields_.yDpi);
-    fields_.lastColorValid = 0;
+    ForgetLastColor();
     WriteHeader();
     from.ResetToEmpty();
 }
@@ -296,7 +336,7 @@ bool CBaseImage::CreateFromArray(const std::uint8_t* bits, int width, int height
         return false;
     if (bpp == 32 && !CreateAlpha()) {
         Destroy();
-        fields_.lastError = kNoMemory;
+        lastError_ = kNoMemory;
         return false;
     }
     SetGrayPalette();
@@ -353,7 +393,7 @@ void CBaseImage::SetGrayPalette() {
         const auto level = static_cast<std::uint8_t>(GrayOfIndex(i, count));
         palette[i] = {level, level, level, 0};
     }
-    fields_.lastColorValid = 0;
+    ForgetLastColor();
 }
 
 bool CBaseImage::HasGrayPalette() const {
@@ -409,19 +449,22 @@ bool CBaseImage::CreateAlpha() {
 }
 
 bool CBaseImage::CreateSelection() {
-    if (!IsValid() || ghost_ != nullptr)
+    if (!IsValid() || ghost_ != nullptr || OwnRare() == nullptr)
         return false;
-    if (selection_ == nullptr)
-        selection_ = TryPlane(PlaneSize());
-    if (selection_ != nullptr)
-        std::memset(selection_.get(), 0, PlaneSize());
-    fields_.selectionBox = {};
-    return selection_ != nullptr;
+    PixelBuffer& selection = rare_->selection;
+    if (selection == nullptr)
+        selection = TryPlane(PlaneSize());
+    if (selection != nullptr)
+        std::memset(selection.get(), 0, PlaneSize());
+    rare_->fields.selectionBox = {};
+    return selection != nullptr;
 }
 
 void CBaseImage::DeleteSelection() {
-    selection_.reset();
-    fields_.selectionBox = {};
+    if (rare_ == nullptr)
+        return;
+    rare_->selection.reset();
+    rare_->fields.selectionBox = {};
 }
 
 void CBaseImage::UpdateSelectionBox() {
@@ -433,24 +476,27 @@ void CBaseImage::UpdateSelectionBox() {
                 box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x + 1),
                        y + 1};
             }
-    fields_.selectionBox = box.right > 0 ? box : SelectionBox{};
+    if (rare_ != nullptr || box.right > 0)
+        if (Rare* rare = OwnRare())
+            rare->fields.selectionBox = box.right > 0 ? box : SelectionBox{};
 }
 
 CBaseImage* CBaseImage::GetLayer(int index) const {
-    return index >= 0 && index < GetLayerCount() ? layers_[static_cast<std::size_t>(index)].get()
-                                                 : nullptr;
+    if (index < 0 || index >= GetLayerCount())
+        return nullptr;
+    return rare_->layers[static_cast<std::size_t>(index)].get();
 }
 
 bool CBaseImage::AddLayer(std::unique_ptr<CBaseImage> layer) {
-    if (layer == nullptr)
+    if (layer == nullptr || OwnRare() == nullptr)
         return false;
     try {
-        layers_.push_back(std::move(layer));
+        rare_->layers.push_back(std::move(layer));
     } catch (const std::bad_alloc&) {
         NoteOutOfMemory();
         return false;
     }
-    layers_.back()->parent_ = this;
+    rare_->layers.back()->parent_ = this;
     return true;
 }
 

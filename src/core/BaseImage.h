@@ -11,7 +11,6 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 #include "core/PixelMemory.h"
@@ -43,32 +42,23 @@ struct SelectionBox {
     bool operator==(const SelectionBox&) const = default;
 };
 
-/// Text of at most 255 bytes that never allocates, so that it can tell of memory that ran out.
-/// Longer text is cut at the end of a whole UTF-8 character.
-class ErrorText {
- public:
-    ErrorText& operator=(std::string_view text) noexcept;
-    const char* c_str() const { return text_.data(); }
-    bool empty() const { return text_[0] == 0; }
-    operator std::string_view() const { return text_.data(); }
-
- private:
-    std::array<char, 256> text_{};
-};
-
 /// What an image carries beside its pixels; copied as one group.
 struct ImageFields {
-    std::uint32_t type = 0;  // file type id, see files/FileType.h
-    ErrorText lastError;
-    std::int32_t progress = 0, escape = 0;
+    std::uint32_t type = 0;             // file type id
     std::int32_t backgroundIndex = -1;  // transparent palette index, -1 for none
     PaletteEntry backgroundColor;
-    std::uint8_t quality = 90, jpegScale = 1;
+    std::int32_t xDpi = 96, yDpi = 96;
+    std::uint8_t quality = 90, alphaPaletteEnabled = 0;
+};
+
+/// Fields of the image that few pictures set; copied with the others.
+struct RareImageFields {
+    SelectionBox selectionBox;
+    std::int32_t progress = 0, escape = 0;
+    std::uint8_t jpegScale = 1;
     std::int32_t frame = 0, frameCount = 0;
     std::uint32_t frameDelay = 0;
-    std::int32_t xDpi = 96, yDpi = 96;
-    SelectionBox selectionBox;
-    std::uint8_t alphaMax = 255, alphaPaletteEnabled = 0, enabled = 1;
+    std::uint8_t alphaMax = 255, enabled = 1;
     std::int32_t xOffset = 0, yOffset = 0;
     std::array<std::uint32_t, 6> codecOption{};
     PaletteEntry lastColor;  // cache of the nearest-colour search
@@ -165,7 +155,8 @@ class CBaseImage {
     void SetXDpi(int dpi);
     void SetYDpi(int dpi);
 
-    const char* GetLastError() const { return fields_.lastError.c_str(); }
+    /// Why the last Create failed; empty where it did not.
+    const char* GetLastError() const { return lastError_; }
     static const char* GetVersion() { return "CBaseImage 5.99c"; }
 
     /// Fills all rows: at 1 bit any non-zero byte is 255, at 4 bits the low nibble twice.
@@ -189,6 +180,10 @@ class CBaseImage {
 
     ImageFields& Fields() { return fields_; }
     const ImageFields& Fields() const { return fields_; }
+    /// The defaults where the image has none of its own.
+    const RareImageFields& RareFields() const noexcept;
+    /// Makes them the image's own; null without memory.
+    RareImageFields* MakeRareFields();
 
     /// width * height bytes, or null.
     std::uint8_t* GetAlpha() { return AlphaPlane(); }
@@ -205,13 +200,26 @@ class CBaseImage {
     void UpdateSelectionBox();
 
     CBaseImage* GetParent() const { return parent_; }
-    int GetLayerCount() const { return static_cast<int>(layers_.size()); }
+    int GetLayerCount() const {
+        return rare_ != nullptr ? static_cast<int>(rare_->layers.size()) : 0;
+    }
     CBaseImage* GetLayer(int index) const;
     /// Takes the image over as the last layer; false, and the layer is freed, for null or without
     /// memory.
     bool AddLayer(std::unique_ptr<CBaseImage> layer);
 
  private:
+    /// What few images have, apart, so that an image is small to move and to copy.
+    struct Rare {
+        RareImageFields fields;
+        PixelBuffer selection;
+        std::vector<std::unique_ptr<CBaseImage>> layers;
+    };
+
+    /// The image's own, or that of the image that a ghost looks at; null where there is none.
+    const Rare* FindRare() const noexcept;
+    /// Makes it where it is missing; null without memory.
+    Rare* OwnRare() noexcept;
     void TakeFrom(CBaseImage& from) noexcept;
     void TakeBlock(CBaseImage& from) noexcept;
     void ResetToEmpty() noexcept;
@@ -219,8 +227,12 @@ class CBaseImage {
     std::size_t PlaneSize() const;
     std::uint8_t* AlphaPlane() const { return ghost_ ? ghost_->AlphaPlane() : alpha_.get(); }
     std::uint8_t* SelectionPlane() const {
-        return ghost_ ? ghost_->SelectionPlane() : selection_.get();
+        if (ghost_ != nullptr)
+            return ghost_->SelectionPlane();
+        return rare_ != nullptr ? rare_->selection.get() : nullptr;
     }
+    bool CopyRare(const CBaseImage& source) noexcept;
+    void ForgetLastColor() noexcept;
 
     std::uint8_t* dib_ = nullptr;  // owned, except by a ghost
     BitmapHeader header_;
@@ -228,9 +240,10 @@ class CBaseImage {
     std::uint8_t* bits_ = nullptr;
     const CBaseImage* ghost_ = nullptr;
     CBaseImage* parent_ = nullptr;
+    const char* lastError_ = "";  // never allocated: it tells of memory that ran out
     ImageFields fields_;
-    PixelBuffer selection_, alpha_;
-    std::vector<std::unique_ptr<CBaseImage>> layers_;
+    PixelBuffer alpha_;
+    std::unique_ptr<Rare> rare_;  // made when something in it is wanted
 };
 
 /// Bytes of a stored row: ((width * bpp + 31) / 32) * 4.

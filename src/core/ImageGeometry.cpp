@@ -190,9 +190,10 @@ bool CBaseImage::CropInPlace(int left, int top, int right, int bottom) {
         }
     }
     CropPlane(alpha_.get(), width, height, sides.left, top, sides.right, bottom);
-    CropPlane(selection_.get(), width, height, sides.left, top, sides.right, bottom);
-    if (selection_ != nullptr)
+    if (std::uint8_t* selection = SelectionPlane()) {
+        CropPlane(selection, width, height, sides.left, top, sides.right, bottom);
         UpdateSelectionBox();
+    }
     return true;
 }
 
@@ -204,18 +205,19 @@ bool CBaseImage::Rotate90(bool left) {
     if (turned.Create(height, width, GetBpp(), GetType()) == nullptr)
         return false;
     PixelBuffer alpha = TurnedPlane(alpha_.get(), width, height, left);
-    PixelBuffer selection = TurnedPlane(selection_.get(), width, height, left);
+    PixelBuffer selection = TurnedPlane(SelectionPlane(), width, height, left);
     if ((alpha == nullptr) != (alpha_ == nullptr) ||
-        (selection == nullptr) != (selection_ == nullptr))
+        (selection == nullptr) != (SelectionPlane() == nullptr))
         return false;
     std::memcpy(turned.dib_ + sizeof(BitmapHeader), dib_ + sizeof(BitmapHeader), GetPaletteSize());
     TurnRows({bits_, width, height, static_cast<std::ptrdiff_t>(effWidth_)}, GetBpp(), turned.bits_,
              static_cast<std::ptrdiff_t>(turned.effWidth_), left);
     alpha_ = std::move(alpha);
-    selection_ = std::move(selection);
     TakeBlock(turned);
-    if (selection_ != nullptr)
+    if (selection != nullptr) {
+        rare_->selection = std::move(selection);
         UpdateSelectionBox();
+    }
     return true;
 }
 
@@ -226,8 +228,8 @@ bool CBaseImage::Flip(FlipMode mode) {
     FlipRows(bits_, width, height, GetBpp(), static_cast<std::ptrdiff_t>(effWidth_), mode);
     if (alpha_ != nullptr)
         FlipRows(alpha_.get(), width, height, 8, width, mode);
-    if (selection_ != nullptr) {
-        FlipRows(selection_.get(), width, height, 8, width, mode);
+    if (std::uint8_t* selection = SelectionPlane()) {
+        FlipRows(selection, width, height, 8, width, mode);
         UpdateSelectionBox();
     }
     return true;

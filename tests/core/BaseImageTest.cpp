@@ -182,22 +182,44 @@ TEST(ImageFields, HaveTheirDefaults) {
     EXPECT_EQ(fields.backgroundIndex, -1);
     EXPECT_EQ(fields.xDpi, 96);
     EXPECT_EQ(fields.yDpi, 96);
-    EXPECT_EQ(fields.alphaMax, 255);
-    EXPECT_EQ(fields.enabled, 1);
+    EXPECT_EQ(image.RareFields().alphaMax, 255);
+    EXPECT_EQ(image.RareFields().enabled, 1);
     EXPECT_STREQ(image.GetLastError(), "");
     EXPECT_STREQ(CBaseImage::GetVersion(), "CBaseImage 5.99c");
 }
 
-TEST(ImageFields, ErrorTextIsCutAt255BytesBetweenCharacters) {
-    ErrorText text;
-    text = std::string(300, 'a');
-    EXPECT_EQ(std::string(text.c_str()), std::string(255, 'a'));
-    text = std::string(254, 'b') + "\xE6\x96\x87";  // three bytes of which one would fit
-    EXPECT_EQ(std::string(text.c_str()), std::string(254, 'b'));
-    text = std::string(252, 'c') + "\xE6\x96\x87";
-    EXPECT_EQ(std::string(text.c_str()).size(), 255u);
-    text = "";
-    EXPECT_TRUE(text.empty());
+TEST(ImageFields, AnImageIsSmallToMove) {
+    EXPECT_LE(sizeof(CBaseImage), 160u);
+}
+
+TEST(ImageFields, RareOnesGoAlongWithCopiesMovesAndGhosts) {
+    CBaseImage image = test::Filled(3, 3, 8, 1);
+    RareImageFields* rare = image.MakeRareFields();
+    ASSERT_NE(rare, nullptr);
+    rare->flags = 7;
+    rare->codecOption[5] = 9;
+    rare->lastColorValid = 1;
+    CBaseImage copy = image;
+    EXPECT_EQ(copy.RareFields().flags, 7u);
+    EXPECT_EQ(copy.RareFields().codecOption[5], 9u);
+    copy.MakeRareFields()->flags = 8;
+    EXPECT_EQ(image.RareFields().flags, 7u) << "a copy has its own";
+    CBaseImage ghost, info;
+    ghost.Ghost(image);
+    EXPECT_EQ(ghost.RareFields().flags, 7u);
+    EXPECT_EQ(CBaseImage(ghost).RareFields().flags, 7u);
+    ghost.MakeRareFields()->frame = 3;
+    EXPECT_EQ(ghost.RareFields().flags, 7u);
+    EXPECT_EQ(image.RareFields().frame, 0) << "and so has a ghost";
+    EXPECT_TRUE(info.CopyInfo(image));
+    EXPECT_EQ(info.RareFields().flags, 7u);
+    image.SetGrayPalette();
+    EXPECT_EQ(image.RareFields().lastColorValid, 0) << "the palette is new";
+    const CBaseImage moved = std::move(image);
+    EXPECT_EQ(moved.RareFields().flags, 7u);
+    CBaseImage plain = test::Filled(2, 2, 8, 0);
+    copy = plain;
+    EXPECT_EQ(copy.RareFields().flags, 0u) << "the defaults are copied too";
 }
 
 TEST(ImageResolution, ValueBelowOneSets96) {
