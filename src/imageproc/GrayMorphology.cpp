@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "core/StepContext.h"
+
 namespace velloran::imageproc {
 namespace {
 
@@ -30,9 +32,10 @@ struct Plane {
 /// doubles with each pass, and a pass may run in place because it only reads ahead.
 template <typename Choice>
 void runAlongRows(Plane& plane, int count) {
+    const CancelToken cancel = CurrentCancel();
     for (int reach = 1; reach < count;) {
         const int move = std::min(reach, count - reach);
-        for (int y = 0; y < plane.height; ++y) {
+        for (int y = 0; y < plane.height && !cancel.IsCancelled(); ++y) {
             std::uint8_t* row = plane.row(y);
             for (int x = 0; x + move < plane.width; ++x)
                 row[x] = Choice::of(row[x], row[x + move]);
@@ -43,9 +46,10 @@ void runAlongRows(Plane& plane, int count) {
 
 template <typename Choice>
 void runAlongColumns(Plane& plane, int count) {
+    const CancelToken cancel = CurrentCancel();
     for (int reach = 1; reach < count;) {
         const int move = std::min(reach, count - reach);
-        for (int y = 0; y + move < plane.height; ++y) {
+        for (int y = 0; y + move < plane.height && !cancel.IsCancelled(); ++y) {
             std::uint8_t* row = plane.row(y);
             const std::uint8_t* ahead = plane.row(y + move);
             for (int x = 0; x < plane.width; ++x)

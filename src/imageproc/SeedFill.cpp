@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "core/StepContext.h"
+
 namespace velloran::imageproc {
 namespace {
 
@@ -18,6 +20,8 @@ std::uint32_t filledRuns(std::uint32_t seed, std::uint32_t mask) {
     }
     return filled;
 }
+
+constexpr std::size_t kPollEvery = 4096;  // words
 
 /// Fills word by word. What a word gained waits in `fresh_` until its neighbours have been told;
 /// each bit is told once, so that the work grows with the pixels.
@@ -34,12 +38,17 @@ class WordFill {
           fresh_(static_cast<std::size_t>(words_) * static_cast<std::size_t>(height_)) {}
 
     void run(const BinaryImage& seed) {
-        for (int y = 0; y < height_; ++y)
+        const CancelToken cancel = CurrentCancel();
+        std::size_t told = 0;
+        for (int y = 0; y < height_ && !cancel.IsCancelled(); ++y)
             for (int w = 0; w < words_; ++w) {
                 gain(w, y, seed.data()[at(w, y)]);
                 // Drained at once: a list of all seeds of a page would be as large as the page.
-                while (!waiting_.empty())
+                while (!waiting_.empty()) {
+                    if (++told % kPollEvery == 0 && cancel.IsCancelled())
+                        return;
                     tellNext();
+                }
             }
     }
 

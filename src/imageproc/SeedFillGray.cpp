@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "core/StepContext.h"
 #include "imageproc/SeedFill.h"
 
 namespace velloran::imageproc {
@@ -40,7 +41,8 @@ std::uint8_t highestPassed(const std::uint8_t* row, const std::uint8_t* passed, 
 
 /// One scan over the plane, forward (step 1) or backward (-1).
 void scan(PlaneView seed, ConstPlaneView mask, int step, Connectivity connectivity) {
-    for (int i = 0; i < seed.height; ++i) {
+    const CancelToken cancel = CurrentCancel();
+    for (int i = 0; i < seed.height && !cancel.IsCancelled(); ++i) {
         const int y = step > 0 ? i : seed.height - 1 - i;
         std::uint8_t* row = seed.Row(y).data();
         const std::uint8_t* limit = mask.Row(y).data();
@@ -54,6 +56,8 @@ void scan(PlaneView seed, ConstPlaneView mask, int step, Connectivity connectivi
     }
 }
 
+constexpr std::size_t kPollEvery = 65536;  // samples
+
 /// What two scans leave to do: from the highest level down, so that a sample is raised once, to
 /// where it ends, and the work grows with the pixels.
 class LevelFill {
@@ -62,12 +66,16 @@ class LevelFill {
         : seed_(seed), mask_(mask), neighbors_(neighborsOf(connectivity)) {}
 
     void run() {
-        for (int y = 0; y < seed_.height; ++y)
+        const CancelToken cancel = CurrentCancel();
+        for (int y = 0; y < seed_.height && !cancel.IsCancelled(); ++y)
             for (int x = 0; x < seed_.width; ++x)
                 if (canRaiseANeighbor(x, y))
                     waiting_[seed_.Row(y)[x]].push_back({x, y});
+        std::size_t told = 0;
         for (std::size_t level = waiting_.size(); level-- > 0;)
             while (!waiting_[level].empty()) {
+                if (++told % kPollEvery == 0 && cancel.IsCancelled())
+                    return;
                 const Offset at = waiting_[level].back();
                 waiting_[level].pop_back();
                 if (seed_.Row(at.y)[at.x] == level)  // else it was raised, and has been told then

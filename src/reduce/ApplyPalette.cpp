@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "core/StepContext.h"
 #include "reduce/NearestColor.h"
 
 namespace velloran {
@@ -34,7 +35,8 @@ int ApplyPalette(CDibImage& image, const Palette& palette) {
     if (image.GetBpp() != 24 && !image.IncreaseBpp24())
         return 0;
     NearestColor nearest(palette);
-    for (int y = 0; y < image.GetHeight(); ++y) {
+    const CancelToken cancel = CurrentCancel();
+    for (int y = 0; y < image.GetHeight() && !cancel.IsCancelled(); ++y) {
         std::uint8_t* pixel = image.GetBits(y);
         for (int x = 0; x < image.GetWidth(); ++x, pixel += 3) {
             const PaletteEntry& entry = palette[nearest(pixel[0], pixel[1], pixel[2])];

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "reduce/CleanPage.h"
 #include "reduce/ComponentList.h"
 
@@ -58,7 +59,10 @@ QT::QRect BoxOf(const ComponentList& list, const CleanRequest& request, int widt
 void Repaint(const ComponentList& list, PlaneView topDown) {
     for (int y = 0; y < topDown.height; ++y)
         std::memset(topDown.Row(y).data(), 255, topDown.Row(y).size());
+    const CancelToken cancel = CurrentCancel();
     for (const Component& c : list.Components()) {
+        if (cancel.IsCancelled())
+            return;
         const Run* run = list.RunsOf(c);
         for (std::int32_t i = 0; i < c.runs; ++i, ++run)
             std::memset(topDown.Row(run->y).data() + run->x1, 0,

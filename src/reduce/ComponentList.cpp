@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "core/StepContext.h"
+
 namespace velloran {
 namespace {
 
@@ -47,7 +49,8 @@ ComponentList::ComponentList(ConstPlaneView topDown, int dpi) : limits_(SizeLimi
 }
 
 void ComponentList::CollectRuns(ConstPlaneView topDown) {
-    for (int y = 0; y < topDown.height; ++y) {
+    const CancelToken cancel = CurrentCancel();
+    for (int y = 0; y < topDown.height && !cancel.IsCancelled(); ++y) {
         const std::uint8_t* row = topDown.Row(y).data();
         for (int x = NextBlack(row, 0, topDown.width); x < topDown.width;) {
             const int end = NextWhite(row, x, topDown.width);
@@ -63,7 +66,12 @@ void ComponentList::CollectRuns(ConstPlaneView topDown) {
 void ComponentList::JoinRows() {
     std::vector<std::int32_t> parent;
     std::size_t above = 0, aboveEnd = 0;  // runs of the row above
+    const CancelToken cancel = CurrentCancel();
     for (std::size_t i = 0; i < runs_.size();) {
+        if (cancel.IsCancelled()) {
+            runs_.resize(i);  // those that have a label
+            break;
+        }
         const std::int32_t y = runs_[i].y;
         if (aboveEnd == 0 || runs_[aboveEnd - 1].y != y - 1)
             above = aboveEnd;

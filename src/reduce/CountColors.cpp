@@ -36,7 +36,8 @@ class ColorSet {
     /// All colours 0xRRGGBB of a 24-bit image.
     void AddAll(const CDibImage& image) {
         std::uint32_t last = 0xFFFFFFFF;
-        for (int y = 0; y < image.GetHeight(); ++y) {
+        const CancelToken cancel = CurrentCancel();
+        for (int y = 0; y < image.GetHeight() && !cancel.IsCancelled(); ++y) {
             const std::uint8_t* pixel = image.GetBits(y);
             for (int x = 0; x < image.GetWidth(); ++x, pixel += 3) {
                 const std::uint32_t color =

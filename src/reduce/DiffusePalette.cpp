@@ -1,6 +1,7 @@
 #include <array>
 
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/DiffuseErrors.h"
@@ -19,7 +20,8 @@ int DiffuseRows(CDibImage& image, Replace&& replace) {
         rows.LoadCurrent(image.GetBits(0));
         if (height > 1)
             rows.LoadNext(image.GetBits(1));
-        for (int y = 0; y < height; ++y) {
+        const CancelToken cancel = CurrentCancel();
+        for (int y = 0; y < height && !cancel.IsCancelled(); ++y) {
             std::uint8_t* pixel = image.GetBits(y);
             for (int x = 0; x < image.GetWidth(); ++x, pixel += 3) {
                 std::array<std::int32_t, 3> level;

@@ -45,6 +45,18 @@ struct ShorterBox {
 
 using BoxHeap = std::priority_queue<Box, std::vector<Box>, ShorterBox>;
 
+/// Asks after every so many pixels.
+class Poll {
+ public:
+    bool IsCancelled(std::size_t pixel) const {
+        return pixel % kEvery == 0 && cancel_.IsCancelled();
+    }
+
+ private:
+    static constexpr std::size_t kEvery = std::size_t{1} << 18;
+    CancelToken cancel_ = CurrentCancel();
+};
+
 Box BoundsOf(const Pixel* pixels, std::size_t first, std::size_t count, int serial) {
     // Four runs side by side: one chain of minima would wait for itself at every pixel.
     constexpr std::size_t kRuns = 4;
@@ -60,10 +72,11 @@ Box BoundsOf(const Pixel* pixels, std::size_t first, std::size_t count, int seri
         }
     };
     std::size_t i = 0;
-    for (; i + kRuns <= count; i += kRuns)
+    const Poll poll;
+    for (; i + kRuns <= count && !poll.IsCancelled(i); i += kRuns)
         for (std::size_t r = 0; r < kRuns; ++r)
             take(r, pixels[first + i + r]);
-    for (; i < count; ++i)
+    for (; i < count && count - i < kRuns; ++i)
         take(0, pixels[first + i]);
     for (std::size_t r = 1; r < kRuns; ++r)
         for (std::size_t c = 0; c < 3; ++c) {
@@ -77,8 +90,12 @@ Box BoundsOf(const Pixel* pixels, std::size_t first, std::size_t count, int seri
 /// them finds the one at the border; of the pixels that hold it, the first ones go to the left.
 void SelectLowest(Pixel* pixels, std::size_t count, std::size_t left, std::size_t channel) {
     std::array<std::size_t, 256> histogram{};
-    for (std::size_t i = 0; i < count; ++i)
+    const Poll poll;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (poll.IsCancelled(i))
+            return;
         ++histogram[pixels[i].channel[channel]];
+    }
     std::size_t below = 0;
     int border = 0;
     while (below + histogram[static_cast<std::size_t>(border)] < left)
@@ -94,7 +111,7 @@ void SelectLowest(Pixel* pixels, std::size_t count, std::size_t left, std::size_
     };
     // What lies left and belongs right changes places with the opposite, in order.
     std::size_t to = left;
-    for (std::size_t from = 0; from < left; ++from) {
+    for (std::size_t from = 0; from < left && !poll.IsCancelled(from); ++from) {
         if (belongsLeft(pixels[from]))
             continue;
         while (!belongsLeft(pixels[to]))
@@ -143,7 +160,9 @@ Palette MedianCutPalette(const CDibImage& image, int colors) {
         BoxHeap boxes;
         int serial = 0;
         boxes.push(BoundsOf(pixels, 0, count, serial++));
-        while (boxes.size() < static_cast<std::size_t>(colors) && boxes.top().count > 1) {
+        const CancelToken cancel = CurrentCancel();
+        while (boxes.size() < static_cast<std::size_t>(colors) && boxes.top().count > 1 &&
+               !cancel.IsCancelled()) {
             const Box box = boxes.top();
             boxes.pop();
             const std::size_t left = (box.count + 1) / 2;

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "core/StepContext.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "reduce/NeuralNetwork.cpp"
 #include <hwy/foreach_target.h>
@@ -17,6 +19,7 @@ namespace {
 constexpr int kCycles = 100;
 constexpr int kInitialAlpha = 1024;
 constexpr int kRadiusShift = 6;
+constexpr std::uint64_t kPollEvery = 4096;  // samples
 
 /// Lanes of one vector step of the search.
 using Lanes = std::int32_t __attribute__((vector_size(32)));
@@ -132,7 +135,10 @@ void LearnIn(NeuralNetwork& network, const CDibImage& image) {
     Neighborhood near;
     near.Update(radius, alpha);
     std::uint64_t position = 0;
+    const CancelToken cancel = CurrentCancel();
     for (std::uint64_t i = 1; i <= samples; ++i) {
+        if (i % kPollEvery == 0 && cancel.IsCancelled())
+            return;
         const std::uint8_t* pixel =
             image.GetBits(static_cast<int>(position / rowBytes)) + position % rowBytes;
         const std::array<int, 3> input{pixel[0] * 16, pixel[1] * 16, pixel[2] * 16};

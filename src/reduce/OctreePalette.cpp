@@ -163,7 +163,8 @@ Palette OctreePalette(const CDibImage& image, int colors) {
     try {
         CQuantizer quantizer(colors, 8);
         const PaletteEntry* palette = image.GetPalette();
-        for (int y = 0; y < image.GetHeight(); ++y) {
+        const CancelToken cancel = CurrentCancel();
+        for (int y = 0; y < image.GetHeight() && !cancel.IsCancelled(); ++y) {
             const std::uint8_t* row = image.GetBits(y);
             const auto addIndex = [&](int index) {
                 const PaletteEntry& entry = palette[index];

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/IndexRows.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 #include "reduce/NearestColor.h"
@@ -69,7 +70,8 @@ int PackNearest(CDibImage& image, int bits, const Palette& palette) {
     if (!target.IsValid())
         return 0;
     NearestColor nearest(palette);
-    for (int y = 0; y < source.height; ++y) {
+    const CancelToken cancel = CurrentCancel();
+    for (int y = 0; y < source.height && !cancel.IsCancelled(); ++y) {
         const std::uint8_t* from = source.Row(y).data();
         PackEachIndex(source.width, bits, target.GetBits(y), [&](int x) {
             return nearest(from[3 * x], from[3 * x + 1], from[3 * x + 2]);

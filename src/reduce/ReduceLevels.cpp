@@ -6,6 +6,7 @@
 
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "reduce/ApplyPalette.h"
 
@@ -53,7 +54,8 @@ void Diffuse(PlaneView plane, int levels) {
     std::array<std::int32_t*, Weights::kRows> rows;  // the present row and those below it
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i] = errors.data() + i * rowLength + kMargin;
-    for (int y = 0; y < plane.height; ++y) {
+    const CancelToken cancel = CurrentCancel();
+    for (int y = 0; y < plane.height && !cancel.IsCancelled(); ++y) {
         std::uint8_t* row = plane.Row(y).data();
         for (int x = 0; x < plane.width; ++x) {
             const std::int32_t wanted = std::clamp(row[x] + rows[0][x] / Weights::kSum, 0, 255);

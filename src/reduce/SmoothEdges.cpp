@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "reduce/BilevelRows.h"
 #include "reduce/CleanPage.h"
 
@@ -138,8 +139,12 @@ class PatternPage {
         if (pattern.count == 0 || pattern.width > width_ || pattern.height > height_)
             return;
         const int rows = height_ - pattern.height + 1;
-        for (int y = 0; y < rows; ++y)
+        const CancelToken cancel = CurrentCancel();
+        for (int y = 0; y < rows; ++y) {
+            if (cancel.IsCancelled())
+                return;  // marks of before are of another pattern
             MarkRow(pattern, y);
+        }
         for (int y = 0; y < rows; ++y)
             FlipRow(pattern, y);
     }

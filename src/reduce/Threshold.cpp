@@ -6,6 +6,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/CountLevels.h"
 #include "reduce/ApplyPalette.h"
@@ -89,7 +90,8 @@ class BlockGrid {
           rows_(plane.height / block),
           ofPage_(OtsuOf(CountLevels(plane))),
           value_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_)) {
-        for (int row = 0; row < rows_; ++row)
+        const CancelToken cancel = CurrentCancel();
+        for (int row = 0; row < rows_ && !cancel.IsCancelled(); ++row)
             for (int column = 0; column < columns_; ++column) {
                 const int own =
                     OtsuOf(CountLevels(plane.Part(column * block, row * block, block, block)));
@@ -104,8 +106,11 @@ class BlockGrid {
     /// 255 above the threshold of a sample's block, else 0; what lies behind the last whole block
     /// counts to it.
     void Split(PlaneView plane) const {
+        const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
         for (int y = 0; y < plane.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             const std::uint8_t* line = &value_[At(0, std::min(y / block_, rows_ - 1))];
             std::uint8_t* sample = plane.Row(y).data();
             for (int x = 0; x < plane.width; ++x) {

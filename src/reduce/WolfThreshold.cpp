@@ -5,6 +5,7 @@
 
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "reduce/Binarize.h"
 #include "reduce/WolfRows.h"
@@ -111,8 +112,11 @@ int DarkestLevel(ConstPlaneView plane) {
 /// Calls `visit(sums, y)` for every row with the sums at that row; each thread has its own.
 template <typename Visit>
 void ForEachRow(std::vector<WindowSums>& sums, ConstPlaneView plane, Visit&& visit) {
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         WindowSums& own = sums[static_cast<std::size_t>(ThreadNumber())];
         own.GoTo(y);
         visit(own, y);
@@ -154,6 +158,8 @@ int WolfThreshold(CDibImage& image, int windowWidth, int windowHeight, int lowBo
                                                 ReachOf(windowHeight, plane.height)));
         const WolfTone tone{static_cast<float>(std::sqrt(LargestVariance(sums, plane))),
                             static_cast<float>(DarkestLevel(plane)), lowBound, highBound};
+        if (CurrentCancel().IsCancelled())
+            return 0;
         const PlaneView target = ViewOf(image);
         ForEachRow(sums, plane, [&](const WindowSums& at, int y) {
             ThresholdRow(at.Row(), tone, plane.Row(y).data(), target.Row(y).data());

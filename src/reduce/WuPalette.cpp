@@ -71,7 +71,8 @@ class MomentTable {
 
 void MomentTable::Fill(const CDibImage& image) {
     const bool color = image.GetBpp() == 24;
-    for (int y = 0; y < image.GetHeight(); ++y) {
+    const CancelToken cancel = CurrentCancel();
+    for (int y = 0; y < image.GetHeight() && !cancel.IsCancelled(); ++y) {
         const std::uint8_t* row = image.GetBits(y);
         for (int x = 0; x < image.GetWidth(); ++x) {
             const int blue = color ? row[3 * x] : row[x];
@@ -202,6 +203,8 @@ Palette WuPalette(const CDibImage& image, int colors) {
     try {
         MomentTable table;
         table.Fill(image);
+        if (CurrentCancel().IsCancelled())
+            return {};
         table.Accumulate();
         std::array<Box, 256> boxes;
         const int count = CutBoxes(table, boxes, colors);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/AutoLevelsLuma.h"
 #include "tone/PixelMapRows.h"
@@ -171,6 +172,7 @@ Histograms<Counter> CountRows(ConstPlaneView pixels) {
     if (IsWorthThreads(pixels))
         all.reset(new (std::nothrow) PairTable[threads * kTables]());
     Histograms<Counter> total{};
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel if (IsWorthThreads(pixels))
     {
         PairTable* tables =
@@ -178,7 +180,8 @@ Histograms<Counter> CountRows(ConstPlaneView pixels) {
         Histograms<Counter> own{};
 #pragma omp for schedule(static) nowait
         for (int y = 0; y < pixels.height; ++y)
-            CountRow<Counter>(pixels.Row(y), pixels.channels, tables, own);
+            if (!cancel.IsCancelled())
+                CountRow<Counter>(pixels.Row(y), pixels.channels, tables, own);
 #pragma omp critical(velloran_histograms)
         AddTo<Counter>(total, own, tables);
     }

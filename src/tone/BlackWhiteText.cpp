@@ -10,6 +10,7 @@
 
 #include "core/DibImage.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/AutoLevelsTables.h"
 #include "tone/PagePlanes.h"
@@ -68,8 +69,11 @@ using PaperCounts = std::array<std::array<std::uint32_t, 256>, 256>;
 TextCounts CountStretched(PaperBackground& background, const PaperTable& table,
                           ConstPlaneView plane) {
     std::vector<PaperCounts> perThread(static_cast<std::size_t>(MaxThreads()));
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         PaperCounts& counts = perThread[static_cast<std::size_t>(ThreadNumber())];
         const std::uint8_t* paper = background.Row(y);
         const std::uint8_t* sample = plane.Row(y).data();
@@ -153,9 +157,13 @@ int BlackWhitePlane(PlaneView plane) {
     const TextCounts counts = CountStretched(background, *table, plane);
     const double pixels = static_cast<double>(plane.width) * plane.height;
     FinishTable(InkLevel(counts.background), PaperLevel(counts.result, pixels), *table);
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
-    for (int y = 0; y < plane.height; ++y)
+    for (int y = 0; y < plane.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         MapPaperRow(*table, background.Row(y), plane.width, plane.Row(y).data());
+    }
     return 1;
 }
 

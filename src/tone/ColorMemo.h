@@ -9,6 +9,7 @@
 #include <span>
 
 #include "core/PlaneView.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/PixelMapRows.h"
 
@@ -49,11 +50,14 @@ class ColorMemo {
 /// parallel.
 template <typename Work>
 void MapColors(PlaneView pixels, const Work& work) {
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel if (IsWorthThreads(pixels))
     {
         ColorMemo memo;
 #pragma omp for schedule(static)
         for (int y = 0; y < pixels.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             const std::span<std::uint8_t> row = pixels.Row(y);
             for (std::uint8_t* pixel = row.data(); pixel < row.data() + row.size(); pixel += 3) {
                 const std::uint32_t color = memo(pixel, [&] { return work(pixel); });

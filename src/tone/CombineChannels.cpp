@@ -4,8 +4,10 @@
 #include <cstring>
 
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/Planes.h"
 #include "tone/Channels.h"
@@ -102,9 +104,13 @@ void MixPixels(ConstPlaneView pixels, int mode, PlaneView gray) {
         return;
     }
     const RowMixer mixer = kRowMixers[static_cast<std::size_t>(mode - 1)];
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(gray))
-    for (int y = 0; y < gray.height; ++y)
+    for (int y = 0; y < gray.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         mixer(pixels.Row(y).data(), gray.width, gray.Row(y).data());
+    }
 }
 
 void MixPalette(const CDibImage& image, int mode, CDibImage& gray) {
@@ -118,14 +124,11 @@ void MixPalette(const CDibImage& image, int mode, CDibImage& gray) {
         table[0] = 0;
         table[1] = 255;
     }
-    const int bpp = image.GetBpp(), perByte = 8 / bpp, mask = (1 << bpp) - 1;
 #pragma omp parallel for schedule(static) if (IsWorthThreads(ViewOf(gray)))
     for (int y = 0; y < image.GetHeight(); ++y) {
-        const std::uint8_t* from = image.GetBits(y);
         std::uint8_t* out = gray.GetBits(y);
-        for (int x = 0; x < image.GetWidth(); ++x)
-            out[x] = table[static_cast<std::size_t>(
-                from[x / perByte] >> (8 - bpp - x % perByte * bpp) & mask)];
+        ForEachIndex(image.GetBits(y), image.GetWidth(), image.GetBpp(),
+                     [&](int x, int index) { out[x] = table[static_cast<std::size_t>(index)]; });
     }
 }
 

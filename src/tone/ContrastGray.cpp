@@ -11,6 +11,7 @@
 #include "core/ExactMath.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/Resample.h"
 #include "tone/Channels.h"
@@ -134,9 +135,13 @@ Weights BestWeights(const std::vector<Difference>& differences) {
     const std::vector<Weights> all = WeightsInTenths();
     std::vector<double> scores(all.size());
     const auto work = static_cast<std::int64_t>(all.size() * differences.size());
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(work))
-    for (std::size_t i = 0; i < all.size(); ++i)
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (cancel.IsCancelled())
+            continue;
         scores[i] = ScoreOf(all[i], differences);
+    }
     return all[static_cast<std::size_t>(std::max_element(scores.begin(), scores.end()) -
                                         scores.begin())];
 }
@@ -174,11 +179,15 @@ int ContrastGray(CDibImage& image) {
         gray.SetGrayPalette();
         const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
         const PlaneView target = ViewOf(gray);
+        const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
-        for (int y = 0; y < target.height; ++y)
+        for (int y = 0; y < target.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             HWY_DYNAMIC_DISPATCH(WeighRow)
             (weights.red, weights.green, weights.blue, source.Row(y).data(), target.width,
              target.Row(y).data());
+        }
         return image.TakePixels(gray) ? 1 : 0;
     });
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/ExactMath.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/GaussianPoles.h"
 
@@ -175,8 +176,11 @@ void FloatGaussian(ConstFloatView source, float sigma, FloatView target) {
         std::int64_t{4} * source.width * source.height * source.channels;
     const int rowsAtOnce = kLanes / source.channels;
     const int rowGroups = (source.height + rowsAtOnce - 1) / rowsAtOnce;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(work))
     for (int group = 0; group < rowGroups; ++group) {
+        if (cancel.IsCancelled())
+            continue;
         float* lanes = perThread[static_cast<std::size_t>(ThreadNumber())].data();
         const int first = group * rowsAtOnce;
         FilterRows(poles, source, target, first, std::min(rowsAtOnce, source.height - first), lanes,
@@ -185,11 +189,14 @@ void FloatGaussian(ConstFloatView source, float sigma, FloatView target) {
     const int samples = source.width * source.channels;
     const int strips = (samples + kLanes - 1) / kLanes;
 #pragma omp parallel for schedule(static) if (IsWorthThreads(work))
-    for (int strip = 0; strip < strips; ++strip)
+    for (int strip = 0; strip < strips; ++strip) {
+        if (cancel.IsCancelled())
+            continue;
         HWY_DYNAMIC_DISPATCH(FilterLines)
         (poles, target.first + std::ptrdiff_t{strip} * kLanes, target.stride, target.height,
          std::min(kLanes, samples - strip * kLanes),
          perThread[static_cast<std::size_t>(ThreadNumber())].data());
+    }
 }
 
 }  // namespace velloran

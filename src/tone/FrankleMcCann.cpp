@@ -14,6 +14,7 @@
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/AutoLevelsCount.h"
 #include "tone/FrankleMcCannPasses.h"
@@ -104,8 +105,9 @@ void TakeResult(const std::uint16_t* result, const std::vector<std::uint8_t>& le
 }
 
 void Iterate(const RetinexPlanes& planes, int iterations) {
+    const CancelToken cancel = CurrentCancel();
     for (int shift = FirstShift(planes.width, planes.height); shift != 0; shift = -(shift / 2))
-        for (int i = 0; i < iterations; ++i) {
+        for (int i = 0; i < iterations && !cancel.IsCancelled(); ++i) {
             MeetAlongRows(planes, shift);
             MeetDownColumns(planes, shift);
         }
@@ -136,6 +138,8 @@ int FrankleMcCannRetinex(CDibImage& image, int iterations) {
             FillLogs(pixels, channel, MakeLogTable(points[c].high), logs);
             std::fill_n(result, size, static_cast<std::uint16_t>(kRetinexWhite));
             Iterate({logs, result, pixels.width, pixels.height}, iterations);
+            if (CurrentCancel().IsCancelled())
+                return 0;
             TakeResult(result, levels, channel, pixels);
         }
         return 1;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -106,8 +107,7 @@ void MeetRowBefore(const RetinexPlanes& planes, int row, int shift) {
     std::uint16_t* result = planes.result + std::ptrdiff_t{row} * planes.width;
     for (int x = shift; x < planes.width; x += shift)
         HWY_DYNAMIC_DISPATCH(MeetRun)
-        (log + x, result + x, log + x - shift, result + x - shift,
-         std::min(shift, planes.width - x));
+    (log + x, result + x, log + x - shift, result + x - shift, std::min(shift, planes.width - x));
 }
 
 void MeetRowBehind(const RetinexPlanes& planes, int row, int distance) {
@@ -148,14 +148,21 @@ void MeetAlongRows(const RetinexPlanes& planes, int shift) {
         return;
     if (shift > 0 && shift < kLongShift) {
         const int groups = (planes.height + kChains - 1) / kChains;
+        const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
-        for (int group = 0; group < groups; ++group)
+        for (int group = 0; group < groups; ++group) {
+            if (cancel.IsCancelled())
+                continue;
             MeetShortShift(planes, group * kChains,
                            std::min(kChains, planes.height - group * kChains), shift);
+        }
         return;
     }
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
     for (int row = 0; row < planes.height; ++row) {
+        if (cancel.IsCancelled())
+            continue;
         if (shift > 0)
             MeetRowBefore(planes, row, shift);
         else
@@ -168,14 +175,21 @@ void MeetDownColumns(const RetinexPlanes& planes, int shift) {
     if (distance >= planes.height)
         return;
     if (distance >= kLongShift) {
+        const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
-        for (int row = 0; row < distance; ++row)
+        for (int row = 0; row < distance; ++row) {
+            if (cancel.IsCancelled())
+                continue;
             MeetRowChain(planes, row, shift, 0, planes.width);
+        }
         return;
     }
     const int strips = (planes.width + kStripWidth - 1) / kStripWidth;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (AreWorthThreads(planes))
     for (int strip = 0; strip < strips; ++strip) {
+        if (cancel.IsCancelled())
+            continue;
         const int first = strip * kStripWidth;
         const int count = std::min(kStripWidth, planes.width - first);
         const int end = shift > 0 ? planes.height : planes.height - distance;

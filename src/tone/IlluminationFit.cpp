@@ -11,6 +11,7 @@
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/Resample.h"
 #include "imageproc/BinaryMorphology.h"
@@ -95,7 +96,8 @@ std::vector<SurfaceSample> SamplesOf(const CDibImage& gray, const imageproc::Bin
 /// surface is dropped and the rest fitted anew.
 SmoothSurface FitPaper(std::vector<SurfaceSample> samples) {
     SmoothSurface surface(samples);
-    for (int round = 0; round < kRounds && !samples.empty(); ++round) {
+    const CancelToken cancel = CurrentCancel();
+    for (int round = 0; round < kRounds && !samples.empty() && !cancel.IsCancelled(); ++round) {
         double squares = 0;
         for (const SurfaceSample& s : samples) {
             const double difference = s.value - surface.At(s.x, s.y);
@@ -156,8 +158,11 @@ int IlluminationFit(CDibImage& image) {
         std::vector<std::vector<std::uint8_t>> perThread(
             static_cast<std::size_t>(MaxThreads()),
             std::vector<std::uint8_t>(static_cast<std::size_t>(pixels.width)));
+        const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             std::uint8_t* paper = perThread[static_cast<std::size_t>(ThreadNumber())].data();
             surface.Row(Fraction(y, pixels.height), pixels.width, paper);
             if (pixels.channels == 3)

@@ -8,6 +8,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/SmoothPlane.h"
 #include "tone/PixelMapRows.h"
@@ -54,8 +55,11 @@ PixelMap HighlightTable(const LightCurve& highlight, float strength) {
 }
 
 void MapByMask(const MaskTable& table, ConstPlaneView mask, PlaneView pixels) {
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         const std::uint8_t* level = mask.Row(y).data();
         std::uint8_t* sample = pixels.Row(y).data();
         const int count = pixels.width * pixels.channels;

@@ -12,6 +12,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/FitIntoBox.h"
 #include "imaging/FloatView.h"
@@ -118,8 +119,11 @@ FloatPlane Surroundings(ConstPlaneView pixels, int scale, int scaleCount) {
     for (int y = 0; y < size.height; ++y)
         std::ranges::fill(sums.View().Row(y), 0.0F);
     const float reduction = static_cast<float>(size.width) / static_cast<float>(pixels.width);
+    const CancelToken cancel = CurrentCancel();
     for (int i = 0; i < scaleCount; ++i) {
         FloatGaussian(samples.View(), SigmaOf(scale, scaleCount, i) * reduction, blurred.View());
+        if (cancel.IsCancelled())
+            break;
         AddLogs(blurred.View(), sums.View());
     }
     return sums;
@@ -183,8 +187,11 @@ Spread MeasureSpread(Differences& differences, int height) {
     };
     std::vector<RowSums> perRow(static_cast<std::size_t>(height));
     const auto samples = static_cast<std::int64_t>(differences.RowSize()) * height;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(samples))
     for (int y = 0; y < height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         const float* row = differences.Row(y);
         std::array<double, 4> sums{}, squares{};
         for (std::size_t i = 0; i < differences.RowSize(); ++i) {
@@ -239,7 +246,10 @@ int MultiScaleRetinex(CDibImage& image, bool brighten, int scale, int scaleCount
             Whiten(pixels);
             return 1;
         }
+        const CancelToken cancel = CurrentCancel();
         const FloatPlane surroundings = Surroundings(pixels, scale, scaleCount);
+        if (cancel.IsCancelled())
+            return 0;
         Differences differences(pixels, surroundings.View(), scaleCount);
         const Spread spread = MeasureSpread(differences, pixels.height);
         const double reach = static_cast<double>(dynamicRange) * spread.deviation;
@@ -250,9 +260,12 @@ int MultiScaleRetinex(CDibImage& image, bool brighten, int scale, int scaleCount
         const auto low = static_cast<float>(spread.mean - reach);
         const auto factor = static_cast<float>(255.0 / (2 * reach));
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-        for (int y = 0; y < pixels.height; ++y)
+        for (int y = 0; y < pixels.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             HWY_DYNAMIC_DISPATCH(ScaleRow)
             (differences.Row(y), low, factor, differences.RowSize(), pixels.Row(y).data());
+        }
         if (brighten)
             Brighten(pixels);
         return 1;

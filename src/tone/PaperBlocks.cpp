@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/AutoLevelsCount.h"
 #include "tone/PixelMapRows.h"
@@ -53,8 +54,8 @@ void SumBlockRow(ConstPlaneView plane, const PaperBlocks& blocks, int row, Colum
     std::fill(columns.squares.begin(), columns.squares.end(), 0U);
     for (int y = 0; y < blocks.side; ++y)
         HWY_DYNAMIC_DISPATCH(AddRow)
-        (plane.Row(row * blocks.side + y).data(), blocks.columns * blocks.side, columns.sum.data(),
-         columns.squares.data());
+    (plane.Row(row * blocks.side + y).data(), blocks.columns * blocks.side, columns.sum.data(),
+     columns.squares.data());
     std::size_t x = 0;
     for (int block = 0; block < blocks.columns; ++block) {
         out[block] = {};
@@ -92,10 +93,14 @@ PaperBlocks SumPaperBlocks(ConstPlaneView plane) {
     std::vector<ColumnSums> perThread(
         static_cast<std::size_t>(MaxThreads()),
         ColumnSums{std::vector<std::uint16_t>(width), std::vector<std::uint32_t>(width)});
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
-    for (int row = 0; row < blocks.rows; ++row)
+    for (int row = 0; row < blocks.rows; ++row) {
+        if (cancel.IsCancelled())
+            continue;
         SumBlockRow(plane, blocks, row, perThread[static_cast<std::size_t>(ThreadNumber())],
                     blocks.sums.data() + static_cast<std::size_t>(row) * columns);
+    }
     return blocks;
 }
 

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstring>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 
 #define HWY_WANT_AVX3_DL  // has permutes of bytes
@@ -238,17 +239,24 @@ void MapPixels(const ChannelMaps& maps, std::uint8_t* bytes, std::size_t pixelCo
 }
 
 void MapRows(const PixelMap& map, PlaneView pixels) {
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         const std::span<std::uint8_t> row = pixels.Row(y);
         MapBytes(map, row.data(), row.size());
     }
 }
 
 void MapChannelRows(const ChannelMaps& maps, PlaneView pixels) {
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y)
+    for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         MapPixels(maps, pixels.Row(y).data(), static_cast<std::size_t>(pixels.width));
+    }
 }
 
 }  // namespace velloran

@@ -6,6 +6,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/Channels.h"
 #include "tone/PixelMapRows.h"
@@ -99,10 +100,14 @@ int ToSepiaGray(CDibImage& image, const Matrix& matrix) {
         return 0;
     gray.SetGrayPalette();
     const PlaneView target = ViewOf(gray);
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
-    for (int y = 0; y < target.height; ++y)
+    for (int y = 0; y < target.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         HWY_DYNAMIC_DISPATCH(SepiaGrayRow)
         (weights.data(), source.Row(y).data(), target.width, target.Row(y).data());
+    }
     return image.TakePixels(gray) ? 1 : 0;
 }
 
@@ -110,9 +115,13 @@ int ToSepiaColor(CDibImage& image, const Matrix& matrix) {
     if (ConvertToRgb(image) == 0)
         return 0;
     const PlaneView pixels = ViewOf(image);
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y)
+    for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         HWY_DYNAMIC_DISPATCH(SepiaRow)(matrix[0].data(), pixels.Row(y).data(), pixels.width);
+    }
     return 1;
 }
 

@@ -8,6 +8,7 @@
 
 #include "core/DibImage.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/PagePlanes.h"
 #include "tone/PaperBackground.h"
@@ -31,9 +32,13 @@ std::uint8_t ThresholdOf(const BlockSums& block, float pixels, float weight) {
 }
 
 void MapByBackground(PaperBackground& background, const PaperTable& table, PlaneView plane) {
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
-    for (int y = 0; y < plane.height; ++y)
+    for (int y = 0; y < plane.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         MapPaperRow(table, background.Row(y), plane.width, plane.Row(y).data());
+    }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "tone/AutoLevels.h"
 #include "tone/AutoLevelsCount.h"
@@ -54,11 +55,14 @@ struct DifferenceCounts {
 template <typename Counts, typename Count>
 Counts CountPixels(ConstPlaneView pixels, Count count) {
     Counts total{};
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel if (IsWorthThreads(pixels))
     {
         Counts own{};
 #pragma omp for schedule(static) nowait
         for (int y = 0; y < pixels.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             const std::uint8_t* pixel = pixels.Row(y).data();
             for (int x = 0; x < pixels.width; ++x, pixel += 3)
                 count(pixel, own);

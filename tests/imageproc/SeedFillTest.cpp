@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "core/StepContext.h"
 #include "imageproc/Pictures.h"
+#include "support/CountedCancel.h"
 #include "support/Images.h"
 
 namespace velloran::imageproc {
@@ -180,6 +182,37 @@ TEST(SeedFillSlow, ASerpentineTakesNoMoreTimeThanVisitingItsPixels) {
                 RecordProperty("side" + std::to_string(side),
                                std::to_string(fill) + " of " + std::to_string(flood));
             }
+}
+
+TEST(SeedFill, EndsWhenItIsCancelled) {
+    const BinaryImage mask = Serpentine(1023);
+    BinaryImage seed(mask.size(), BwColor::kWhite);
+    seed.fill({0, 0, 0, 0}, BwColor::kBlack);
+    const velloran::test::CountedCancel never, second(2);
+    {
+        const StepContext context(never.Token());
+        EXPECT_TRUE(seedFill(seed, mask, Connectivity::k4) == mask);
+    }
+    EXPECT_GE(never.Asked(), 1023);
+    const StepContext context(second.Token());
+    EXPECT_FALSE(seedFill(seed, mask, Connectivity::k4) == mask);
+    EXPECT_EQ(second.Asked(), 2);
+}
+
+TEST(SeedFillGray, EndsWhenItIsCancelled) {
+    const velloran::test::CountedCancel never, first(1);
+    const CDibImage mask = velloran::test::Noise(301, 403, 8, 2);
+    CDibImage seed = velloran::test::Filled(301, 403, 8, 0);
+    velloran::test::SetIndex(seed, 150, 200, 255);
+    CDibImage cancelled = seed;
+    {
+        const StepContext context(never.Token());
+        seedFillGrayInPlace(seed, mask, Connectivity::k8);
+    }
+    EXPECT_GE(never.Asked(), 403);
+    const StepContext context(first.Token());
+    seedFillGrayInPlace(cancelled, mask, Connectivity::k8);
+    EXPECT_LE(first.Asked(), 4);
 }
 
 TEST(SeedFill, PixelsThatOthersShareStay) {
