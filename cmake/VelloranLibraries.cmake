@@ -13,10 +13,12 @@ find_package(nlohmann_json REQUIRED)
 find_package(fmt REQUIRED)
 pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
 # Kernels are compiled once for each form: the plain one, and of x86 processors these with vectors.
-# SSSE3 without SSE4 is too rare to be worth a form. A file that gains from AVX3_DL asks for it.
+# SSSE3 without SSE4 is too rare to be worth a form, and kernels lay out vectors of known length,
+# which those of SVE are not. A file that gains from AVX3_DL asks for it.
 add_library(velloran_highway INTERFACE)
 target_link_libraries(velloran_highway INTERFACE PkgConfig::HWY)
-target_compile_definitions(velloran_highway INTERFACE HWY_DISABLED_TARGETS=HWY_SSSE3)
+target_compile_definitions(velloran_highway INTERFACE 
+    "HWY_DISABLED_TARGETS=(HWY_SSSE3|HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128)")
 if(VELLORAN_TESTS)
     find_package(GTest REQUIRED)
 endif()

@@ -2,24 +2,84 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <vector>
 
 #include "core/DibImage.h"
+#include "core/ExactMath.h"
 #include "core/GrayDepth.h"
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "imaging/BorderedCopy.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/AdjustSharpen.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+constexpr int kBlock = 256;  // samples that are summed side by side
+
+/// Weighted sums of the columns around a row; `stride` bytes from a row to the next.
+void SumColumns(const std::uint8_t* center, std::ptrdiff_t stride, const float* taps, int reach,
+                int count, float* sums) {
+    for (int at = 0; at < count; at += kBlock) {
+        const int length = std::min(kBlock, count - at);
+        const std::uint8_t* row = center + at;
+        float* out = sums + at;
+        for (int i = 0; i < length; ++i)
+            out[i] = static_cast<float>(row[i]);
+        for (int j = 1; j <= reach; ++j) {
+            const std::uint8_t *above = row - j * stride, *below = row + j * stride;
+            const float tap = taps[j];
+            for (int i = 0; i < length; ++i)
+                out[i] += tap * static_cast<float>(above[i] + below[i]);
+        }
+    }
+}
+
+/// Along the row, `step` samples from a pixel to the next, and the difference from the centre.
+void FinishRow(const float* sums, int step, const std::uint8_t* center, const float* taps,
+               int reach, float gain, int count, std::uint8_t* out) {
+    float total[kBlock];
+    for (int at = 0; at < count; at += kBlock) {
+        const int length = std::min(kBlock, count - at);
+        const float* row = sums + at;
+        for (int i = 0; i < length; ++i)
+            total[i] = row[i];
+        for (int j = 1; j <= reach; ++j) {
+            const float *before = row - j * step, *behind = row + j * step;
+            const float tap = taps[j];
+            for (int i = 0; i < length; ++i)
+                total[i] += tap * (before[i] + behind[i]);
+        }
+        for (int i = 0; i < length; ++i) {
+            const float value = static_cast<float>(center[at + i]) * gain - total[i] + 0.5F;
+            const float low = value < 0.0F ? 0.0F : value;
+            const float limited = low > 255.0F ? 255.0F : low;
+            out[at + i] = static_cast<std::uint8_t>(static_cast<int>(limited));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace velloran {
 namespace {
 
-constexpr int kMinSize = 7, kMaxSize = 25;
-constexpr int kBlock = 256;  // samples that are summed side by side
+HWY_EXPORT(SumColumns);
+HWY_EXPORT(FinishRow);
 
+constexpr int kMinSize = 7, kMaxSize = 25;
 struct SizeOfStrength {
     int maxPercent, size;
 };
@@ -41,53 +101,9 @@ HighPass MakeHighPass(float sigma, int size) {
     filter.reach = size / 2;
     for (int i = 0; i <= filter.reach; ++i)
         filter.taps[static_cast<std::size_t>(i)] =
-            std::exp(-static_cast<float>(i * i) / (2.0F * sigma * sigma));
+            Exp(-static_cast<float>(i * i) / (2.0F * sigma * sigma));
     filter.gain = kernel[count / 2] + 1.0F;
     return filter;
-}
-
-/// Weighted sums of the columns around a row; `stride` bytes from a row to the next.
-VELLORAN_SIMD_CLONES
-void SumColumns(const std::uint8_t* center, std::ptrdiff_t stride, const HighPass& filter,
-                int count, float* sums) {
-    for (int at = 0; at < count; at += kBlock) {
-        const int length = std::min(kBlock, count - at);
-        const std::uint8_t* row = center + at;
-        float* out = sums + at;
-        for (int i = 0; i < length; ++i)
-            out[i] = static_cast<float>(row[i]);
-        for (int j = 1; j <= filter.reach; ++j) {
-            const std::uint8_t *above = row - j * stride, *below = row + j * stride;
-            const float tap = filter.taps[static_cast<std::size_t>(j)];
-            for (int i = 0; i < length; ++i)
-                out[i] += tap * static_cast<float>(above[i] + below[i]);
-        }
-    }
-}
-
-/// Along the row, `step` samples from a pixel to the next, and the difference from the centre.
-VELLORAN_SIMD_CLONES
-void FinishRow(const float* sums, int step, const std::uint8_t* center, const HighPass& filter,
-               int count, std::uint8_t* out) {
-    float total[kBlock];
-    for (int at = 0; at < count; at += kBlock) {
-        const int length = std::min(kBlock, count - at);
-        const float* row = sums + at;
-        for (int i = 0; i < length; ++i)
-            total[i] = row[i];
-        for (int j = 1; j <= filter.reach; ++j) {
-            const float *before = row - j * step, *behind = row + j * step;
-            const float tap = filter.taps[static_cast<std::size_t>(j)];
-            for (int i = 0; i < length; ++i)
-                total[i] += tap * (before[i] + behind[i]);
-        }
-        for (int i = 0; i < length; ++i) {
-            const float value = static_cast<float>(center[at + i]) * filter.gain - total[i] + 0.5F;
-            const float low = value < 0.0F ? 0.0F : value;
-            const float limited = low > 255.0F ? 255.0F : low;
-            out[at + i] = static_cast<std::uint8_t>(static_cast<int>(limited));
-        }
-    }
 }
 
 /// A row for each thread.
@@ -105,9 +121,11 @@ void SharpenRow(ConstPlaneView source, int y, const HighPass& filter, float* sum
                 std::span<std::uint8_t> out) {
     const int lead = filter.reach * source.channels;
     const std::uint8_t* row = source.Row(y + filter.reach).data();
-    SumColumns(row, source.stride, filter, source.width * source.channels, sums);
-    FinishRow(sums + lead, source.channels, row + lead, filter, static_cast<int>(out.size()),
-              out.data());
+    HWY_DYNAMIC_DISPATCH(SumColumns)
+    (row, source.stride, filter.taps.data(), filter.reach, source.width * source.channels, sums);
+    HWY_DYNAMIC_DISPATCH(FinishRow)
+    (sums + lead, source.channels, row + lead, filter.taps.data(), filter.reach, filter.gain,
+     static_cast<int>(out.size()), out.data());
 }
 
 void SharpenWhole(PlaneView pixels, const HighPass& filter) {
@@ -173,7 +191,7 @@ int MakeSharpenKernel(float sigma, int size, std::span<float> kernel) {
         for (int x = -reach; x <= reach; ++x, ++entry) {
             const float squares = static_cast<float>(x) * static_cast<float>(x) +
                                   static_cast<float>(y) * static_cast<float>(y);
-            const float weight = std::exp(-squares / (2.0F * sigma * sigma));
+            const float weight = Exp(-squares / (2.0F * sigma * sigma));
             sum += weight;
             *entry = -weight;
         }
@@ -205,3 +223,4 @@ int AdjustSharpen(CDibImage& image, int percent, int size) {
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -1,8 +1,8 @@
 #include "filters/GaussianBlur.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "core/ExactMath.h"
 #include "core/Refusal.h"
 #include "imaging/Separable.h"
 
@@ -13,7 +13,7 @@ constexpr int kLongestReach = 400;
 
 float Bell(int k, float sigma) {
     const float ratio = static_cast<float>(k) / sigma;
-    return std::exp(-(ratio * ratio) * 0.5F);
+    return Exp(-(ratio * ratio) * 0.5F);
 }
 
 /// Weights in thousandths of `scale` for -reach..reach, truncated.

@@ -7,12 +7,41 @@
 #include "core/GrayDepth.h"
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "filters/SmoothPlane.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/MultiScaleDetail.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+void EnhanceRow(const std::uint8_t* fine, const std::uint8_t* middle, const std::uint8_t* coarse,
+                int count, std::uint8_t* row) {
+    for (int i = 0; i < count; ++i) {
+        const int sample = row[i], detail = sample - fine[i];
+        const int weighted = fine[i] + (detail < 0 ? 3 * detail : detail);
+        // Truncated toward zero; a shift would go down.
+        const int change = (2 * weighted - middle[i] - coarse[i]) / 4;
+        const int value = sample + change;
+        row[i] = static_cast<std::uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
+    }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace velloran {
 namespace {
+
+HWY_EXPORT(EnhanceRow);
 
 /// A copy of the picture, the top row first, smoothed.
 class SmoothedCopy {
@@ -37,19 +66,6 @@ class SmoothedCopy {
     PlaneView view_;
 };
 
-VELLORAN_SIMD_CLONES
-void EnhanceRow(const std::uint8_t* fine, const std::uint8_t* middle, const std::uint8_t* coarse,
-                int count, std::uint8_t* row) {
-    for (int i = 0; i < count; ++i) {
-        const int sample = row[i], detail = sample - fine[i];
-        const int weighted = fine[i] + (detail < 0 ? 3 * detail : detail);
-        // Truncated toward zero; a shift would go down.
-        const int change = (2 * weighted - middle[i] - coarse[i]) / 4;
-        const int value = sample + change;
-        row[i] = static_cast<std::uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
-    }
-}
-
 }  // namespace
 
 int MultiScaleDetail(CDibImage& image, int radius) {
@@ -62,10 +78,12 @@ int MultiScaleDetail(CDibImage& image, int radius) {
         // Row padding would come out as it is: its smoothings equal it.
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y)
-            EnhanceRow(fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
-                       pixels.Row(y).data());
+            HWY_DYNAMIC_DISPATCH(EnhanceRow)
+            (fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
+             pixels.Row(y).data());
         return 1;
     });
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

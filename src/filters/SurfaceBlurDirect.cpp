@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "core/DibImage.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BorderedCopy.h"
@@ -20,27 +19,28 @@
 // 120 * 2 * 125 * 2^-24 < 0.0018; the two sums and the division round 243 times by at most
 // 255 * 2^-24, which is below 0.0038.
 
+#ifndef VELLORAN_DIRECT_BLOCK  // the rest of the file is read once for each form
+#define VELLORAN_DIRECT_BLOCK
 namespace velloran {
 namespace {
 
-constexpr float kTieMargin = 1.0F / 160;
-
 constexpr int kBlock = 64;  // samples that are summed side by side
 
-/// Weights of differences 0..255.
-using WeightTable = std::array<float, 256>;
+}  // namespace
+}  // namespace velloran
+#endif
 
-WeightTable MakeWeights(int threshold) {
-    WeightTable weights{};
-    const auto end = static_cast<float>(threshold * 2.5);
-    for (int k = 0; k < 256; ++k) {
-        const float weight = 1.0F - static_cast<float>(k) / end;
-        if (weight < 0.0F)
-            break;
-        weights[static_cast<std::size_t>(k)] = weight;
-    }
-    return weights;
-}
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/SurfaceBlurDirect.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+constexpr float kTieMargin = 1.0F / 160;
 
 /// A window in the bordered copy: its first sample, the bytes from row to row and from pixel to
 /// pixel.
@@ -53,13 +53,13 @@ struct Window {
 };
 
 /// The sums in floats, row by row; the order of the additions is part of the result.
-std::uint8_t SumInFloats(const Window& window, const WeightTable& weights) {
+std::uint8_t SumInFloats(const Window& window, const float* weights) {
     const int center = *window.Center(), side = 2 * window.radius + 1;
     float weightSum = 0, sampleSum = 0;
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < side; ++x) {
             const int sample = window.first[y * window.stride + x * window.step];
-            const float weight = weights[static_cast<std::size_t>(std::abs(sample - center))];
+            const float weight = weights[std::abs(sample - center)];
             weightSum += weight;
             sampleSum += static_cast<float>(sample) * weight;
         }
@@ -77,8 +77,8 @@ struct BlockSums {
 /// Adds kTaps neighbours in a row. A weight times its difference is at most 126 * 62, and four of
 /// them fit 16 bits.
 template <int kTaps>
-[[gnu::always_inline]] inline void AddTaps(const std::uint8_t* samples, int step,
-                                           std::int16_t reach, BlockSums& sums) {
+HWY_INLINE void AddTaps(const std::uint8_t* samples, int step, std::int16_t reach,
+                        BlockSums& sums) {
     static_assert(kTaps <= 4);
     for (int i = 0; i < kBlock; ++i) {
         std::int16_t weightSum = 0, momentSum = 0;
@@ -103,7 +103,6 @@ struct BlockLevels {
     alignas(32) std::uint8_t isNearTie[kBlock];
 };
 
-VELLORAN_SIMD_CLONES
 void BlurBlock(const Window& window, int threshold, BlockLevels& out) {
     BlockSums sums{};
     const std::uint8_t* center = window.Center();
@@ -130,11 +129,12 @@ void BlurBlock(const Window& window, int threshold, BlockLevels& out) {
     }
 }
 
-void BlurRow(Window window, int threshold, const WeightTable& weights,
-             std::span<std::uint8_t> target) {
+/// `first` is the first sample of the first window.
+void BlurRow(const std::uint8_t* first, std::ptrdiff_t stride, int step, int radius, int threshold,
+             const float* weights, std::span<std::uint8_t> target) {
     BlockLevels levels;
+    Window window{first, stride, step, radius};
     const auto count = static_cast<std::ptrdiff_t>(target.size());
-    const std::uint8_t* first = window.first;
     for (std::ptrdiff_t at = 0; at < count; at += kBlock) {
         window.first = first + at;
         BlurBlock(window, threshold, levels);
@@ -146,6 +146,32 @@ void BlurRow(Window window, int threshold, const WeightTable& weights,
             }
         std::memcpy(target.data() + at, levels.level, static_cast<std::size_t>(length));
     }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(BlurRow);
+
+/// Weights of differences 0..255.
+using WeightTable = std::array<float, 256>;
+
+WeightTable MakeWeights(int threshold) {
+    WeightTable weights{};
+    const auto end = static_cast<float>(threshold * 2.5);
+    for (int k = 0; k < 256; ++k) {
+        const float weight = 1.0F - static_cast<float>(k) / end;
+        if (weight < 0.0F)
+            break;
+        weights[static_cast<std::size_t>(k)] = weight;
+    }
+    return weights;
 }
 
 }  // namespace
@@ -161,9 +187,11 @@ void BlurDirect(CDibImage& image, int radius, int threshold, int times) {
         const ConstPlaneView source = copy.View();
 #pragma omp parallel for schedule(static) if (isWorthThreads)
         for (int y = 0; y < pixels.height; ++y)
-            BlurRow({source.Row(y).data(), source.stride, source.channels, radius}, threshold,
-                    weights, pixels.Row(y));
+            HWY_DYNAMIC_DISPATCH(BlurRow)
+            (source.Row(y).data(), source.stride, source.channels, radius, threshold,
+             weights.data(), pixels.Row(y));
     }
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

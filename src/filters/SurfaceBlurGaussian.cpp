@@ -7,36 +7,32 @@
 #include <vector>
 
 #include "core/DibImage.h"
+#include "core/ExactMath.h"
 #include "core/PixelMemory.h"
 #include "core/Rounding.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "filters/SurfaceBlurForms.h"
 
+#ifndef VELLORAN_GAUSSIAN_BLOCK  // the rest of the file is read once for each form
+#define VELLORAN_GAUSSIAN_BLOCK
 namespace velloran {
 namespace {
 
-constexpr int kMaxRadius = 15;
 constexpr int kBlock = 256;  // samples that are summed side by side
 
-/// Stands beyond the ends of a row: farther from every level than any threshold.
-constexpr std::int16_t kNoSample = 1000;
+}  // namespace
+}  // namespace velloran
+#endif
 
-/// Taps for offsets 0..radius - 1; those of the other side are the same. Off the centre none passes
-/// 495, so that a tap times an accepted difference (at most 50) fits 16 bits.
-using HalfKernel = std::array<std::int16_t, kMaxRadius>;
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/SurfaceBlurGaussian.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
-HalfKernel MakeHalfKernel(int radius) {
-    HalfKernel taps{};
-    const double sigma = radius / 3.0, d = (sigma + sigma) * sigma;
-    const double height = 1.0 / std::sqrt(d * 3.1415924);  // the constant belongs to the result
-    for (int j = 0; j < radius; ++j) {
-        const int tap = TruncToInt(std::exp(-static_cast<double>(j * j) / d) * height * 2048.0);
-        assert(j == 0 || tap <= 495);
-        taps[static_cast<std::size_t>(j)] = static_cast<std::int16_t>(tap);
-    }
-    return taps;
-}
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
 
 /// Of each sample of a block: its level, the sum of the accepted taps, and the sum of their
 /// differences from it, weighted.
@@ -47,7 +43,7 @@ struct BlockSums {
 };
 
 template <typename Sample>
-[[gnu::always_inline]] inline void StartBlock(const Sample* samples, BlockSums& sums) {
+HWY_INLINE void StartBlock(const Sample* samples, BlockSums& sums) {
     for (int i = 0; i < kBlock; ++i) {
         sums.center[i] = samples[i];
         sums.taps[i] = 0;
@@ -56,8 +52,8 @@ template <typename Sample>
 }
 
 template <typename Sample>
-[[gnu::always_inline]] inline void AddTap(const Sample* samples, std::int16_t tap,
-                                          std::int16_t threshold, BlockSums& sums) {
+HWY_INLINE void AddTap(const Sample* samples, std::int16_t tap, std::int16_t threshold,
+                       BlockSums& sums) {
     for (int i = 0; i < kBlock; ++i) {
         const auto difference = static_cast<std::int16_t>(samples[i] - sums.center[i]);
         const auto distance = static_cast<std::int16_t>(difference < 0 ? -difference : difference);
@@ -71,7 +67,7 @@ template <typename Sample>
 
 /// (S + N / 2) / N with S = center * N + moment. S stays below 2^20 and N below 2^12, so that the
 /// truncated float quotient is exact.
-[[gnu::always_inline]] inline void FinishBlock(const BlockSums& sums, std::uint8_t* out) {
+HWY_INLINE void FinishBlock(const BlockSums& sums, std::uint8_t* out) {
     for (int i = 0; i < kBlock; ++i) {
         const std::int32_t taps = sums.taps[i];
         const std::int32_t sum = sums.center[i] * taps + sums.moment[i] + taps / 2;
@@ -80,29 +76,67 @@ template <typename Sample>
     }
 }
 
-/// `samples` has (radius - 1) * step samples before it and behind the block.
-VELLORAN_SIMD_CLONES
-void BlurAlongRow(const std::int16_t* samples, int step, const HalfKernel& kernel, int radius,
-                  int threshold, std::uint8_t* out) {
-    BlockSums sums;
-    StartBlock(samples, sums);
-    for (int j = 1 - radius; j < radius; ++j)
-        AddTap(samples + static_cast<std::ptrdiff_t>(j) * step,
-               kernel[static_cast<std::size_t>(std::abs(j))], static_cast<std::int16_t>(threshold),
-               sums);
-    FinishBlock(sums, out);
+/// `row` has (radius - 1) * step samples before it and behind its last block; `count` is a multiple
+/// of the block.
+void BlurAlongRow(const std::int16_t* row, std::ptrdiff_t count, int step, const std::int16_t* taps,
+                  int radius, int threshold, std::uint8_t* out) {
+    for (std::ptrdiff_t at = 0; at < count; at += kBlock) {
+        BlockSums sums;
+        StartBlock(row + at, sums);
+        for (int j = 1 - radius; j < radius; ++j)
+            AddTap(row + at + static_cast<std::ptrdiff_t>(j) * step, taps[std::abs(j)],
+                   static_cast<std::int16_t>(threshold), sums);
+        FinishBlock(sums, out + at);
+    }
 }
 
-/// Rows `first` to `last` around the one of `samples` exist.
-VELLORAN_SIMD_CLONES
-void BlurAlongColumn(const std::uint8_t* samples, std::ptrdiff_t stride, int first, int last,
-                     const HalfKernel& kernel, int threshold, std::uint8_t* out) {
-    BlockSums sums;
-    StartBlock(samples, sums);
-    for (int j = first; j <= last; ++j)
-        AddTap(samples + j * stride, kernel[static_cast<std::size_t>(std::abs(j))],
-               static_cast<std::int16_t>(threshold), sums);
-    FinishBlock(sums, out);
+/// Rows `first` to `last` around the one of `row` exist.
+void BlurAlongColumn(const std::uint8_t* row, std::ptrdiff_t stride, int first, int last,
+                     const std::int16_t* taps, int threshold, std::span<std::uint8_t> target) {
+    const auto count = static_cast<std::ptrdiff_t>(target.size());
+    for (std::ptrdiff_t at = 0; at < count; at += kBlock) {
+        BlockSums sums;
+        StartBlock(row + at, sums);
+        for (int j = first; j <= last; ++j)
+            AddTap(row + at + j * stride, taps[std::abs(j)], static_cast<std::int16_t>(threshold),
+                   sums);
+        std::uint8_t block[kBlock];
+        FinishBlock(sums, block);
+        std::memcpy(target.data() + at, block,
+                    static_cast<std::size_t>(std::min<std::ptrdiff_t>(kBlock, count - at)));
+    }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(BlurAlongRow);
+HWY_EXPORT(BlurAlongColumn);
+
+constexpr int kMaxRadius = 15;
+/// Stands beyond the ends of a row: farther from every level than any threshold.
+constexpr std::int16_t kNoSample = 1000;
+
+/// Taps for offsets 0..radius - 1; those of the other side are the same. Off the centre none passes
+/// 495, so that a tap times an accepted difference (at most 50) fits 16 bits.
+using HalfKernel = std::array<std::int16_t, kMaxRadius>;
+
+HalfKernel MakeHalfKernel(int radius) {
+    HalfKernel taps{};
+    const double sigma = radius / 3.0, d = (sigma + sigma) * sigma;
+    const double height = 1.0 / std::sqrt(d * 3.1415924);  // the constant belongs to the result
+    for (int j = 0; j < radius; ++j) {
+        const int tap = TruncToInt(Exp(-static_cast<double>(j * j) / d) * height * 2048.0);
+        assert(j == 0 || tap <= 495);
+        taps[static_cast<std::size_t>(j)] = static_cast<std::int16_t>(tap);
+    }
+    return taps;
 }
 
 /// The rows between the two stages, and the row that each thread lays out with its ends.
@@ -132,8 +166,8 @@ void BlurRows(ConstPlaneView pixels, const HalfKernel& kernel, int radius, int t
         std::int16_t* row = scratch.rows[static_cast<std::size_t>(ThreadNumber())].data() + lead;
         const std::span<const std::uint8_t> samples = pixels.Row(y);
         std::copy(samples.begin(), samples.end(), row);
-        for (std::ptrdiff_t at = 0; at < scratch.stride; at += kBlock)
-            BlurAlongRow(row + at, pixels.channels, kernel, radius, threshold, scratch.Row(y) + at);
+        HWY_DYNAMIC_DISPATCH(BlurAlongRow)
+        (row, scratch.stride, pixels.channels, kernel.data(), radius, threshold, scratch.Row(y));
     }
 }
 
@@ -144,14 +178,8 @@ void BlurColumns(const Scratch& scratch, const HalfKernel& kernel, int radius, i
         const std::span<std::uint8_t> target = pixels.Row(y);
         const int first = std::max(1 - radius, -y);
         const int last = std::min(radius - 1, pixels.height - 1 - y);
-        const auto count = static_cast<std::ptrdiff_t>(target.size());
-        for (std::ptrdiff_t at = 0; at < count; at += kBlock) {
-            std::uint8_t block[kBlock];
-            BlurAlongColumn(scratch.Row(y) + at, scratch.stride, first, last, kernel, threshold,
-                            block);
-            std::memcpy(target.data() + at, block,
-                        static_cast<std::size_t>(std::min<std::ptrdiff_t>(kBlock, count - at)));
-        }
+        HWY_DYNAMIC_DISPATCH(BlurAlongColumn)
+        (scratch.Row(y), scratch.stride, first, last, kernel.data(), threshold, target);
     }
 }
 
@@ -168,3 +196,4 @@ void BlurSelectiveGaussian(CDibImage& image, int radius, int threshold, int time
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -7,18 +7,23 @@
 #include "core/DibImage.h"
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BoxMean.h"
 #include "imaging/Planes.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/SurfaceBlurGuided.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
 /// Halves away from zero, saturated; the fraction is exact where adding 0.5 would round. Values are
 /// means of samples and stay near 0..255.
-VELLORAN_SIMD_CLONES
 void RoundRow(const float* values, int count, std::uint8_t* out) {
     for (int i = 0; i < count; ++i) {
         const int whole = static_cast<int>(values[i]);
@@ -28,7 +33,6 @@ void RoundRow(const float* values, int count, std::uint8_t* out) {
     }
 }
 
-VELLORAN_SIMD_CLONES
 void SquareRow(const float* values, int count, float* out) {
     for (int i = 0; i < count; ++i)
         out[i] = values[i] * values[i];
@@ -36,7 +40,6 @@ void SquareRow(const float* values, int count, float* out) {
 
 /// From the means of the samples and of their squares to the line through them: slope in place of
 /// the squares, offset in place of the samples.
-VELLORAN_SIMD_CLONES
 void FitRow(int count, float eps, float* mean, float* squares) {
     for (int i = 0; i < count; ++i) {
         const float variance = squares[i] - mean[i] * mean[i];
@@ -46,17 +49,30 @@ void FitRow(int count, float eps, float* mean, float* squares) {
     }
 }
 
-VELLORAN_SIMD_CLONES
 void ApplyRow(const float* slope, const std::uint8_t* samples, int count, float* offset) {
     for (int i = 0; i < count; ++i)
         offset[i] = offset[i] + slope[i] * static_cast<float>(samples[i]);
 }
 
-VELLORAN_SIMD_CLONES
 void WidenRow(const std::uint8_t* samples, int count, float* values) {
     for (int i = 0; i < count; ++i)
         values[i] = static_cast<float>(samples[i]);
 }
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(RoundRow);
+HWY_EXPORT(SquareRow);
+HWY_EXPORT(FitRow);
+HWY_EXPORT(ApplyRow);
+HWY_EXPORT(WidenRow);
 
 /// A channel of a row, side by side in `line` where it is not so already.
 const std::uint8_t* ChannelOfRow(ConstPlaneView pixels, int y, int channel, std::uint8_t* line) {
@@ -113,18 +129,19 @@ void LoadRows(const GuidedPass& pass, Rows rows, std::uint8_t* line, FloatView v
         if (pass.values.first != nullptr)
             std::copy_n(pass.values.Row(rows.first + y).data(), values.width, out);
         else
-            WidenRow(ChannelOfRow(pass.samples, rows.first + y, pass.channel, line), values.width,
-                     out);
+            HWY_DYNAMIC_DISPATCH(WidenRow)
+            (ChannelOfRow(pass.samples, rows.first + y, pass.channel, line), values.width, out);
     }
 }
 
 void FinishRow(const GuidedPass& pass, int y, const float* slope, std::uint8_t* line,
                float* values) {
     const int width = pass.samples.width;
-    ApplyRow(slope, ChannelOfRow(pass.samples, y, pass.channel, line), width, values);
+    HWY_DYNAMIC_DISPATCH(ApplyRow)
+    (slope, ChannelOfRow(pass.samples, y, pass.channel, line), width, values);
     if (pass.nextValues.first != nullptr)
         std::copy_n(values, width, pass.nextValues.Row(y).data());
-    RoundRow(values, width, pass.result.Row(y).data());
+    HWY_DYNAMIC_DISPATCH(RoundRow)(values, width, pass.result.Row(y).data());
 }
 
 /// Means near the ends of the rows at hand are wrong where the picture goes on, and not used.
@@ -138,14 +155,14 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
     const FloatView meanSquares = RowsOf(planes.meanSquares.View(), 0, all.Count());
     LoadRows(pass, all, planes.line.data(), values);
     for (int y = 0; y < all.Count(); ++y)
-        SquareRow(values.Row(y).data(), width, squares.Row(y).data());
+        HWY_DYNAMIC_DISPATCH(SquareRow)(values.Row(y).data(), width, squares.Row(y).data());
     BoxMean(values, pass.radius, meanValues);
     BoxMean(squares, pass.radius, meanSquares);
     const int skipped = around.first - all.first;
     const FloatView offsets = RowsOf(meanValues, skipped, around.Count());
     const FloatView slopes = RowsOf(meanSquares, skipped, around.Count());
     for (int y = 0; y < around.Count(); ++y)
-        FitRow(width, pass.eps, offsets.Row(y).data(), slopes.Row(y).data());
+        HWY_DYNAMIC_DISPATCH(FitRow)(width, pass.eps, offsets.Row(y).data(), slopes.Row(y).data());
     const FloatView meanSlopes = RowsOf(squares, 0, around.Count());
     const FloatView meanOffsets = RowsOf(values, 0, around.Count());
     BoxMean(slopes, pass.radius, meanSlopes);
@@ -218,3 +235,4 @@ void BlurGuided(CDibImage& image, int radius, int threshold, int times) {
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -57,17 +57,14 @@ struct Pass {
     ConstPlaneView source;
     PlaneView target;
     const LevelWeights& weights;
-    BlurHistogramRow blurRow;
     int radius;
     std::vector<int> columns, rows;    // mirrored, from -radius on
     std::vector<ColumnCounts> counts;  // of each thread
 
-    Pass(ConstPlaneView from, PlaneView to, const LevelWeights& levelWeights, int windowRadius,
-         BlurHistogramRow kernel)
+    Pass(ConstPlaneView from, PlaneView to, const LevelWeights& levelWeights, int windowRadius)
         : source(from),
           target(to),
           weights(levelWeights),
-          blurRow(kernel),
           radius(windowRadius),
           columns(MirrorIndexes(from.width, windowRadius)),
           rows(MirrorIndexes(from.height, windowRadius)) {
@@ -114,9 +111,9 @@ void BlurTile(const Pass& pass, const Tile& tile, ColumnCounts& counts) {
     for (int y = tile.top; y < tile.bottom; ++y) {
         if (y > tile.top)
             MoveToRow(pass, tile, y, counts);
-        pass.blurRow({&counts, &pass.weights, pass.source.Row(y).data() + first,
-                      pass.target.Row(y).data() + first, pass.source.channels, tile.width,
-                      pass.radius});
+        BlurHistogramRow({&counts, &pass.weights, pass.source.Row(y).data() + first,
+                          pass.target.Row(y).data() + first, pass.source.channels, tile.width,
+                          pass.radius});
     }
 }
 
@@ -148,8 +145,7 @@ void BlurWithWeights(CDibImage& image, int radius, const LevelWeights& weights, 
     const PixelBuffer memory =
         MakePixelBuffer(static_cast<std::size_t>(stride) * static_cast<std::size_t>(pixels.height));
     const PlaneView before{memory.get(), pixels.width, pixels.height, pixels.channels, stride};
-    const BlurHistogramRow vectors = BlurHistogramRowAvx2();
-    Pass pass(before, pixels, weights, radius, vectors ? vectors : BlurHistogramRowPlain);
+    Pass pass(before, pixels, weights, radius);
     for (int i = 0; i < times; ++i) {
         CopyRows(pixels, before);
         RunPass(pass);
@@ -157,39 +153,6 @@ void BlurWithWeights(CDibImage& image, int radius, const LevelWeights& weights, 
 }
 
 }  // namespace
-
-void BlurHistogramRowPlain(const HistogramRow& row) {
-    const ColumnCounts& counts = *row.counts;
-    const LevelWeights& weights = *row.weights;
-    std::uint16_t window[kLevelGroups * kGroupLevels] = {};
-    const auto change = [&](int column, int by) {
-        for (int group = 0; group < kLevelGroups; ++group) {
-            const std::uint8_t* levels = counts.Levels(group, column);
-            std::uint16_t* out = window + group * kGroupLevels;
-            for (int i = 0; i < kGroupLevels; ++i)
-                out[i] = static_cast<std::uint16_t>(out[i] + by * levels[i]);
-        }
-    };
-    for (int column = 0; column < 2 * row.radius; ++column)
-        change(column, 1);
-    for (int x = 0; x < row.count; ++x) {
-        change(x + 2 * row.radius, 1);
-        if (x > 0)
-            change(x - 1, -1);
-        const int center = row.source[static_cast<std::ptrdiff_t>(x) * row.step];
-        const int low = std::max(center - weights.reach, 0);
-        const int high = std::min(center + weights.reach, 255);
-        std::uint32_t den = 0, num = 0;
-        for (int level = low; level <= high; ++level) {
-            const auto share =
-                static_cast<std::uint32_t>(window[level] * weights.Of(level - center));
-            den += share;
-            num += share * static_cast<std::uint32_t>(level);
-        }
-        row.target[static_cast<std::ptrdiff_t>(x) * row.step] =
-            static_cast<std::uint8_t>((num + den / 2) / den);
-    }
-}
 
 void BlurByHistograms(CDibImage& image, int radius, int threshold, int times) {
     BlurWithWeights(image, radius, LinearWeights(threshold), times);

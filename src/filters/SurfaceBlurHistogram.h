@@ -1,6 +1,6 @@
 #pragma once
 
-// The kernels behind the histogram forms of the surface blur: one row of one strip each.
+// The kernel behind the histogram forms of the surface blur: one row of one strip.
 
 #include <array>
 #include <cstdint>
@@ -35,10 +35,6 @@ struct HistogramRow {
 
 /// (num + den / 2) / den over the levels within reach of each sample: den the sum of count times
 /// weight, num the sum of these times the level.
-using BlurHistogramRow = void (*)(const HistogramRow& row);
-
-void BlurHistogramRowPlain(const HistogramRow& row);
-/// Null where the processor has no such vectors. The same results.
-BlurHistogramRow BlurHistogramRowAvx2();
+void BlurHistogramRow(const HistogramRow& row);
 
 }  // namespace velloran

@@ -3,17 +3,39 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/BoxMean.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
-VELLORAN_SIMD_CLONES
 void AddRow(const float* row, double times, int count, double* sums) {
     for (int i = 0; i < count; ++i)
         sums[i] += times * static_cast<double>(row[i]);
 }
+
+void ExchangeRow(const float* in, const float* out, int count, double* sums) {
+    for (int i = 0; i < count; ++i)
+        sums[i] += static_cast<double>(in[i]) - static_cast<double>(out[i]);
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(AddRow);
+HWY_EXPORT(ExchangeRow);
 
 /// How often a line of `size` meets the window of `radius` about `center`, where lines beyond the
 /// ends count as the end lines.
@@ -22,12 +44,6 @@ double TimesInWindow(int line, std::int64_t center, std::int64_t radius, int siz
     const std::int64_t before = line == 0 ? std::max<std::int64_t>(0, -from) : 0;
     const std::int64_t behind = line == size - 1 ? std::max<std::int64_t>(0, to - (size - 1)) : 0;
     return static_cast<double>(before + behind + (line >= from && line <= to ? 1 : 0));
-}
-
-VELLORAN_SIMD_CLONES
-void ExchangeRow(const float* in, const float* out, int count, double* sums) {
-    for (int i = 0; i < count; ++i)
-        sums[i] += static_cast<double>(in[i]) - static_cast<double>(out[i]);
 }
 
 /// Rows of one band: the column sums start anew at each band, so that the result does not depend
@@ -71,13 +87,14 @@ void MeansOfBand(ConstFloatView source, int radius, int first, int last, double*
     const std::int64_t top = std::int64_t{first} - radius, bottom = std::int64_t{first} + radius;
     for (std::int64_t y = std::max<std::int64_t>(top, 0);
          y <= std::min<std::int64_t>(bottom, lastRow); ++y)
-        AddRow(row(y), TimesInWindow(static_cast<int>(y), first, radius, source.height), count,
-               sums);
+        HWY_DYNAMIC_DISPATCH(AddRow)
+        (row(y), TimesInWindow(static_cast<int>(y), first, radius, source.height), count, sums);
     for (int y = first; y < last; ++y) {
         for (int c = 0; c < source.channels; ++c)
             MeansOfRow(sums + c, source.width, source.channels, radius, share,
                        target.Row(y).data() + c);
-        ExchangeRow(row(std::int64_t{y} + radius + 1), row(std::int64_t{y} - radius), count, sums);
+        HWY_DYNAMIC_DISPATCH(ExchangeRow)
+        (row(std::int64_t{y} + radius + 1), row(std::int64_t{y} - radius), count, sums);
     }
 }
 
@@ -108,3 +125,4 @@ void BoxMean(ConstFloatView source, int radius, FloatView target) {
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

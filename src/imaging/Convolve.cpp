@@ -1,18 +1,93 @@
 #include "imaging/Convolve.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "core/SimdTarget.h"
 #include "imaging/SampleSums.h"
 #include "imaging/TapGroups.h"
 #include "imaging/Tiles.h"
 
+#ifndef VELLORAN_FLOAT_TAPS  // the rest of the file is read once for each form
+#define VELLORAN_FLOAT_TAPS
 namespace velloran {
 namespace {
+
+using FloatTap = std::pair<std::int32_t, float>;  // offset, weight
+
+constexpr int kFloatBlock = 32;
+
+}  // namespace
+}  // namespace velloran
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/Convolve.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+using Floats = hn::ScalableTag<float>;
+
+/// The sums of kFloatBlock samples stay in registers from the first weight to the last.
+#if HWY_TARGET == HWY_SCALAR
+void SumBlock(const FloatTap* taps, std::size_t tapCount, const float* samples, float* sums) {
+    std::fill_n(sums, kFloatBlock, 0.0F);
+    for (std::size_t k = 0; k < tapCount; ++k)
+        for (int i = 0; i < kFloatBlock; ++i)
+            sums[i] += taps[k].second * samples[taps[k].first + i];
+}
+#else
+HWY_INLINE void SumBlock(const FloatTap* taps, std::size_t tapCount, const float* samples,
+                         float* sums) {
+    constexpr int kLanes = HWY_LANES(float), kParts = kFloatBlock / kLanes;
+    const Floats floats;
+    hn::Vec<Floats> parts[kParts];
+    for (auto& part : parts)
+        part = hn::Zero(floats);
+    for (std::size_t k = 0; k < tapCount; ++k) {
+        const auto weight = hn::Set(floats, taps[k].second);
+        const float* from = samples + taps[k].first;
+        // Product and sum are rounded each: a fused one would give other bytes.
+        for (int i = 0; i < kParts; ++i)
+            parts[i] = hn::Add(parts[i], hn::Mul(weight, hn::LoadU(floats, from + i * kLanes)));
+    }
+    for (int i = 0; i < kParts; ++i)
+        hn::StoreU(parts[i], floats, sums + i * kLanes);
+}
+#endif
+
+void SumFloats(const FloatTap* taps, std::size_t tapCount, const float* samples, int count,
+               std::uint8_t* out) {
+    for (int x = 0; x < count; x += kFloatBlock) {
+        float sums[kFloatBlock];
+        SumBlock(taps, tapCount, samples + x, sums);
+        const int length = std::min(kFloatBlock, count - x);
+        for (int i = 0; i < length; ++i) {
+            const float value = sums[i] + 0.5F;
+            const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
+            out[x + i] = static_cast<std::uint8_t>(static_cast<int>(limited));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(SumFloats);
 
 /// The samples of a kernel of `size` x `size` weights in a tile.
 template <typename Weight>
@@ -31,34 +106,6 @@ auto LayOutOf(ConstPlaneView source) {
     return [source](int y, int first, int count, Sample* samples) {
         Widen(source.Row(y).data() + first, count, samples);
     };
-}
-
-constexpr int kFloatBlock = 32;
-
-/// The sums of `kFloatBlock` samples stay in registers from the first weight to the last.
-VELLORAN_SIMD_CLONES
-void SumFloats(const std::pair<std::int32_t, float>* taps, std::size_t tapCount,
-               const float* samples, int count, std::uint8_t* out) {
-    using Floats [[gnu::vector_size(32)]] = float;
-    constexpr int kLanes = 8, kParts = kFloatBlock / kLanes;
-    for (int x = 0; x < count; x += kFloatBlock) {
-        Floats sums[kParts] = {};
-        for (std::size_t k = 0; k < tapCount; ++k) {
-            const float* from = samples + x + taps[k].first;
-            for (int part = 0; part < kParts; ++part) {
-                Floats values;
-                std::memcpy(&values, from + part * kLanes, sizeof values);
-                sums[part] += taps[k].second * values;
-            }
-        }
-        float whole[kFloatBlock];
-        std::memcpy(whole, sums, sizeof whole);
-        for (int i = 0; i < kFloatBlock && x + i < count; ++i) {
-            const float value = whole[i] + 0.5F;
-            const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
-            out[x + i] = static_cast<std::uint8_t>(static_cast<int>(limited));
-        }
-    }
 }
 
 /// The weights as integers, empty where one of them is none or sums might not be exact.
@@ -93,7 +140,7 @@ struct FloatConvolver::Form {
     TileShape shape;
     std::optional<TapGroups> groups;  // for whole weights
     Tiles<std::uint16_t> wholeTiles;
-    std::vector<std::pair<std::int32_t, float>> taps;  // for others: offset, weight
+    std::vector<FloatTap> taps;  // for others
     Tiles<float> tiles;
 };
 
@@ -123,16 +170,16 @@ FloatConvolver::~FloatConvolver() = default;
 
 void FloatConvolver::Run(ConstPlaneView source, PlaneView target) {
     if (form_->groups) {
-        const SumTaps sum = BestSumTaps();
         ForEachTile(form_->shape, form_->wholeTiles, target, LayOutOf<std::uint16_t>(source),
                     [&](const std::uint16_t* samples, int count, std::uint8_t* out) {
-                        sum(*form_->groups, samples, count, out);
+                        SumTaps(*form_->groups, samples, count, out);
                     });
         return;
     }
     ForEachTile(form_->shape, form_->tiles, target, LayOutOf<float>(source),
                 [&](const float* samples, int count, std::uint8_t* out) {
-                    SumFloats(form_->taps.data(), form_->taps.size(), samples, count, out);
+                    HWY_DYNAMIC_DISPATCH(SumFloats)
+                    (form_->taps.data(), form_->taps.size(), samples, count, out);
                 });
 }
 
@@ -142,3 +189,4 @@ void ConvolveFloat(ConstPlaneView source, std::span<const float> weights, int si
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -3,49 +3,69 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
-#include <cstring>
 #include <vector>
 
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/MinMax.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
-using Bytes [[gnu::vector_size(32)]] = std::uint8_t;
-constexpr int kBlock = 2 * sizeof(Bytes);
-
-/// Rows of a window, or one row at the offsets of a window.
-using Lines = std::array<const std::uint8_t*, kMostWindowSide>;
-
+#if HWY_TARGET == HWY_SCALAR
 template <bool kMinimum>
-[[gnu::always_inline]] inline void Take(const std::uint8_t* samples, Bytes& extreme) {
-    Bytes values;
-    std::memcpy(&values, samples, sizeof values);
-    if constexpr (kMinimum)
-        extreme = values < extreme ? values : extreme;
-    else
-        extreme = values > extreme ? values : extreme;
+void TakeLines(const std::uint8_t* const* lines, int lineCount, int count, std::uint8_t* out) {
+    std::copy_n(lines[0], count, out);
+    for (int k = 1; k < lineCount; ++k) {
+        const std::uint8_t* line = lines[k];
+        for (int x = 0; x < count; ++x)
+            out[x] = kMinimum ? std::min(out[x], line[x]) : std::max(out[x], line[x]);
+    }
 }
 
+void MinOfLines(const std::uint8_t* const* lines, int lineCount, int count, std::uint8_t* out) {
+    TakeLines<true>(lines, lineCount, count, out);
+}
+
+void MaxOfLines(const std::uint8_t* const* lines, int lineCount, int count, std::uint8_t* out) {
+    TakeLines<false>(lines, lineCount, count, out);
+}
+#else
+namespace hn = hwy::HWY_NAMESPACE;
+using Bytes = hn::ScalableTag<std::uint8_t>;
+
+template <bool kMinimum, class Vector>
+HWY_INLINE Vector Extreme(Vector a, Vector b) {
+    if constexpr (kMinimum)
+        return hn::Min(a, b);
+    else
+        return hn::Max(a, b);
+}
+
+constexpr int kLanes = HWY_LANES(std::uint8_t), kBlock = 2 * kLanes;
+
 template <bool kMinimum>
-[[gnu::always_inline]] inline void TakeBlock(const Lines& lines, int lineCount, int x,
-                                             std::uint8_t* out) {
-    Bytes a, b;
-    std::memcpy(&a, lines[0] + x, sizeof a);
-    std::memcpy(&b, lines[0] + x + sizeof a, sizeof b);
+HWY_INLINE void TakeBlock(const std::uint8_t* const* lines, int lineCount, int x,
+                          std::uint8_t* out) {
+    const Bytes bytes;
+    auto a = hn::LoadU(bytes, lines[0] + x), b = hn::LoadU(bytes, lines[0] + x + kLanes);
     for (int k = 1; k < lineCount; ++k) {
-        Take<kMinimum>(lines[static_cast<std::size_t>(k)] + x, a);
-        Take<kMinimum>(lines[static_cast<std::size_t>(k)] + x + sizeof a, b);
+        a = Extreme<kMinimum>(a, hn::LoadU(bytes, lines[k] + x));
+        b = Extreme<kMinimum>(b, hn::LoadU(bytes, lines[k] + x + kLanes));
     }
-    std::memcpy(out + x, &a, sizeof a);
-    std::memcpy(out + x + sizeof a, &b, sizeof b);
+    hn::StoreU(a, bytes, out + x);
+    hn::StoreU(b, bytes, out + x + kLanes);
 }
 
 /// The extreme of all lines at each place.
 template <bool kMinimum>
-[[gnu::always_inline]] inline void TakeLines(const Lines& lines, int lineCount, int count,
-                                             std::uint8_t* out) {
+HWY_INLINE void TakeLines(const std::uint8_t* const* lines, int lineCount, int count,
+                          std::uint8_t* out) {
     int x = 0;
     for (; x + kBlock <= count; x += kBlock)
         TakeBlock<kMinimum>(lines, lineCount, x, out);
@@ -57,17 +77,15 @@ template <bool kMinimum>
     }
     for (; x < count; ++x) {
         out[x] = lines[0][x];
-        for (int k = 1; k < lineCount; ++k) {
-            const std::uint8_t sample = lines[static_cast<std::size_t>(k)][x];
-            out[x] = kMinimum ? std::min(out[x], sample) : std::max(out[x], sample);
-        }
+        for (int k = 1; k < lineCount; ++k)
+            out[x] = kMinimum ? std::min(out[x], lines[k][x]) : std::max(out[x], lines[k][x]);
     }
 }
 
 /// Unrolled for the sides that are used most.
 template <bool kMinimum>
-[[gnu::always_inline]] inline void TakeLinesByCount(const Lines& lines, int lineCount, int count,
-                                                    std::uint8_t* out) {
+HWY_INLINE void TakeLinesByCount(const std::uint8_t* const* lines, int lineCount, int count,
+                                 std::uint8_t* out) {
     switch (lineCount) {
         case 2:
             return TakeLines<kMinimum>(lines, 2, count, out);
@@ -82,17 +100,32 @@ template <bool kMinimum>
     }
 }
 
-VELLORAN_SIMD_CLONES
-void MinOfLines(const Lines& lines, int lineCount, int count, std::uint8_t* out) {
+void MinOfLines(const std::uint8_t* const* lines, int lineCount, int count, std::uint8_t* out) {
     TakeLinesByCount<true>(lines, lineCount, count, out);
 }
 
-VELLORAN_SIMD_CLONES
-void MaxOfLines(const Lines& lines, int lineCount, int count, std::uint8_t* out) {
+void MaxOfLines(const std::uint8_t* const* lines, int lineCount, int count, std::uint8_t* out) {
     TakeLinesByCount<false>(lines, lineCount, count, out);
 }
+#endif
 
-using OfLines = void (*)(const Lines&, int, int, std::uint8_t*);
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(MinOfLines);
+HWY_EXPORT(MaxOfLines);
+
+/// Rows of a window, or one row at the offsets of a window.
+using Lines = std::array<const std::uint8_t*, kMostWindowSide>;
+
+/// The extreme of so many lines at each of so many places.
+using OfLines = void (*)(const std::uint8_t* const*, int, int, std::uint8_t*);
 
 /// A row with its first and last pixel repeated outward.
 void RepeatEnds(std::uint8_t* row, int count, int channels, int left, int right) {
@@ -121,22 +154,23 @@ void OverWindow(ConstPlaneView source, Window window, PlaneView target, OfLines 
                 source.Row(std::clamp(y - window.anchorY + k, 0, target.height - 1)).data();
         std::uint8_t* ends = rows[static_cast<std::size_t>(ThreadNumber())].data();
         std::uint8_t* row = ends + std::ptrdiff_t{window.anchorX} * channels;
-        ofLines(lines, window.height, count, row);
+        ofLines(lines.data(), window.height, count, row);
         RepeatEnds(row, count, channels, window.anchorX, window.width - 1 - window.anchorX);
         for (int k = 0; k < window.width; ++k)
             lines[static_cast<std::size_t>(k)] = ends + std::ptrdiff_t{k} * channels;
-        ofLines(lines, window.width, count, target.Row(y).data());
+        ofLines(lines.data(), window.width, count, target.Row(y).data());
     }
 }
 
 }  // namespace
 
 void MinFilter(ConstPlaneView source, Window window, PlaneView target) {
-    OverWindow(source, window, target, MinOfLines);
+    OverWindow(source, window, target, HWY_DYNAMIC_DISPATCH(MinOfLines));
 }
 
 void MaxFilter(ConstPlaneView source, Window window, PlaneView target) {
-    OverWindow(source, window, target, MaxOfLines);
+    OverWindow(source, window, target, HWY_DYNAMIC_DISPATCH(MaxOfLines));
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

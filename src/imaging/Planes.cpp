@@ -77,15 +77,15 @@ void MergeChannels(const std::array<ConstPlaneView, 3>& planes, PlaneView pixels
 #pragma omp parallel for schedule(static) if (IsWorthThreads(planes[0]))
     for (int y = 0; y < pixels.height; ++y)
         HWY_DYNAMIC_DISPATCH(MergeRow)
-        (planes[0].Row(y).data(), planes[1].Row(y).data(), planes[2].Row(y).data(), pixels.width,
-         pixels.Row(y).data());
+    (planes[0].Row(y).data(), planes[1].Row(y).data(), planes[2].Row(y).data(), pixels.width,
+     pixels.Row(y).data());
 }
 
 void WeightedGray(ConstPlaneView pixels, GrayWeights weights, PlaneView gray) {
 #pragma omp parallel for schedule(static) if (IsWorthThreads(gray))
     for (int y = 0; y < gray.height; ++y)
         HWY_DYNAMIC_DISPATCH(WeightedRow)
-        (pixels.Row(y).data(), gray.width, weights, gray.Row(y).data());
+    (pixels.Row(y).data(), gray.width, weights, gray.Row(y).data());
 }
 
 }  // namespace velloran

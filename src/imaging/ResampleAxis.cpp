@@ -7,6 +7,8 @@
 #include <span>
 #include <utility>
 
+#include "core/ExactMath.h"
+
 namespace velloran {
 namespace {
 
@@ -18,7 +20,7 @@ double Lanczos(double x) {
     if (std::abs(x) >= kLobes)
         return 0;
     const double angle = std::numbers::pi * x;
-    return kLobes * std::sin(angle) * std::sin(angle / kLobes) / (angle * angle);
+    return kLobes * Sin(angle) * Sin(angle / kLobes) / (angle * angle);
 }
 
 /// Builds an axis from `weightsAt(position, first, weights)`, which may name indices beyond the

@@ -4,24 +4,72 @@
 #include <cstring>
 #include <vector>
 
-#include "core/SimdTarget.h"
 #include "core/Threads.h"
 #include "imaging/ResampleAxis.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/Resize.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace velloran {
+namespace HWY_NAMESPACE {
 namespace {
 
 /// sums += weight * row.
-VELLORAN_SIMD_CLONES
-void AddWeighted(const std::uint8_t* row, float weight, int count, float* sums) {
+void AddWeightedBytes(const std::uint8_t* row, float weight, int count, float* sums) {
     for (int i = 0; i < count; ++i)
         sums[i] += weight * static_cast<float>(row[i]);
 }
 
-VELLORAN_SIMD_CLONES
-void AddWeighted(const float* row, float weight, int count, float* sums) {
+void AddWeightedFloats(const float* row, float weight, int count, float* sums) {
     for (int i = 0; i < count; ++i)
         sums[i] += weight * row[i];
+}
+
+void StoreBytes(const float* row, int count, std::uint8_t* out) {
+    for (int i = 0; i < count; ++i) {
+        const float value = row[i] + 0.5F;
+        const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
+        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
+    }
+}
+
+/// Means of 2 x 2 samples from each place on; every second pixel of them is wanted.
+void MeansOfFour(const std::uint8_t* upper, const std::uint8_t* lower, int step, int count,
+                 std::uint8_t* means) {
+    for (int i = 0; i < count; ++i)
+        means[i] = static_cast<std::uint8_t>(
+            (upper[i] + upper[i + step] + lower[i] + lower[i + step] + 2) >> 2);
+}
+
+void TakeEvenSamples(const std::uint8_t* samples, int count, std::uint8_t* out) {
+    for (int i = 0; i < count; ++i)
+        out[i] = samples[2 * i];
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace velloran {
+namespace {
+
+HWY_EXPORT(AddWeightedBytes);
+HWY_EXPORT(AddWeightedFloats);
+HWY_EXPORT(StoreBytes);
+HWY_EXPORT(MeansOfFour);
+HWY_EXPORT(TakeEvenSamples);
+
+void AddWeighted(const std::uint8_t* row, float weight, int count, float* sums) {
+    HWY_DYNAMIC_DISPATCH(AddWeightedBytes)(row, weight, count, sums);
+}
+
+void AddWeighted(const float* row, float weight, int count, float* sums) {
+    HWY_DYNAMIC_DISPATCH(AddWeightedFloats)(row, weight, count, sums);
 }
 
 /// A column-weighted row along the rows.
@@ -40,13 +88,8 @@ void AlongRow(const float* row, const ResampleAxis& axis, int width, float* out)
     }
 }
 
-VELLORAN_SIMD_CLONES
 void StoreRow(const float* row, int count, std::uint8_t* out) {
-    for (int i = 0; i < count; ++i) {
-        const float value = row[i] + 0.5F;
-        const float limited = value < 0.0F ? 0.0F : (value > 255.0F ? 255.0F : value);
-        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
-    }
+    HWY_DYNAMIC_DISPATCH(StoreBytes)(row, count, out);
 }
 
 void StoreRow(const float* row, int count, float* out) {
@@ -91,21 +134,6 @@ void ResampleBy(ResampleAxis (*axisOf)(int, int), Source source, Target target) 
              target);
 }
 
-/// Means of 2 x 2 samples from each place on; every second pixel of them is wanted.
-VELLORAN_SIMD_CLONES
-void MeansOfFour(const std::uint8_t* upper, const std::uint8_t* lower, int step, int count,
-                 std::uint8_t* means) {
-    for (int i = 0; i < count; ++i)
-        means[i] = static_cast<std::uint8_t>(
-            (upper[i] + upper[i + step] + lower[i] + lower[i + step] + 2) >> 2);
-}
-
-VELLORAN_SIMD_CLONES
-void TakeEvenSamples(const std::uint8_t* samples, int count, std::uint8_t* out) {
-    for (int i = 0; i < count; ++i)
-        out[i] = samples[2 * i];
-}
-
 /// `samples` and `out` leave room for a byte behind the last pixel of each.
 void TakeEvenPixels(const std::uint8_t* samples, int count, std::uint8_t* out) {
     for (int i = 0; i + 1 < count; ++i, samples += 6, out += 3)
@@ -122,13 +150,13 @@ void Halve(ConstPlaneView source, PlaneView target) {
 #pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{count} * source.height))
     for (int y = 0; y < target.height; ++y) {
         std::uint8_t* means = perThread[static_cast<std::size_t>(ThreadNumber())].data();
-        MeansOfFour(source.Row(2 * y).data(), source.Row(2 * y + 1).data(), channels,
-                    count - channels, means);
+        HWY_DYNAMIC_DISPATCH(MeansOfFour)
+        (source.Row(2 * y).data(), source.Row(2 * y + 1).data(), channels, count - channels, means);
         std::uint8_t* out = target.Row(y).data();
         if (channels == 3)
             TakeEvenPixels(means, target.width, out);
         else
-            TakeEvenSamples(means, target.width, out);
+            HWY_DYNAMIC_DISPATCH(TakeEvenSamples)(means, target.width, out);
     }
 }
 
@@ -163,3 +191,4 @@ void ResizeLinear(ConstFloatView source, FloatView target) {
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

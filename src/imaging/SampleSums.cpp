@@ -1,10 +1,38 @@
 #include "imaging/SampleSums.h"
 
 #include "core/Rounding.h"
-#include "core/SimdTarget.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/SampleSums.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace velloran {
+namespace HWY_NAMESPACE {
+namespace {
+
+void WidenToWords(const std::uint8_t* samples, int count, std::uint16_t* out) {
+    for (int i = 0; i < count; ++i)
+        out[i] = samples[i];
+}
+
+void WidenToFloats(const std::uint8_t* samples, int count, float* out) {
+    for (int i = 0; i < count; ++i)
+        out[i] = static_cast<float>(samples[i]);
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace velloran
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
 namespace velloran {
 namespace {
+
+HWY_EXPORT(WidenToWords);
+HWY_EXPORT(WidenToFloats);
 
 /// The slow way for weights of any size.
 void SumExactly(std::span<const Tap> taps, std::int64_t divisor, const std::uint16_t* samples,
@@ -19,29 +47,26 @@ void SumExactly(std::span<const Tap> taps, std::int64_t divisor, const std::uint
 
 }  // namespace
 
-VELLORAN_SIMD_CLONES
 void Widen(const std::uint8_t* samples, int count, std::uint16_t* out) {
-    for (int i = 0; i < count; ++i)
-        out[i] = samples[i];
+    HWY_DYNAMIC_DISPATCH(WidenToWords)(samples, count, out);
 }
 
-VELLORAN_SIMD_CLONES
 void Widen(const std::uint8_t* samples, int count, float* out) {
-    for (int i = 0; i < count; ++i)
-        out[i] = static_cast<float>(samples[i]);
+    HWY_DYNAMIC_DISPATCH(WidenToFloats)(samples, count, out);
 }
 
 SampleSums::SampleSums(std::span<const Tap> taps, std::int32_t divisor)
-    : taps_(taps.begin(), taps.end()), divisor_(divisor), sumTaps_(BestSumTaps()) {
+    : taps_(taps.begin(), taps.end()), divisor_(divisor) {
     if (TapGroups::CanHold(taps, divisor))
         groups_.emplace(taps, divisor);
 }
 
 void SampleSums::Row(const std::uint16_t* samples, int count, std::uint8_t* out) const {
     if (groups_)
-        sumTaps_(*groups_, samples, count, out);
+        SumTaps(*groups_, samples, count, out);
     else
         SumExactly(taps_, divisor_, samples, count, out);
 }
 
 }  // namespace velloran
+#endif  // HWY_ONCE

@@ -29,7 +29,6 @@ class SampleSums {
     std::vector<Tap> taps_;
     std::int64_t divisor_;
     std::optional<TapGroups> groups_;  // for weights that it can hold
-    SumTaps sumTaps_;
 };
 
 }  // namespace velloran

@@ -5,8 +5,6 @@
 #include <limits>
 #include <utility>
 
-#include "core/SimdTarget.h"
-
 namespace velloran {
 namespace {
 
@@ -14,56 +12,6 @@ namespace {
 /// error of the product by the step (2^-23 of it) is less than the quarter of the step that the
 /// offset keeps clear.
 constexpr std::int64_t kExactQuotients = 1 << 21;
-
-VELLORAN_SIMD_CLONES
-void AddSamples(const std::uint16_t* samples, std::int16_t* sums) {
-    for (int i = 0; i < kSumBlock; ++i)
-        sums[i] = static_cast<std::int16_t>(sums[i] + samples[i]);
-}
-
-VELLORAN_SIMD_CLONES
-void AddProducts(const std::int16_t* samples, std::int32_t weight, std::int32_t* sums) {
-    for (int i = 0; i < kSumBlock; ++i)
-        sums[i] += weight * samples[i];
-}
-
-VELLORAN_SIMD_CLONES
-void Divide(const std::int32_t* sums, int count, float step, float offset, std::uint8_t* out) {
-    for (int i = 0; i < count; ++i) {
-        const float quotient = (static_cast<float>(sums[i]) + offset) * step;
-        const float limited = quotient < 0.0F ? 0.0F : (quotient > 255.0F ? 255.0F : quotient);
-        out[i] = static_cast<std::uint8_t>(static_cast<int>(limited));
-    }
-}
-
-void AddProducts(const std::uint16_t* samples, std::span<const std::int32_t> offsets,
-                 std::int32_t weight, std::int32_t* sums) {
-    std::int16_t together[kSumBlock] = {};
-    for (const std::int32_t offset : offsets)
-        AddSamples(samples + offset, together);
-    AddProducts(together, weight, sums);
-}
-
-template <int kFirst, int kSecond>
-void AddSteps(std::span<const TapStep<kFirst, kSecond>> steps, const std::uint16_t* samples,
-              std::int32_t* sums) {
-    for (const auto& step : steps) {
-        AddProducts(samples, step.first, step.firstWeight, sums);
-        AddProducts(samples, step.second, step.secondWeight, sums);
-    }
-}
-
-void SumTapsPlain(const TapGroups& taps, const std::uint16_t* samples, int count,
-                  std::uint8_t* out) {
-    for (int x = 0; x < count; x += kSumBlock) {
-        std::int32_t sums[kSumBlock] = {};
-        AddSteps(taps.Fours(), samples + x, sums);
-        AddSteps(taps.Twos(), samples + x, sums);
-        AddSteps(taps.TwoAndOne(), samples + x, sums);
-        AddSteps(taps.Ones(), samples + x, sums);
-        Divide(sums, std::min(kSumBlock, count - x), taps.Step(), taps.Offset(), out + x);
-    }
-}
 
 /// Taps of one weight.
 template <int kCount>
@@ -115,31 +63,6 @@ std::vector<TapStep<kCount, kCount>> StepsOf(const std::vector<TapRun<kCount>>& 
     return steps;
 }
 
-bool Always() {
-    return true;
-}
-
-#if defined(__x86_64__)
-bool HasAvx2() {
-    return __builtin_cpu_supports("avx2") != 0;
-}
-#endif
-
-constexpr SumWay kSumWays[] = {
-    {"plain", Always, SumTapsPlain},
-#if defined(__x86_64__)
-    {"avx2", HasAvx2, SumTapsAvx2},
-#endif
-};
-
-SumTaps FindBestSumTaps() {
-    SumTaps best = SumTapsPlain;
-    for (const SumWay& way : kSumWays)
-        if (way.isSupported())
-            best = way.sum;
-    return best;
-}
-
 }  // namespace
 
 bool TapGroups::CanHold(std::span<const Tap> taps, std::int32_t divisor) {
@@ -171,15 +94,6 @@ TapGroups::TapGroups(std::span<const Tap> taps, std::int32_t divisor)
     }
     twos_ = StepsOf(twos);
     ones_ = StepsOf(ones);
-}
-
-std::span<const SumWay> SumWays() {
-    return kSumWays;
-}
-
-SumTaps BestSumTaps() {
-    static const SumTaps best = FindBestSumTaps();
-    return best;
 }
 
 }  // namespace velloran

@@ -51,29 +51,12 @@ class TapGroups {
     float step_, offset_;
 };
 
-/// Samples that a way of summing works on at once. `samples` must be readable, at every offset, up
+/// Samples that are summed at once. `samples` must be readable, at every offset, up
 /// to the next multiple of it.
 inline constexpr int kSumBlock = 64;
 
 /// out[i] = the sum at samples + i divided, rounded to nearest and limited to 0..255. Samples are
 /// 0..255.
-using SumTaps = void (*)(const TapGroups& taps, const std::uint16_t* samples, int count,
-                         std::uint8_t* out);
-
-/// The ways of summing, all with the same result; the first works everywhere.
-struct SumWay {
-    const char* name;
-    bool (*isSupported)();
-    SumTaps sum;
-};
-std::span<const SumWay> SumWays();
-
-/// The last of them that the processor supports.
-SumTaps BestSumTaps();
-
-#if defined(__x86_64__)
-/// Only for processors with AVX2.
-void SumTapsAvx2(const TapGroups& taps, const std::uint16_t* samples, int count, std::uint8_t* out);
-#endif
+void SumTaps(const TapGroups& taps, const std::uint16_t* samples, int count, std::uint8_t* out);
 
 }  // namespace velloran
