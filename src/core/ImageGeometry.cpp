@@ -116,7 +116,7 @@ void FlipRows(std::uint8_t* first, int width, int height, int bpp, std::ptrdiff_
               FlipMode mode) {
     const bool swapRows = mode != FlipMode::kMirror, mirror = mode != FlipMode::kFlip;
     const std::int64_t rowBytes = (std::int64_t{width} * bpp + 7) / 8;
-#pragma omp parallel for schedule(static) if (IsWorthThreads(rowBytes * height))
+#pragma omp parallel for schedule(static) if (IsWorthThreads(rowBytes * height, SampleWork::kCopy))
     for (int y = 0; y < (height + 1) / 2; ++y) {
         std::uint8_t* lower = first + y * stride;
         std::uint8_t* upper = first + (height - 1 - y) * stride;

@@ -31,9 +31,17 @@ inline int ThreadNumber() {
 #endif
 }
 
-/// Below so many samples, waking a thread costs more than the work.
-constexpr bool IsWorthThreads(std::int64_t samples) {
-    return samples >= 1 << 16;
+/// How much is done for each sample.
+enum class SampleWork {
+    kCopy,   // it is moved
+    kUsual,  // a few operations
+    kLong,   // a few dozen
+};
+
+/// Below some number of samples, waking a thread costs more than the work.
+constexpr bool IsWorthThreads(std::int64_t samples, SampleWork work = SampleWork::kUsual) {
+    constexpr int kBits[] = {18, 16, 14};
+    return samples >= std::int64_t{1} << kBits[static_cast<int>(work)];
 }
 
 /// The same of all samples of a view.

@@ -140,13 +140,13 @@ void SharpenWhole(PlaneView pixels, const HighPass& filter) {
 
 /// A channel with its border, laid out in `plane`.
 void LayOutChannel(ConstPlaneView pixels, int channel, int border, PlaneView plane) {
+    const ConstChannelView samples = pixels.Channel(channel);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < plane.height; ++y) {
-        const std::uint8_t* from =
-            pixels.Row(std::clamp(y - border, 0, pixels.height - 1)).data() + channel;
+        const auto from = samples.Row(std::clamp(y - border, 0, pixels.height - 1));
         std::uint8_t* out = plane.Row(y).data();
         for (int x = 0; x < plane.width; ++x)
-            out[x] = from[3 * std::ptrdiff_t{std::clamp(x - border, 0, pixels.width - 1)}];
+            out[x] = from[std::clamp(x - border, 0, pixels.width - 1)];
     }
 }
 
@@ -164,9 +164,9 @@ void SharpenByChannel(PlaneView pixels, const HighPass& filter) {
         for (int y = 0; y < pixels.height; ++y) {
             const auto thread = static_cast<std::size_t>(ThreadNumber());
             SharpenRow(plane, y, filter, sums[thread].data(), lines[thread]);
-            std::uint8_t* out = pixels.Row(y).data() + channel;
-            for (std::size_t x = 0; x < lines[thread].size(); ++x)
-                out[3 * x] = lines[thread][x];
+            const auto out = pixels.Channel(channel).Row(y);
+            for (int x = 0; x < pixels.width; ++x)
+                out[x] = lines[thread][static_cast<std::size_t>(x)];
         }
     }
 }

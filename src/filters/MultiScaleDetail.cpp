@@ -79,8 +79,8 @@ int MultiScaleDetail(CDibImage& image, int radius) {
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y)
             HWY_DYNAMIC_DISPATCH(EnhanceRow)
-            (fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
-             pixels.Row(y).data());
+        (fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
+         pixels.Row(y).data());
         return 1;
     });
 }

@@ -65,9 +65,8 @@ void SmoothRowsAndColumns(PlaneView topDown, double radius) {
     const int bands = (topDown.height - 1) / rowsAtOnce + 1;
 #pragma omp parallel for schedule(static) if (inParallel)
     for (int i = 0; i < bands; ++i) {
-        PlaneView band = topDown;
-        band.first += std::ptrdiff_t{i} * rowsAtOnce * band.stride;
-        band.height = std::min(rowsAtOnce, topDown.height - i * rowsAtOnce);
+        const int first = i * rowsAtOnce;
+        const PlaneView band = topDown.Rows(first, std::min(rowsAtOnce, topDown.height - first));
         SmoothRows(band, alpha, perThread[static_cast<std::size_t>(ThreadNumber())]);
     }
     const int strips = (count - 1) / kLines + 1;

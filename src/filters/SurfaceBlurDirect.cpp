@@ -188,8 +188,8 @@ void BlurDirect(CDibImage& image, int radius, int threshold, int times) {
 #pragma omp parallel for schedule(static) if (isWorthThreads)
         for (int y = 0; y < pixels.height; ++y)
             HWY_DYNAMIC_DISPATCH(BlurRow)
-            (source.Row(y).data(), source.stride, source.channels, radius, threshold,
-             weights.data(), pixels.Row(y));
+        (source.Row(y).data(), source.stride, source.channels, radius, threshold, weights.data(),
+         pixels.Row(y));
     }
 }
 

@@ -100,10 +100,6 @@ struct BandPlanes {
           line(static_cast<std::size_t>(width)) {}
 };
 
-FloatView RowsOf(FloatView plane, int first, int count) {
-    return {plane.first + first * plane.stride, plane.width, count, plane.channels, plane.stride};
-}
-
 struct Rows {
     int first, last;  // last lies outside
 
@@ -130,7 +126,7 @@ void LoadRows(const GuidedPass& pass, Rows rows, std::uint8_t* line, FloatView v
             std::copy_n(pass.values.Row(rows.first + y).data(), values.width, out);
         else
             HWY_DYNAMIC_DISPATCH(WidenRow)
-            (ChannelOfRow(pass.samples, rows.first + y, pass.channel, line), values.width, out);
+        (ChannelOfRow(pass.samples, rows.first + y, pass.channel, line), values.width, out);
     }
 }
 
@@ -149,22 +145,22 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
     const int height = pass.samples.height, width = pass.samples.width;
     const Rows around = band.Extended(pass.radius, height);
     const Rows all = around.Extended(pass.radius, height);
-    const FloatView values = RowsOf(planes.values.View(), 0, all.Count());
-    const FloatView squares = RowsOf(planes.squares.View(), 0, all.Count());
-    const FloatView meanValues = RowsOf(planes.meanValues.View(), 0, all.Count());
-    const FloatView meanSquares = RowsOf(planes.meanSquares.View(), 0, all.Count());
+    const FloatView values = planes.values.View().Rows(0, all.Count());
+    const FloatView squares = planes.squares.View().Rows(0, all.Count());
+    const FloatView meanValues = planes.meanValues.View().Rows(0, all.Count());
+    const FloatView meanSquares = planes.meanSquares.View().Rows(0, all.Count());
     LoadRows(pass, all, planes.line.data(), values);
     for (int y = 0; y < all.Count(); ++y)
         HWY_DYNAMIC_DISPATCH(SquareRow)(values.Row(y).data(), width, squares.Row(y).data());
     BoxMean(values, pass.radius, meanValues);
     BoxMean(squares, pass.radius, meanSquares);
     const int skipped = around.first - all.first;
-    const FloatView offsets = RowsOf(meanValues, skipped, around.Count());
-    const FloatView slopes = RowsOf(meanSquares, skipped, around.Count());
+    const FloatView offsets = meanValues.Rows(skipped, around.Count());
+    const FloatView slopes = meanSquares.Rows(skipped, around.Count());
     for (int y = 0; y < around.Count(); ++y)
         HWY_DYNAMIC_DISPATCH(FitRow)(width, pass.eps, offsets.Row(y).data(), slopes.Row(y).data());
-    const FloatView meanSlopes = RowsOf(squares, 0, around.Count());
-    const FloatView meanOffsets = RowsOf(values, 0, around.Count());
+    const FloatView meanSlopes = squares.Rows(0, around.Count());
+    const FloatView meanOffsets = values.Rows(0, around.Count());
     BoxMean(slopes, pass.radius, meanSlopes);
     BoxMean(offsets, pass.radius, meanOffsets);
     for (int y = band.first; y < band.last; ++y)

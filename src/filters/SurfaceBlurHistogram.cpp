@@ -73,8 +73,8 @@ struct Pass {
             counts.emplace_back(widest);
     }
 
-    const std::uint8_t* MirroredRow(int y, int channel) const {
-        return source.Row(rows[static_cast<std::size_t>(y + radius)]).data() + channel;
+    BasicChannelRow<const std::uint8_t> MirroredRow(int y, int channel) const {
+        return source.Channel(channel).Row(rows[static_cast<std::size_t>(y + radius)]);
     }
 };
 
@@ -84,21 +84,20 @@ struct Tile {
 };
 
 void AddRow(const Pass& pass, const Tile& tile, int y, ColumnCounts& counts) {
-    const std::uint8_t* row = pass.MirroredRow(y, tile.channel);
+    const auto row = pass.MirroredRow(y, tile.channel);
     const int* column = pass.columns.data() + tile.left;
     for (int i = 0; i < tile.width + 2 * pass.radius; ++i)
-        counts.Add(i, row[static_cast<std::ptrdiff_t>(column[i]) * pass.source.channels]);
+        counts.Add(i, row[column[i]]);
 }
 
 /// Moves the window from row y - 1 to row y.
 void MoveToRow(const Pass& pass, const Tile& tile, int y, ColumnCounts& counts) {
-    const std::uint8_t* out = pass.MirroredRow(y - pass.radius - 1, tile.channel);
-    const std::uint8_t* in = pass.MirroredRow(y + pass.radius, tile.channel);
+    const auto out = pass.MirroredRow(y - pass.radius - 1, tile.channel);
+    const auto in = pass.MirroredRow(y + pass.radius, tile.channel);
     const int* column = pass.columns.data() + tile.left;
     for (int i = 0; i < tile.width + 2 * pass.radius; ++i) {
-        const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(column[i]) * pass.source.channels;
-        counts.Remove(i, out[at]);
-        counts.Add(i, in[at]);
+        counts.Remove(i, out[column[i]]);
+        counts.Add(i, in[column[i]]);
     }
 }
 
@@ -106,14 +105,15 @@ void BlurTile(const Pass& pass, const Tile& tile, ColumnCounts& counts) {
     counts.Clear(tile.width + 2 * pass.radius);
     for (int y = tile.top - pass.radius; y <= tile.top + pass.radius; ++y)
         AddRow(pass, tile, y, counts);
-    const std::ptrdiff_t first =
-        static_cast<std::ptrdiff_t>(tile.left) * pass.source.channels + tile.channel;
+    const int height = tile.bottom - tile.top;
+    const auto from =
+        pass.source.Crop(tile.left, tile.top, tile.width, height).Channel(tile.channel);
+    const auto to = pass.target.Crop(tile.left, tile.top, tile.width, height).Channel(tile.channel);
     for (int y = tile.top; y < tile.bottom; ++y) {
         if (y > tile.top)
             MoveToRow(pass, tile, y, counts);
-        BlurHistogramRow({&counts, &pass.weights, pass.source.Row(y).data() + first,
-                          pass.target.Row(y).data() + first, pass.source.channels, tile.width,
-                          pass.radius});
+        BlurHistogramRow({&counts, &pass.weights, from.Row(y - tile.top).first,
+                          to.Row(y - tile.top).first, from.step, tile.width, pass.radius});
     }
 }
 

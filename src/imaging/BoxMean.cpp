@@ -88,7 +88,7 @@ void MeansOfBand(ConstFloatView source, int radius, int first, int last, double*
     for (std::int64_t y = std::max<std::int64_t>(top, 0);
          y <= std::min<std::int64_t>(bottom, lastRow); ++y)
         HWY_DYNAMIC_DISPATCH(AddRow)
-        (row(y), TimesInWindow(static_cast<int>(y), first, radius, source.height), count, sums);
+    (row(y), TimesInWindow(static_cast<int>(y), first, radius, source.height), count, sums);
     for (int y = first; y < last; ++y) {
         for (int c = 0; c < source.channels; ++c)
             MeansOfRow(sums + c, source.width, source.channels, radius, share,

@@ -12,15 +12,14 @@ namespace {
 struct Tables {
     LevelCounts even{}, odd{};
 
-    void Count(std::span<const std::uint8_t> row, int width, int channel, std::ptrdiff_t step) {
-        const std::uint8_t* sample = row.data() + channel;
+    void Count(BasicChannelRow<const std::uint8_t> samples) {
         int x = 0;
-        for (; x + 2 <= width; x += 2) {
-            ++even[sample[x * step]];
-            ++odd[sample[(x + 1) * step]];
+        for (; x + 2 <= samples.width; x += 2) {
+            ++even[samples[x]];
+            ++odd[samples[x + 1]];
         }
-        if (x < width)
-            ++even[sample[x * step]];
+        if (x < samples.width)
+            ++even[samples[x]];
     }
 
     void AddTo(LevelCounts& counts) const {
@@ -32,19 +31,19 @@ struct Tables {
 }  // namespace
 
 LevelCounts CountLevels(ConstPlaneView pixels, int channel) {
+    const ConstChannelView samples = pixels.Channel(channel);
     LevelCounts counts{};
     if (!IsWorthThreads(pixels)) {
         Tables tables;
         for (int y = 0; y < pixels.height; ++y)
-            tables.Count(pixels.Row(y), pixels.width, channel, pixels.channels);
+            tables.Count(samples.Row(y));
         tables.AddTo(counts);
         return counts;
     }
     std::vector<Tables> perThread(static_cast<std::size_t>(MaxThreads()));
 #pragma omp parallel for schedule(static)
     for (int y = 0; y < pixels.height; ++y)
-        perThread[static_cast<std::size_t>(ThreadNumber())].Count(pixels.Row(y), pixels.width,
-                                                                  channel, pixels.channels);
+        perThread[static_cast<std::size_t>(ThreadNumber())].Count(samples.Row(y));
     for (const Tables& tables : perThread)
         tables.AddTo(counts);
     return counts;

@@ -19,6 +19,10 @@ struct BasicFloatView {
     std::span<Float> Row(int y) const {
         return {first + y * stride, static_cast<std::size_t>(width) * channels};
     }
+    /// `count` rows from row y on.
+    BasicFloatView Rows(int y, int count) const {
+        return {first + y * stride, width, count, channels, stride};
+    }
     operator BasicFloatView<const Float>() const requires(!std::is_const_v<Float>) {
         return {first, width, height, channels, stride};
     }

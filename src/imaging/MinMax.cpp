@@ -37,7 +37,8 @@ void MaxOfLines(const std::uint8_t* const* lines, int lineCount, int count, std:
 }
 #else
 namespace hn = hwy::HWY_NAMESPACE;
-using Bytes = hn::ScalableTag<std::uint8_t>;
+// Longer vectors would lie across two lines of the cache at nearly every place.
+using Bytes = hn::CappedTag<std::uint8_t, 32>;
 
 template <bool kMinimum, class Vector>
 HWY_INLINE Vector Extreme(Vector a, Vector b) {
@@ -47,7 +48,7 @@ HWY_INLINE Vector Extreme(Vector a, Vector b) {
         return hn::Max(a, b);
 }
 
-constexpr int kLanes = HWY_LANES(std::uint8_t), kBlock = 2 * kLanes;
+constexpr int kLanes = std::min<int>(32, HWY_LANES(std::uint8_t)), kBlock = 2 * kLanes;
 
 template <bool kMinimum>
 HWY_INLINE void TakeBlock(const std::uint8_t* const* lines, int lineCount, int x,

@@ -58,18 +58,20 @@ void ExtractChannelRow(const std::uint8_t* pixels, int count, std::uint8_t* out)
 }
 
 void ExtractChannel(ConstPlaneView pixels, int channel, PlaneView plane) {
+    const ConstChannelView samples = pixels.Channel(channel);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y)
-        ExtractChannelRow(pixels.Row(y).data() + channel, plane.width, plane.Row(y).data());
+        ExtractChannelRow(samples.Row(y).first, plane.width, plane.Row(y).data());
 }
 
 void InsertChannel(ConstPlaneView plane, int channel, PlaneView pixels) {
+    const ChannelView samples = pixels.Channel(channel);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(plane))
     for (int y = 0; y < plane.height; ++y) {
         const std::uint8_t* from = plane.Row(y).data();
-        std::uint8_t* out = pixels.Row(y).data() + channel;
-        for (std::ptrdiff_t x = 0; x < plane.width; ++x)
-            out[3 * x] = from[x];
+        const auto out = samples.Row(y);
+        for (int x = 0; x < plane.width; ++x)
+            out[x] = from[x];
     }
 }
 

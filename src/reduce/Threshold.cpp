@@ -94,7 +94,7 @@ class BlockGrid {
         for (int row = 0; row < rows_ && !cancel.IsCancelled(); ++row)
             for (int column = 0; column < columns_; ++column) {
                 const int own =
-                    OtsuOf(CountLevels(plane.Part(column * block, row * block, block, block)));
+                    OtsuOf(CountLevels(plane.Crop(column * block, row * block, block, block)));
                 value_[At(column, row)] = ClampToByte(TruncToInt(
                     (1 - share) * static_cast<float>(own) + share * static_cast<float>(ofPage_)));
             }
