@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/SimdTarget.h"
 #include "imaging/BorderedCopy.h"
 #include "imaging/BoxMean.h"
 #include "support/BesideOpenCv.h"
@@ -48,7 +47,6 @@ BENCHMARK(Blur<0, 5>)->Apply(OneAndTwoThreads);
 BENCHMARK(BlurNoise<0, 5, 50>)->Apply(OneAndTwoThreads);
 
 /// The direct form by its definition, weights by arithmetic so that vectors can take it.
-VELLORAN_SIMD_CLONES
 void SumWindowRow(ConstPlaneView source, int y, int radius, float end, std::uint8_t* out,
                   int count) {
     constexpr int kBlock = 128;

@@ -7,12 +7,28 @@
 namespace velloran::mcalc {
 namespace {
 
+/// The length of column `k` below its diagonal, without overflow. From operations alone whose last
+/// bit is the same everywhere: fits feed pixels.
+double lengthOf(const std::vector<double>& a, std::size_t rows, std::size_t columns,
+                std::size_t k) {
+    double largest = 0;
+    for (std::size_t i = k; i < rows; ++i)
+        largest = std::max(largest, std::abs(a[i * columns + k]));
+    if (largest == 0)
+        return 0;
+    const double scale = std::ldexp(1.0, -std::clamp(std::ilogb(largest), -1000, 1000));
+    double square = 0;
+    for (std::size_t i = k; i < rows; ++i) {
+        const double value = a[i * columns + k] * scale;
+        square += value * value;
+    }
+    return std::sqrt(square) / scale;
+}
+
 /// Turns column `k` below its diagonal to zero and returns whether it held anything new.
 bool reflectColumn(std::vector<double>& a, std::vector<double>& b, std::size_t rows,
                    std::size_t columns, std::size_t k, double tolerance) {
-    double norm = 0;
-    for (std::size_t i = k; i < rows; ++i)
-        norm = std::hypot(norm, a[i * columns + k]);
+    const double norm = lengthOf(a, rows, columns, k);
     if (norm <= tolerance)
         return false;
     std::vector<double> v(rows - k);
