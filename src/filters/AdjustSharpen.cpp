@@ -10,6 +10,7 @@
 #include "core/GrayDepth.h"
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/BorderedCopy.h"
 
@@ -132,10 +133,14 @@ void SharpenWhole(PlaneView pixels, const HighPass& filter) {
     const BorderedCopy copy(pixels, filter.reach);
     const ConstPlaneView source = copy.View();
     Lines<float> sums = MakeLines<float>(source.width * source.channels);
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y)
+    for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         SharpenRow(source, y, filter, sums[static_cast<std::size_t>(ThreadNumber())].data(),
                    pixels.Row(y));
+    }
 }
 
 /// A channel with its border, laid out in `plane`.
@@ -158,10 +163,13 @@ void SharpenByChannel(PlaneView pixels, const HighPass& filter) {
     const PlaneView plane{memory.get(), width, height, 1, width};
     Lines<float> sums = MakeLines<float>(width);
     Lines<std::uint8_t> lines = MakeLines<std::uint8_t>(pixels.width);
+    const CancelToken cancel = CurrentCancel();
     for (int channel = 0; channel < 3; ++channel) {
         LayOutChannel(pixels, channel, filter.reach, plane);
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
         for (int y = 0; y < pixels.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             const auto thread = static_cast<std::size_t>(ThreadNumber());
             SharpenRow(plane, y, filter, sums[thread].data(), lines[thread]);
             const auto out = pixels.Channel(channel).Row(y);

@@ -7,6 +7,7 @@
 #include "core/GrayDepth.h"
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/SmoothPlane.h"
 
@@ -51,9 +52,13 @@ class SmoothedCopy {
         memory_ = MakePixelBuffer(static_cast<std::size_t>(stride) *
                                   static_cast<std::size_t>(topDown.height));
         view_ = {memory_.get(), topDown.width, topDown.height, topDown.channels, stride};
+        const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(topDown))
-        for (int y = 0; y < topDown.height; ++y)
+        for (int y = 0; y < topDown.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             std::copy_n(topDown.Row(y).data(), topDown.Row(y).size(), view_.Row(y).data());
+        }
         SmoothRowsAndColumns(view_, radius);
     }
 
@@ -75,12 +80,16 @@ int MultiScaleDetail(CDibImage& image, int radius) {
         const PlaneView pixels = TopDownViewOf(image);
         const SmoothedCopy fine(pixels, radius), middle(pixels, 2.0 * radius),
             coarse(pixels, 4.0 * radius);
+        const CancelToken cancel = CurrentCancel();
         // Row padding would come out as it is: its smoothings equal it.
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-        for (int y = 0; y < pixels.height; ++y)
+        for (int y = 0; y < pixels.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             HWY_DYNAMIC_DISPATCH(EnhanceRow)
-        (fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
-         pixels.Row(y).data());
+            (fine.Row(y), middle.Row(y), coarse.Row(y), pixels.width * pixels.channels,
+             pixels.Row(y).data());
+        }
         return 1;
     });
 }

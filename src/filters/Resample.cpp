@@ -9,6 +9,7 @@
 #include "core/IndexRows.h"
 #include "core/PaletteSearch.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/Resize.h"
 
@@ -69,8 +70,11 @@ void PackNearest(const CDibImage& color, CDibImage& target) {
     [[maybe_unused]] const std::int64_t comparisons =
         std::int64_t{target.GetWidth()} * target.GetHeight() * target.GetPaletteCount();
     const std::span<const PaletteEntry> palette = PaletteOf(target);
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(comparisons))
     for (int y = 0; y < target.GetHeight(); ++y) {
+        if (cancel.IsCancelled())
+            continue;
         const std::uint8_t* pixel = color.GetBits(y);
         PackEachIndex(target.GetWidth(), target.GetBpp(), target.GetBits(y), [&](int x) {
             return NearestIndex(palette, {pixel[3 * x], pixel[3 * x + 1], pixel[3 * x + 2], 0});

@@ -9,6 +9,7 @@
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "core/TransposePixels.h"
 #include "filters/SmoothLines.h"
@@ -63,17 +64,23 @@ void SmoothRowsAndColumns(PlaneView topDown, double radius) {
     std::vector<LinesScratch> perThread(static_cast<std::size_t>(MaxThreads()),
                                         LinesScratch(std::max(topDown.width, topDown.height)));
     const int bands = (topDown.height - 1) / rowsAtOnce + 1;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (inParallel)
     for (int i = 0; i < bands; ++i) {
+        if (cancel.IsCancelled())
+            continue;
         const int first = i * rowsAtOnce;
         const PlaneView band = topDown.Rows(first, std::min(rowsAtOnce, topDown.height - first));
         SmoothRows(band, alpha, perThread[static_cast<std::size_t>(ThreadNumber())]);
     }
     const int strips = (count - 1) / kLines + 1;
 #pragma omp parallel for schedule(static) if (inParallel)
-    for (int i = 0; i < strips; ++i)
+    for (int i = 0; i < strips; ++i) {
+        if (cancel.IsCancelled())
+            continue;
         SmoothColumns(topDown, i * kLines, std::min(kLines, count - i * kLines), alpha,
                       perThread[static_cast<std::size_t>(ThreadNumber())]);
+    }
 }
 
 int SmoothPlane(CDibImage& image, double radius) {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/DibImage.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BorderedCopy.h"
@@ -182,14 +183,18 @@ void BlurDirect(CDibImage& image, int radius, int threshold, int times) {
     // The last block of a row may reach past the row.
     const BorderWidths border{radius, radius, radius + kBlock, radius};
     [[maybe_unused]] const bool isWorthThreads = IsWorthThreads(pixels);
-    for (int pass = 0; pass < times; ++pass) {
+    const CancelToken cancel = CurrentCancel();
+    for (int pass = 0; pass < times && !cancel.IsCancelled(); ++pass) {
         const BorderedCopy copy(pixels, border);
         const ConstPlaneView source = copy.View();
 #pragma omp parallel for schedule(static) if (isWorthThreads)
-        for (int y = 0; y < pixels.height; ++y)
+        for (int y = 0; y < pixels.height; ++y) {
+            if (cancel.IsCancelled())
+                continue;
             HWY_DYNAMIC_DISPATCH(BlurRow)
-        (source.Row(y).data(), source.stride, source.channels, radius, threshold, weights.data(),
-         pixels.Row(y));
+            (source.Row(y).data(), source.stride, source.channels, radius, threshold,
+             weights.data(), pixels.Row(y));
+        }
     }
 }
 

@@ -10,6 +10,7 @@
 #include "core/ExactMath.h"
 #include "core/PixelMemory.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/SurfaceBlurForms.h"
 
@@ -161,8 +162,11 @@ struct Scratch {
 void BlurRows(ConstPlaneView pixels, const HalfKernel& kernel, int radius, int threshold,
               Scratch& scratch) {
     const std::ptrdiff_t lead = static_cast<std::ptrdiff_t>(radius - 1) * pixels.channels;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         std::int16_t* row = scratch.rows[static_cast<std::size_t>(ThreadNumber())].data() + lead;
         const std::span<const std::uint8_t> samples = pixels.Row(y);
         std::copy(samples.begin(), samples.end(), row);
@@ -173,8 +177,11 @@ void BlurRows(ConstPlaneView pixels, const HalfKernel& kernel, int radius, int t
 
 void BlurColumns(const Scratch& scratch, const HalfKernel& kernel, int radius, int threshold,
                  PlaneView pixels) {
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
     for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         const std::span<std::uint8_t> target = pixels.Row(y);
         const int first = std::max(1 - radius, -y);
         const int last = std::min(radius - 1, pixels.height - 1 - y);

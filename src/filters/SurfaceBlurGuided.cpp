@@ -7,6 +7,7 @@
 #include "core/DibImage.h"
 #include "core/PixelMemory.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/SurfaceBlurForms.h"
 #include "imaging/BoxMean.h"
@@ -141,7 +142,7 @@ void FinishRow(const GuidedPass& pass, int y, const float* slope, std::uint8_t* 
 }
 
 /// Means near the ends of the rows at hand are wrong where the picture goes on, and not used.
-void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
+void SmoothBand(const GuidedPass& pass, Rows band, CancelToken cancel, BandPlanes& planes) {
     const int height = pass.samples.height, width = pass.samples.width;
     const Rows around = band.Extended(pass.radius, height);
     const Rows all = around.Extended(pass.radius, height);
@@ -152,6 +153,8 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
     LoadRows(pass, all, planes.line.data(), values);
     for (int y = 0; y < all.Count(); ++y)
         HWY_DYNAMIC_DISPATCH(SquareRow)(values.Row(y).data(), width, squares.Row(y).data());
+    if (cancel.IsCancelled())
+        return;
     BoxMean(values, pass.radius, meanValues);
     BoxMean(squares, pass.radius, meanSquares);
     const int skipped = around.first - all.first;
@@ -161,6 +164,8 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
         HWY_DYNAMIC_DISPATCH(FitRow)(width, pass.eps, offsets.Row(y).data(), slopes.Row(y).data());
     const FloatView meanSlopes = squares.Rows(0, around.Count());
     const FloatView meanOffsets = values.Rows(0, around.Count());
+    if (cancel.IsCancelled())
+        return;
     BoxMean(slopes, pass.radius, meanSlopes);
     BoxMean(offsets, pass.radius, meanOffsets);
     for (int y = band.first; y < band.last; ++y)
@@ -171,12 +176,15 @@ void SmoothBand(const GuidedPass& pass, Rows band, BandPlanes& planes) {
 void RunPass(const GuidedPass& pass, std::vector<BandPlanes>& planes) {
     const int height = pass.samples.height, bands = (height + kBandRows - 1) / kBandRows;
     std::atomic<bool> isShort = false;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pass.samples))
     for (int band = 0; band < bands; ++band) {
+        if (cancel.IsCancelled())
+            continue;
         const int first = band * kBandRows;
         // The means allocate, and no exception may leave the loop.
         const int done = RefuseWhenOutOfMemory([&] {
-            SmoothBand(pass, {first, std::min(first + kBandRows, height)},
+            SmoothBand(pass, {first, std::min(first + kBandRows, height)}, cancel,
                        planes[static_cast<std::size_t>(ThreadNumber())]);
             return 1;
         });

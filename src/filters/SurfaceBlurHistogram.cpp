@@ -7,6 +7,7 @@
 #include "core/DibImage.h"
 #include "core/PixelMemory.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/SurfaceBlurForms.h"
 
@@ -122,8 +123,11 @@ void RunPass(Pass& pass) {
     const int strips = (pass.source.width + kStripColumns - 1) / kStripColumns;
     const int bands = (pass.source.height + kBandRows - 1) / kBandRows;
     const int tiles = strips * bands * pass.source.channels;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(dynamic) if (IsWorthThreads(pass.source))
     for (int i = 0; i < tiles; ++i) {
+        if (cancel.IsCancelled())
+            continue;
         const int channel = i % pass.source.channels, place = i / pass.source.channels;
         const int left = place % strips * kStripColumns, top = place / strips * kBandRows;
         BlurTile(pass,
@@ -146,7 +150,8 @@ void BlurWithWeights(CDibImage& image, int radius, const LevelWeights& weights, 
         MakePixelBuffer(static_cast<std::size_t>(stride) * static_cast<std::size_t>(pixels.height));
     const PlaneView before{memory.get(), pixels.width, pixels.height, pixels.channels, stride};
     Pass pass(before, pixels, weights, radius);
-    for (int i = 0; i < times; ++i) {
+    const CancelToken cancel = CurrentCancel();
+    for (int i = 0; i < times && !cancel.IsCancelled(); ++i) {
         CopyRows(pixels, before);
         RunPass(pass);
     }

@@ -6,6 +6,7 @@
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
 #include "core/Refusal.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "filters/GaussianBlur.h"
 #include "filters/UsmMixer.h"
@@ -58,9 +59,13 @@ int BlurOrSharpen(CDibImage& image, float radius, const UsmMixer* mixer) {
     if (mixer == nullptr)
         return image.TakePixels(blurred) ? 1 : 0;
     const PlaneView pixels = ViewOf(image), from = ViewOf(blurred);
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(pixels))
-    for (int y = 0; y < pixels.height; ++y)
+    for (int y = 0; y < pixels.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         mixer->Mix(from.Row(y).data(), pixels.width * pixels.channels, pixels.Row(y).data());
+    }
     return 1;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 
 namespace velloran {
@@ -33,8 +34,11 @@ void BorderedCopy::Fill(ConstPlaneView source) {
     if (source.width == 0 || source.height == 0)
         return;
     const int channels = source.channels;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(view_.stride * view_.height))
     for (int y = 0; y < view_.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         const int from = std::clamp(y - border_.top, 0, source.height - 1);
         const std::span<const std::uint8_t> row = source.Row(from);
         std::uint8_t* out = view_.Row(y).data();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -116,9 +117,15 @@ void BoxMean(ConstFloatView source, int radius, FloatView target) {
     std::vector<std::vector<double>> perThread(
         static_cast<std::size_t>(MaxThreads()),
         std::vector<double>(static_cast<std::size_t>(count)));
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{count} * source.height))
     for (int band = 0; band < bands; ++band) {
         const int first = band * kBandRows, last = std::min(first + kBandRows, source.height);
+        if (cancel.IsCancelled()) {  // no value is left that a cast could trip over
+            for (int y = first; y < last; ++y)
+                std::ranges::fill(target.Row(y), 0.0F);
+            continue;
+        }
         MeansOfBand(source, radius, first, last,
                     perThread[static_cast<std::size_t>(ThreadNumber())].data(), target);
     }

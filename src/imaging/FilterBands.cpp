@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/Reflect.h"
 #include "imaging/SampleSums.h"
@@ -48,9 +49,10 @@ class BandFilter {
     }
 
     void Run() {
+        const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (bands_.size() > 1)
         for (std::size_t b = 0; b < bands_.size(); ++b)
-            RunBand(bands_[b]);
+            RunBand(bands_[b], cancel);
     }
 
  private:
@@ -91,10 +93,10 @@ class BandFilter {
         return std::ptrdiff_t{row} * count_;
     }
 
-    void RunBand(Band& band) const {
+    void RunBand(Band& band, CancelToken cancel) const {
         for (int slot = 0; slot < 2 * reach_; ++slot)
             LayOut(band, band.first - reach_ + slot, slot);
-        for (int y = band.first; y < band.end; y += kStepRows) {
+        for (int y = band.first; y < band.end && !cancel.IsCancelled(); y += kStepRows) {
             if (y > band.first)
                 std::copy_n(RowOf(band, kStepRows), stride_ * 2 * reach_, RowOf(band, 0));
             const int rows = std::min(kStepRows, band.end - y);

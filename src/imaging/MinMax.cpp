@@ -5,6 +5,7 @@
 #include <cassert>
 #include <vector>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -147,8 +148,11 @@ void OverWindow(ConstPlaneView source, Window window, PlaneView target, OfLines 
         static_cast<std::size_t>(window.width - 1) * static_cast<std::size_t>(channels);
     std::vector<std::vector<std::uint8_t>> rows(static_cast<std::size_t>(MaxThreads()),
                                                 std::vector<std::uint8_t>(room));
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{count} * target.height))
     for (int y = 0; y < target.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         Lines lines{};
         for (int k = 0; k < window.height; ++k)
             lines[static_cast<std::size_t>(k)] =

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/ResampleAxis.h"
 
@@ -110,8 +111,13 @@ void Resample(Source source, const ResampleAxis& across, const ResampleAxis& dow
         RowScratch{std::vector<float>(static_cast<std::size_t>(sourceCount)),
                    std::vector<float>(static_cast<std::size_t>(targetCount))});
     const std::int64_t samples = std::int64_t{sourceCount} * source.height;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(samples))
     for (int y = 0; y < target.height; ++y) {
+        if (cancel.IsCancelled()) {  // no value is left that a cast could trip over
+            std::ranges::fill(target.Row(y), typename decltype(target.Row(y))::value_type{});
+            continue;
+        }
         RowScratch& rows = perThread[static_cast<std::size_t>(ThreadNumber())];
         std::fill(rows.source.begin(), rows.source.end(), 0.0F);
         for (int k = 0; k < down.taps; ++k)
@@ -147,8 +153,11 @@ void Halve(ConstPlaneView source, PlaneView target) {
     std::vector<std::vector<std::uint8_t>> perThread(
         static_cast<std::size_t>(MaxThreads()),
         std::vector<std::uint8_t>(static_cast<std::size_t>(count)));
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(std::int64_t{count} * source.height))
     for (int y = 0; y < target.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         std::uint8_t* means = perThread[static_cast<std::size_t>(ThreadNumber())].data();
         HWY_DYNAMIC_DISPATCH(MeansOfFour)
         (source.Row(2 * y).data(), source.Row(2 * y + 1).data(), channels, count - channels, means);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/PlaneView.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 
 namespace velloran {
@@ -51,7 +52,8 @@ Tiles<Sample> MakeTiles(const TileShape& shape) {
 
 /// `layOut(y, first, count, samples)` lays out the `count` samples that results from `first` on of
 /// row y begin with, where y runs up to extraRows past the last; `work(samples, count, out)` makes
-/// a row of results. Tiles in parallel.
+/// a row of results. Tiles in parallel; those that are left when the work is cancelled are not
+/// made.
 template <typename Sample, typename LayOut, typename Work>
 void ForEachTile(const TileShape& shape, Tiles<Sample>& tiles, PlaneView target, LayOut&& layOut,
                  Work&& work) {
@@ -60,8 +62,11 @@ void ForEachTile(const TileShape& shape, Tiles<Sample>& tiles, PlaneView target,
         return;
     const int across = (count - 1) / shape.width + 1, down = (target.height - 1) / shape.rows + 1;
     const std::int64_t samples = std::int64_t{count} * target.height;
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(samples))
     for (std::int64_t i = 0; i < std::int64_t{across} * down; ++i) {
+        if (cancel.IsCancelled())
+            continue;
         Sample* tile = tiles[static_cast<std::size_t>(ThreadNumber())].data();
         const int x = static_cast<int>(i % across) * shape.width;
         const int y = static_cast<int>(i / across) * shape.rows;
