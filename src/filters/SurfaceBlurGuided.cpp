@@ -235,7 +235,8 @@ void BlurGuided(CDibImage& image, int radius, int threshold, int times) {
                      pass == 0 ? FloatView{} : before, pass == times - 1 ? FloatView{} : behind},
                     planes);
         }
-    StoreResults(results, pixels);
+    if (!CurrentCancel().IsCancelled())
+        StoreResults(results, pixels);
 }
 
 }  // namespace velloran

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "core/StepContext.h"
@@ -114,8 +115,9 @@ void Resample(Source source, const ResampleAxis& across, const ResampleAxis& dow
     const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(samples))
     for (int y = 0; y < target.height; ++y) {
-        if (cancel.IsCancelled()) {  // no value is left that a cast could trip over
-            std::ranges::fill(target.Row(y), typename decltype(target.Row(y))::value_type{});
+        if (cancel.IsCancelled()) {
+            if constexpr (std::is_same_v<Target, FloatView>)  // no value that a cast trips over
+                std::ranges::fill(target.Row(y), 0.0F);
             continue;
         }
         RowScratch& rows = perThread[static_cast<std::size_t>(ThreadNumber())];
