@@ -25,6 +25,62 @@ std::string RangeOrList(const ParaRow& row) {
                        row.max ? std::to_string(*row.max) : "");
 }
 
+std::string_view KindName(ParaKind kind) {
+    constexpr std::string_view kNames[] = {"number",     "list",   "flag", "color",
+                                           "packedPair", "packed", "kept"};
+    return kNames[static_cast<std::size_t>(kind)];
+}
+
+template <typename Ranges>
+Json RangesAsJson(const Ranges& ranges) {
+    Json json = Json::array();
+    for (const ParaRange& range : ranges)
+        json.push_back({range.from, range.to});
+    return json;
+}
+
+Json FieldsAsJson(const ParaRow& row) {
+    Json fields = Json::array();
+    for (const ParaField& field : row.fields) {
+        Json list;
+        for (const Label& entry : field.list)
+            list.push_back(ToUtf8(entry));
+        fields.push_back({{"name", field.name},
+                          {"shift", field.shift},
+                          {"bits", field.bits},
+                          {"signed", field.isSigned},
+                          {"list", list}});
+    }
+    return fields;
+}
+
+/// Each step with the ranges of values at which it runs.
+Json StepsAsJson(const ParaRow& row) {
+    Json steps = Json::array();
+    for (const ParaGate& gate : row.gates)
+        if (gate.step != 0)
+            steps.push_back(
+                {{"step", gate.step}, {"from", gate.values.from}, {"to", gate.values.to}});
+    return steps;
+}
+
+void AddMeaning(const ParaRow& row, Json& json) {
+    json["kind"] = KindName(row.kind);
+    json["tab"] = row.tab == ParaTab::kNone ? Json() : Json(NameOf(row.tab));
+    json["tabPlace"] = row.tabPlace == 0 ? Json() : Json(row.tabPlace);
+    json["group"] = row.set == ParaSet::kNoSet ? Json() : Json(NameOf(row.set));
+    json["unit"] = row.unit == ParaUnit::kNoUnit ? Json() : Json(NameOf(row.unit));
+    json["scale"] = {
+        {"factor", row.scale.factor}, {"offset", row.scale.offset}, {"divisor", row.scale.divisor}};
+    json["neutral"] = row.neutral ? Json(*row.neutral) : Json();
+    json["fields"] = FieldsAsJson(row);
+    json["enabledWhen"] = Json();
+    if (row.enabled.count > 0)
+        json["enabledWhen"] = {{"parameter", ParaRowOf(row.enabled.index).name},
+                               {"values", RangesAsJson(row.enabled.Ranges())}};
+    json["steps"] = StepsAsJson(row);
+}
+
 Json RowAsJson(int index, const ParaRow& row) {
     Json json;
     json["index"] = index;
@@ -37,6 +93,7 @@ Json RowAsJson(int index, const ParaRow& row) {
         list.push_back(ToUtf8(entry));
     json["list"] = list;
     json["meaning"] = ToUtf8(row.meaning);
+    AddMeaning(row, json);
     return json;
 }
 

@@ -99,8 +99,10 @@ inline constexpr Text kDewarpMethod[] = {u"扩展文本行", u"文本行", u"页
 inline constexpr Text kDewarpIllumination[] = {u"不均匀", u"一般", u"很均匀"};
 inline constexpr Text kJpegSampling[] = {u"自动", u"手动"};
 
-// Lists of packed fields: the low byte of PARA_PAGE_SPLIT_TYPE, and the low and the next byte of
-// PARA_CRT_CROP.
+// Lists of packed fields: those of PARA_TGT_FILES, the low byte of PARA_PAGE_SPLIT_TYPE, and the
+// low and the next byte of PARA_CRT_CROP.
+inline constexpr Text kTargetFormat[] = {
+    {u"自动", u"automatic"}, u"tif", u"bmp", u"png", u"gif", u"webp", u"jpg", u"jp2"};
 inline constexpr Text kSplitKind[] = {u"无分页", u"单页", u"双页右翻", u"双页左翻"};
 inline constexpr Text kCorrectionSizeMode[] = {
     u"自动", u"自动，指定比例", u"指定比例和宽度", u"指定比例和高度", u"指定宽度", u"指定高度",

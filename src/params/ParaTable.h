@@ -3,11 +3,15 @@
 // The 134 parameters as data: one row a parameter. Defaults, ranges, the ini form, the command
 // line, the windows' controls and the describe mode all read this table; no second list exists.
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
+#include "params/ParaMeaning.h"
 #include "text/Label.h"
 
 namespace velloran {
@@ -73,6 +77,16 @@ struct ParaRow {
     std::span<const Label> list;  // texts in list order; empty for none
     Label label;                  // the control's label; may be empty
     Label meaning;                // one phrase for the user
+
+    ParaTab tab = ParaTab::kNone;
+    int tabPlace = 0;  // from 1, in the order of the tab
+    ParaSet set = ParaSet::kNoSet;
+    ParaUnit unit = ParaUnit::kNoUnit;
+    ParaScale scale{};
+    std::optional<std::int32_t> neutral{};  // its step changes nothing; only where there is one
+    std::span<const ParaField> fields{};    // of a packed value
+    ParaCondition enabled{};
+    std::array<ParaGate, 3> gates{};  // of the steps that it switches on
 };
 
 /// The row of a parameter, 0 <= index < kParaCount.
@@ -80,6 +94,19 @@ const ParaRow& ParaRowOf(int index);
 
 /// Index of a name exactly as in the table, or nothing.
 std::optional<int> FindPara(std::string_view name);
+
+/// The parameters of a tab in its order.
+std::vector<ParaIndex> ParaIndexesOf(ParaTab tab);
+
+/// Whether the value of one parameter gives a step work; whether any parameter's does.
+bool IsGateOpen(int step, int index, std::int32_t value);
+bool HasOpenGate(int step, std::span<const std::int32_t, kParaCount> values);
+
+/// Whether the parameter counts beside these values.
+bool IsEnabled(int index, std::span<const std::int32_t, kParaCount> values);
+
+/// The number as the user sees it, by the scale of the row: "1.5" for 15 tenths.
+std::u16string ShownText(int index, std::int32_t value);
 
 /// The list text of a value in the language in use, empty when the value is no list position.
 std::u16string_view ParaListText(int index, std::int32_t value);

@@ -20,10 +20,12 @@ void DescribeRotate(const ParaValues& values, std::u16string& text);
 void DescribeSplit(const ParaValues& values, std::u16string& text);
 void DescribeCorrection(const ParaValues& values, std::u16string& text);
 void DescribeDeskew(const ParaValues& values, std::u16string& text);
-/// Up to six lines: the cut margins with the search, the DPI, and, as soon as one page parameter
-/// is not at its default, page size, page margins when there are any, alignment, and the rules for
-/// a box that does not fit.
-void DescribeCropAndLayout(const ParaValues& values, std::u16string& text);
+/// The cut margins with the search, on one line.
+void DescribeCrop(const ParaValues& values, std::u16string& text);
+/// Behind the crop, whether or not it runs, up to five lines: the DPI, and, as soon as one page
+/// parameter is not at its default, page size, page margins when there are any, alignment, and the
+/// rules for a box that does not fit.
+void DescribeLayout(const ParaValues& values, std::u16string& text);
 void DescribeReplaceColor(const ParaValues& values, std::u16string& text);
 void DescribeSwapChannel(const ParaValues& values, std::u16string& text);
 void DescribeNegate(const ParaValues& values, std::u16string& text);

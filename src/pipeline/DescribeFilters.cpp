@@ -7,18 +7,8 @@
 
 namespace velloran {
 
-namespace {
-
-/// What a list position stands for, where the list counts: first + step a position.
-std::u16string Counted(std::int32_t position, std::int64_t first, std::int64_t step = 1) {
-    return DecimalText(position * step + first);
-}
-
-}  // namespace
-
 void DescribeMultiScale(const ParaValues& values, std::u16string& text) {
-    AppendAdjustLine(labels::kMultiScale, values[PARA_ADJUST_MULTI_SCALE_R],
-                     /*tenths=*/false, text);
+    AppendAdjustLine(values, labels::kMultiScale, PARA_ADJUST_MULTI_SCALE_R, text);
 }
 
 void DescribeErode(const ParaValues& values, std::u16string& text) {
@@ -30,8 +20,7 @@ void DescribeBlur(const ParaValues& values, std::u16string& text) {
 }
 
 void DescribeGaussian(const ParaValues& values, std::u16string& text) {
-    AppendAdjustLine(labels::kGaussianRadius, values[PARA_ADJUST_BLUR_RADIUS],
-                     /*tenths=*/true, text);
+    AppendAdjustLine(values, labels::kGaussianRadius, PARA_ADJUST_BLUR_RADIUS, text);
 }
 
 void DescribeSurfaceBlur(const ParaValues& values, std::u16string& text) {
@@ -46,8 +35,11 @@ void DescribeSurfaceBlur(const ParaValues& values, std::u16string& text) {
     AppendItem(
         LabelAndValue(labels::kAlgorithm, ListOrNumber(PARA_SURFACE_BLUR_ALGRITHOM, algorithm)),
         start, text);
-    AppendItem(LabelAndValue(labels::kRadius, Counted(radius, 1)), start, text);
-    AppendItem(LabelAndValue(labels::kThresholdValue, Counted(threshold, 2)), start, text);
+    AppendItem(LabelAndValue(labels::kRadius, ShownText(PARA_SURFACE_BLUR_RADIUS, radius)), start,
+               text);
+    AppendItem(
+        LabelAndValue(labels::kThresholdValue, ShownText(PARA_SURFACE_BLUR_THRESHOLD, threshold)),
+        start, text);
     text += kLineEnd;
 }
 
@@ -60,8 +52,9 @@ void DescribeAdjustSharpen(const ParaValues& values, std::u16string& text) {
         GroupOf(values, std::array{PARA_ADJUST_SHARPEN_PERCENT, PARA_ADJUST_SHARPEN_SIZE});
     if (strength == 0)
         return;
-    AppendAdjustLine(labels::kGaussianSharpenRadius, strength, /*tenths=*/false, text);
-    text.append(LabelAndValue(labels::kKernelOrder, Counted(size, 7, 2))).append(kLineEnd);
+    AppendAdjustLine(values, labels::kGaussianSharpenRadius, PARA_ADJUST_SHARPEN_PERCENT, text);
+    text.append(LabelAndValue(labels::kKernelOrder, ShownText(PARA_ADJUST_SHARPEN_SIZE, size)))
+        .append(kLineEnd);
 }
 
 void DescribeUsm(const ParaValues& values, std::u16string& text) {
@@ -72,7 +65,7 @@ void DescribeUsm(const ParaValues& values, std::u16string& text) {
     const std::size_t start = text.size();
     AppendItem(LabelAndValue(labels::kPasses, ListOrNumber(PARA_USM_TIMES, passes)), start, text);
     AppendItem(LabelAndValue(labels::kAmount, DecimalText(amount)), start, text);
-    AppendItem(LabelAndValue(labels::kRadius, TenthsText(radius)), start, text);
+    AppendItem(LabelAndValue(labels::kRadius, ShownText(PARA_USM_RADIUS, radius)), start, text);
     AppendItem(LabelAndValue(labels::kThresholdValue, DecimalText(threshold)), start, text);
     text += kLineEnd;
 }

@@ -12,18 +12,15 @@ namespace {
 
 constexpr std::int32_t kSecondSide = 0x100;  // of PARA_PAGE_SPLIT_TYPE
 
-std::int32_t SignedLow(std::int32_t pair) {
-    return static_cast<std::int16_t>(pair & 0xFFFF);
-}
-std::int32_t SignedHigh(std::int32_t pair) {
-    return static_cast<std::int16_t>(pair >> 16);
+std::int32_t SizeField(std::size_t position, std::int32_t size) {
+    return ParaRowOf(PARA_CRT_SIZE).fields[position].Of(size);
 }
 
 /// The size that the user gave for the cut rectangle: by the mode a width, a height or both.
 std::u16string GivenSize(std::int32_t crop, std::int32_t size) {
-    const std::u16string width = u"w=" + DecimalText(SignedLow(size));
-    const std::u16string height = u"h=" + DecimalText(SignedHigh(size));
-    switch (crop & 0xFF) {
+    const std::u16string width = u"w=" + DecimalText(SizeField(0, size));
+    const std::u16string height = u"h=" + DecimalText(SizeField(1, size));
+    switch (ParaRowOf(PARA_CRT_CROP).fields[0].Of(crop)) {
         case 2:
         case 4:
             return u", " + width;
@@ -87,7 +84,7 @@ void DescribeDeskew(const ParaValues& values, std::u16string& text) {
         return;
     text += LabelAndValue(labels::kDeskew, ListOrNumber(PARA_DESKEW, mode));
     if (mode == 4)
-        text.append(u", ").append(HundredthsText(angle)).append(labels::kDegrees);
+        text.append(u", ").append(ShownText(PARA_DESKEW_ANGLE, angle)).append(labels::kDegrees);
     text.append(u", ").append(ListOrNumber(PARA_DESKEW_EDGE, edge)).append(kLineEnd);
 }
 

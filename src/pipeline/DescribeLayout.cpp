@@ -47,22 +47,10 @@ void AppendSearch(const ParaValues& values, std::u16string& text) {
 }
 
 /// Each margin of the cut has its ", " behind it, also the last one.
-void AppendCropLine(const ParaValues& values, std::u16string& text) {
-    const std::size_t lineStart = text.size();
-    for (const Side& side : kSides) {
-        if (const std::int32_t perMille = values[side.crop]; perMille != 0)
-            text += LabelEquals(side.label, TenthsText(perMille) + u"%, ");
-    }
-    if (values[PARA_FIND_CNT_BOX] != 0)
-        AppendSearch(values, text);
-    if (text.size() > lineStart)
-        text += kLineEnd;
-}
-
 std::u16string Measure(const ParaValues& values, ParaIndex index) {
     const std::int32_t value = values[index];
     const bool pixels = values[PARA_PAGE_SIZE_UNIT] == 1;
-    return pixels ? DecimalText(value) : HundredthsText(value);
+    return pixels ? DecimalText(value) : ShownText(index, value);
 }
 
 void AppendPageSizeLine(const ParaValues& values, std::u16string& text) {
@@ -97,8 +85,19 @@ void AppendListLine(const ParaValues& values, ParaIndex first, ParaIndex second,
 
 }  // namespace
 
-void DescribeCropAndLayout(const ParaValues& values, std::u16string& text) {
-    AppendCropLine(values, text);
+void DescribeCrop(const ParaValues& values, std::u16string& text) {
+    const std::size_t lineStart = text.size();
+    for (const Side& side : kSides) {
+        if (const std::int32_t perMille = values[side.crop]; perMille != 0)
+            text += LabelEquals(side.label, ShownText(side.crop, perMille) + u"%, ");
+    }
+    if (values[PARA_FIND_CNT_BOX] != 0)
+        AppendSearch(values, text);
+    if (text.size() > lineStart)
+        text += kLineEnd;
+}
+
+void DescribeLayout(const ParaValues& values, std::u16string& text) {
     if (Differs(values, PARA_DPI))
         text += u"DPI=" + DecimalText(values[PARA_DPI]) + u"\r\n";
     if (std::ranges::none_of(kPageParameters,

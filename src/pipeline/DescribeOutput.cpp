@@ -70,8 +70,9 @@ void AddBinarization(OptionLine& line) {
     line.AddList(PARA_DECREASE_THRESHOLD_METHOD);
     const std::int32_t method = line.Value(PARA_DECREASE_THRESHOLD_METHOD);
     if (method == 2 || method == 3) {
-        const std::int64_t window = line.Value(PARA_DECREASE_WINDOW_SIZE);
-        line.Add(LabelAndValue(labels::kWindowSize, DecimalText((window + 1) * 10)));
+        line.Add(LabelAndValue(
+            labels::kWindowSize,
+            ShownText(PARA_DECREASE_WINDOW_SIZE, line.Value(PARA_DECREASE_WINDOW_SIZE))));
     }
     if (const std::int32_t speck = line.Value(PARA_DECREASE_DESPECKLE_SIZE); speck != 0)
         line.Add(LabelAndValue(labels::kDespeckle, DecimalText(speck)));

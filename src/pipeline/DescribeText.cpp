@@ -52,11 +52,10 @@ void AppendPercentLine(const ParaValues& values, ParaGroup group, int index, std
             .append(kLineEnd);
 }
 
-void AppendAdjustLine(std::u16string_view label, std::int32_t value, bool tenths,
+void AppendAdjustLine(const ParaValues& values, std::u16string_view label, ParaIndex index,
                       std::u16string& text) {
-    if (value != 0)
-        text.append(LabelAndValue(label, tenths ? TenthsText(value) : DecimalText(value)))
-            .append(kLineEnd);
+    if (values[index] != 0)
+        text.append(LabelAndValue(label, ShownText(index, values[index]))).append(kLineEnd);
 }
 
 void AppendAutoLevels(const ParaValues& values, bool post, std::u16string& text) {

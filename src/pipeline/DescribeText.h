@@ -49,8 +49,8 @@ void AppendLabelCombo(const ParaValues& values, std::u16string_view label, int i
 /// Group label, ": ", value; nothing for 100.
 void AppendPercentLine(const ParaValues& values, ParaGroup group, int index, std::u16string& text);
 
-/// Label, blank, value, which is in tenths when asked; nothing for 0.
-void AppendAdjustLine(std::u16string_view label, std::int32_t value, bool tenths,
+/// Label, blank, value as it is shown; nothing for 0.
+void AppendAdjustLine(const ParaValues& values, std::u16string_view label, ParaIndex index,
                       std::u16string& text);
 
 /// The label of the later run when `post`, and the list text; nothing for a value below 1.

@@ -71,7 +71,7 @@ void DescribeReplaceColor(const ParaValues& values, std::u16string& text) {
         labels::kReplaceColor,
         LabelAndValue(labels::kReplaceCondition, ListOrNumber(PARA_REPLACE_COLOR_TYPE, type)));
     text.append(u", ").append(
-        LabelAndValue(labels::kThresholdValue, DecimalText(std::int64_t{threshold} + 1)));
+        LabelAndValue(labels::kThresholdValue, ShownText(PARA_REPLACE_COLOR_THRESHOLD, threshold)));
     text.append(u", ").append(ColorText(from)).append(u" -> ").append(ColorText(to));
     text += kLineEnd;
 }
@@ -115,7 +115,7 @@ void DescribeLevelsStep(const ParaValues& values, std::u16string& text) {
 }
 
 void DescribeVibrance(const ParaValues& values, std::u16string& text) {
-    AppendAdjustLine(labels::kVibrance, values[PARA_ADJUST_VIBRANCE], /*tenths=*/false, text);
+    AppendAdjustLine(values, labels::kVibrance, PARA_ADJUST_VIBRANCE, text);
 }
 
 void DescribePixelMapping(const ParaValues& values, std::u16string& text) {

@@ -16,7 +16,8 @@ bool EndsBehind(const Step& step, int stop) {
 
 class PipelineRun {
  public:
-    explicit PipelineRun(const RunRequest& request) : request_(request) {
+    PipelineRun(std::span<const Step> steps, const RunRequest& request)
+        : steps_(steps), request_(request) {
         state_.values = request.settings.values;
         state_.image = IsDescribing() ? nullptr : request.image;
         state_.stop = request.stop;
@@ -34,7 +35,7 @@ class PipelineRun {
     bool IsDescribing() const { return request_.mode == RunMode::kDescribe; }
 
     void TakeSteps() {
-        for (const Step& step : Steps()) {
+        for (const Step& step : steps_) {
             Take(step);
             if (step.poll == Poll::kAfter && IsCancelled())
                 return;
@@ -45,8 +46,6 @@ class PipelineRun {
                 return;
             }
         }
-        if (IsDescribing())
-            DescribeOutput(request_.settings.values, report_.text);
     }
 
     /// Also notes it.
@@ -60,11 +59,11 @@ class PipelineRun {
     void Take(const Step& step) {
         if (step.before != nullptr && state_.image != nullptr)
             step.before(state_);
-        const bool runs = step.runs(state_);
+        const bool runs = step.runs(state_.Known());
         if (request_.label && (runs || step.told == Told::kAlways))
             request_.label(step.label.Of(state_.values));
         if (IsDescribing())
-            step.describe(state_.values, report_.text);
+            DescribeStep(step, state_.values, report_.text);
         else if (runs)
             Do(step, step.run);
     }
@@ -88,6 +87,7 @@ class PipelineRun {
         report_.Note(step.number, result, context.FailureText());
     }
 
+    std::span<const Step> steps_;
     const RunRequest& request_;
     RunState state_;
     RunReport report_;
@@ -129,13 +129,24 @@ std::string RunReport::Detail() const {
     return {};
 }
 
-RunReport Run(const RunRequest& request) {
+void DescribeStep(const Step& step, const ParaValues& values, std::u16string& text) {
+    if (step.runs({values, {}}))
+        step.describe(values, text);
+    if (step.describeBehind != nullptr)
+        step.describeBehind(values, text);
+}
+
+RunReport RunSteps(std::span<const Step> steps, const RunRequest& request) {
     if (request.stop == kStopNothing)
         return {};
     if (request.mode != RunMode::kDescribe &&
         (request.image == nullptr || !request.image->IsValid()))
         return {};
-    return PipelineRun(request).Go();
+    return PipelineRun(steps, request).Go();
+}
+
+RunReport Run(const RunRequest& request) {
+    return RunSteps(Steps(), request);
 }
 
 }  // namespace velloran

@@ -8,6 +8,7 @@
 #include "core/Pipeline.h"
 #include "params/Settings.h"
 #include "pipeline/FoundValues.h"
+#include "pipeline/StepTable.h"
 
 namespace velloran {
 
@@ -32,6 +33,15 @@ struct RunState {
     bool deferRotation = false;     // until the content box was searched
     LayoutRequest layout{};
     DecreaseBppRequest reduce{};
+
+    /// What the gates may know. Content that was not measured yet, since the page is not known or
+    /// its layout not begun, is left out.
+    GateInput Known() const {
+        if (image == nullptr || (layout.imageWidth == 0 && layout.contentWidth == 0))
+            return {values, {}};
+        return {values, ContentSizes{image->GetWidth(), image->GetHeight(), layout.contentWidth,
+                                     layout.contentHeight}};
+    }
 
     std::int32_t Value(ParaIndex index) const { return values[static_cast<std::size_t>(index)]; }
 };

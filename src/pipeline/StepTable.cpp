@@ -11,35 +11,42 @@
 namespace velloran {
 namespace {
 
-bool Always(const RunState&) {
+bool Always(const GateInput&) {
     return true;
 }
 
-template <ParaIndex... kIndexes>
-bool AnySet(const RunState& state) {
-    return ((state.Value(kIndexes) != 0) || ...);
+/// A gate of the parameter table for this step is open.
+template <int kStep>
+bool ByTable(const GateInput& input) {
+    return HasOpenGate(kStep, input.values);
 }
 
-template <ParaIndex kIndex, int kLow, int kHigh>
-bool IsWithin(const RunState& state) {
-    return state.Value(kIndex) >= kLow && state.Value(kIndex) <= kHigh;
-}
-
-bool HasSplit(const RunState& state) {
-    return effectiveSplit(state.Value(PARA_PAGE_SPLIT_TYPE)) != kNoSplit;
+bool HasSplit(const GateInput& input) {
+    return effectiveSplit(input.Value(PARA_PAGE_SPLIT_TYPE)) != kNoSplit;
 }
 
 /// The content is to become larger in both directions; smaller in both. A size that is larger in
-/// one and smaller in the other is left to the placement on the page, and so is one not known.
-bool IsEnlarged(const RunState& state) {
-    return state.image != nullptr && state.layout.contentWidth > state.image->GetWidth() &&
-           state.layout.contentHeight > state.image->GetHeight();
+/// one and smaller in the other is left to the placement on the page. Where no page is known the
+/// percentage decides.
+bool IsEnlarged(const GateInput& input) {
+    if (!input.sizes)
+        return HasOpenGate(13, input.values);
+    return input.sizes->contentWidth > input.sizes->width &&
+           input.sizes->contentHeight > input.sizes->height;
 }
 
-bool IsReduced(const RunState& state) {
-    return state.image != nullptr && state.layout.contentWidth > 0 &&
-           state.layout.contentHeight > 0 && state.layout.contentWidth < state.image->GetWidth() &&
-           state.layout.contentHeight < state.image->GetHeight();
+bool IsReduced(const GateInput& input) {
+    if (!input.sizes)
+        return HasOpenGate(25, input.values);
+    return input.sizes->contentWidth < input.sizes->width &&
+           input.sizes->contentHeight < input.sizes->height;
+}
+
+/// Any automatic levels, known or not, take the manual ones' place.
+bool HasLevels(const GateInput& input) {
+    if (input.Value(PARA_AUTO_LEVELS) != 0)
+        return IsGateOpen(14, PARA_AUTO_LEVELS, input.Value(PARA_AUTO_LEVELS));
+    return HasOpenGate(14, input.values);
 }
 
 std::u16string_view LevelsLabel(const ParaValues& values) {
@@ -53,10 +60,6 @@ std::u16string_view MorphologyLabel(const ParaValues& values) {
     return kByGroup[(values[PARA_ERODE] - 1) / 4 & 3];
 }
 
-constexpr auto kHasMargins =
-    AnySet<PARA_CROPPING_P_LEFT, PARA_CROPPING_P_TOP, PARA_CROPPING_P_RIGHT, PARA_CROPPING_P_BOTTOM,
-           PARA_FIND_CNT_BOX>;
-
 using namespace labels;
 using enum Told;
 using enum Poll;
@@ -65,54 +68,55 @@ using enum Poll;
 // clang-format off
 constexpr Step kSteps[] = {
     // number, label, told, runs, run, describe, cancel polled behind it, stops, before, at a stop
-    {1, kStepRotate, kAlways, IsWithin<PARA_ROATE, 1, 5>, RotatePage, DescribeRotate},
+    {1, kStepRotate, kAlways, ByTable<1>, RotatePage, DescribeRotate},
     {2, kStepSplit, kAlways, HasSplit, PassOn, DescribeSplit,
         kAfter, {kStopSplitDrawn, kStopSplit}},
-    {3, kStepCorrection, kWhenRun, AnySet<PARA_CRT_TYPE>, PassOn, DescribeCorrection,
+    {3, kStepCorrection, kWhenRun, ByTable<3>, PassOn, DescribeCorrection,
         kAfter, {kStopPageCorrectionFast, kStopPageCorrection}},
-    {4, kStepDeskew, kWhenRun, IsWithin<PARA_DESKEW, 1, 4>, PassOn, DescribeDeskew,
+    {4, kStepDeskew, kWhenRun, ByTable<4>, PassOn, DescribeDeskew,
         kAfter, {kStopDeskew}, StartLayout},
-    {5, kStepCrop, kWhenRun, kHasMargins, CropPage, DescribeCropAndLayout,
-        kAfter, {kStopContentBox, kStopContentBoxLayout}, nullptr, ShowContent},
-    {6, kStepReplaceColor, kWhenRun, AnySet<PARA_REPLACE_COLOR_TYPE>, ReplaceOneColor,
+    {5, kStepCrop, kWhenRun, ByTable<5>, CropPage, DescribeCrop,
+        kAfter, {kStopContentBox, kStopContentBoxLayout}, nullptr, DescribeLayout, ShowContent},
+    {6, kStepReplaceColor, kWhenRun, ByTable<6>, ReplaceOneColor,
         DescribeReplaceColor},
-    {7, kStepSwapChannel, kWhenRun, AnySet<PARA_SWAP_CHANNEL>, ExchangeChannels,
+    {7, kStepSwapChannel, kWhenRun, ByTable<7>, ExchangeChannels,
         DescribeSwapChannel},
-    {8, kStepNegate, kWhenRun, AnySet<PARA_NEGATE>, NegatePage, DescribeNegate},
-    {9, kStepCombineChannel, kWhenRun, AnySet<PARA_COMBINE_CHANNEL>, MixChannels,
+    {8, kStepNegate, kWhenRun, ByTable<8>, NegatePage, DescribeNegate},
+    {9, kStepCombineChannel, kWhenRun, ByTable<9>, MixChannels,
         DescribeCombineChannel},
-    {10, kStepIllumination, kWhenRun, AnySet<PARA_LUM_CORRECT>, CorrectIllumination,
+    {10, kStepIllumination, kWhenRun, ByTable<10>, CorrectIllumination,
         DescribeIllumination},
-    {11, kStepUnshadow, kWhenRun, AnySet<PARA_ADJUST_UNSHADOW>, RemoveShadow,
+    {11, kStepUnshadow, kWhenRun, ByTable<11>, RemoveShadow,
         DescribeUnshadow, kNone},
-    {12, kStepWhiteBalance, kWhenRun, AnySet<PARA_WHITE_BALANCE>, BalanceWhite,
+    {12, kStepWhiteBalance, kWhenRun, ByTable<12>, BalanceWhite,
         DescribeWhiteBalance},
     {13, kStepEnlarge, kWhenRun, IsEnlarged, ResizeToContent, DescribeEnlarge,
         kAfter, {kStopBeforeLevels}, MeasureContent},
-    {14, LevelsLabel, kAlways, Always, AdjustLevels, DescribeLevelsStep,
+    {14, LevelsLabel, kAlways, HasLevels, AdjustLevels, DescribeLevelsStep,
         kAfter, {kStopBeforeVibrance}},
-    {15, kStepVibrance, kWhenRun, AnySet<PARA_ADJUST_VIBRANCE>, AdjustVibrance, DescribeVibrance},
+    {15, kStepVibrance, kWhenRun, ByTable<15>, AdjustVibrance, DescribeVibrance},
     {16, kStepPixelMapping, kAlways, HasPixelMapping, MapPixels, DescribePixelMapping},
-    {17, kStepLight, kWhenRun, AnySet<PARA_LIGHT_LOW, PARA_LIGHT_HIGH>, AdjustPageLight,
+    {17, kStepLight, kWhenRun, ByTable<17>, AdjustPageLight,
         DescribeLight},
-    {18, kStepMultiScale, kWhenRun, AnySet<PARA_ADJUST_MULTI_SCALE_R>, EnhanceDetail,
+    {18, kStepMultiScale, kWhenRun, ByTable<18>, EnhanceDetail,
         DescribeMultiScale},
-    {19, kStepAutoLevelsPost, kWhenRun, AnySet<PARA_AUTO_LEVELS_POST>, AdjustLevelsPost,
+    {19, kStepAutoLevelsPost, kWhenRun, ByTable<19>, AdjustLevelsPost,
         DescribeAutoLevelsPost},
-    {20, kStepEqualize, kWhenRun, AnySet<PARA_HIST_EQUALIZE>, EqualizeTones, DescribeEqualize},
-    {21, MorphologyLabel, kWhenRun, IsWithin<PARA_ERODE, 1, 16>, ChangeStrokes, DescribeErode},
-    {22, kStepBlur, kWhenRun, AnySet<PARA_BLUR>, BlurByLevel, DescribeBlur},
-    {23, kStepGaussian, kWhenRun, AnySet<PARA_ADJUST_BLUR_RADIUS>, BlurByRadius,
+    {20, kStepEqualize, kWhenRun, ByTable<20>, EqualizeTones, DescribeEqualize},
+    {21, MorphologyLabel, kWhenRun, ByTable<21>, ChangeStrokes, DescribeErode},
+    {22, kStepBlur, kWhenRun, ByTable<22>, BlurByLevel, DescribeBlur},
+    {23, kStepGaussian, kWhenRun, ByTable<23>, BlurByRadius,
         DescribeGaussian},
-    {24, kStepSurfaceBlur, kWhenRun, AnySet<PARA_SURFACE_BLUR_TIMES>, BlurSurfaces,
+    {24, kStepSurfaceBlur, kWhenRun, ByTable<24>, BlurSurfaces,
         DescribeSurfaceBlur},
     {25, kStepReduceSize, kWhenRun, IsReduced, ResizeToContent, DescribeReduceSize, kNone},
-    {26, kStepSharpen, kWhenRun, AnySet<PARA_SHARPEN>, SharpenByLevel, DescribeSharpen},
-    {27, kStepAdjustSharpen, kWhenRun, AnySet<PARA_ADJUST_SHARPEN_PERCENT>, SharpenAdjusted,
+    {26, kStepSharpen, kWhenRun, ByTable<26>, SharpenByLevel, DescribeSharpen},
+    {27, kStepAdjustSharpen, kWhenRun, ByTable<27>, SharpenAdjusted,
         DescribeAdjustSharpen},
-    {28, kStepUsm, kWhenRun, AnySet<PARA_USM_TIMES>, SharpenByMask, DescribeUsm},
+    {28, kStepUsm, kWhenRun, ByTable<28>, SharpenByMask, DescribeUsm},
     {29, kStepColorReduction, kAlways, Always, ReduceColors, DescribeColorReduction},
-    {30, kStepPlaceOnPage, kAlways, Always, PassOn, DescribeNothing},
+    {30, kStepPlaceOnPage, kAlways, Always, PassOn, DescribeNothing,
+        kAfter, {}, nullptr, DescribeOutput},
 };
 // clang-format on
 static_assert(std::size(kSteps) == 30);

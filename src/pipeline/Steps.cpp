@@ -37,15 +37,15 @@ bool CutMargins(CDibImage& image, const Margins& margins, LayoutRequest& layout)
 
 /// Non-zero when a stage changed the map. The order of the stages is fixed: each works on what the
 /// one before it left.
-int ComposePixelMap(const RunState& state, PixelMap& map) {
+int ComposePixelMap(const GateInput& input, PixelMap& map) {
     int changed = 0;
-    changed |= MapHighlight(state.Value(PARA_HIGHLIGHT), state.Value(PARA_THRESHOLD), map);
-    changed |= MapBrightness(state.Value(PARA_BRIGHTNESS), map);
-    changed |= MapParabola(state.Value(PARA_CURVE_DIV), state.Value(PARA_CURVE_OFFSET), map);
-    changed |= MapContrast(state.Value(PARA_CONTRAST), map);
-    changed |= MapBezierCurve(state.Value(PARA_CURVE), state.Value(PARA_CURVE_1),
-                              state.Value(PARA_CURVE_2), state.Value(PARA_CURVE_3), map);
-    changed |= MapGamma(state.Value(PARA_GAMMA), map);
+    changed |= MapHighlight(input.Value(PARA_HIGHLIGHT), input.Value(PARA_THRESHOLD), map);
+    changed |= MapBrightness(input.Value(PARA_BRIGHTNESS), map);
+    changed |= MapParabola(input.Value(PARA_CURVE_DIV), input.Value(PARA_CURVE_OFFSET), map);
+    changed |= MapContrast(input.Value(PARA_CONTRAST), map);
+    changed |= MapBezierCurve(input.Value(PARA_CURVE), input.Value(PARA_CURVE_1),
+                              input.Value(PARA_CURVE_2), input.Value(PARA_CURVE_3), map);
+    changed |= MapGamma(input.Value(PARA_GAMMA), map);
     return changed;
 }
 
@@ -106,14 +106,14 @@ StepResult AdjustLevels(RunState& state) {
                                 static_cast<std::uint32_t>(state.Value(PARA_LEVELS_LIGHT))));
 }
 
-bool HasPixelMapping(const RunState& state) {
+bool HasPixelMapping(const GateInput& input) {
     PixelMap map = IdentityPixelMap();
-    return ComposePixelMap(state, map) != 0;
+    return ComposePixelMap(input, map) != 0;
 }
 
 StepResult MapPixels(RunState& state) {
     PixelMap map = IdentityPixelMap();
-    ComposePixelMap(state, map);
+    ComposePixelMap(state.Known(), map);
     return ResultOf(ApplyPixelMap(map, *state.image));
 }
 

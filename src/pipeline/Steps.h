@@ -8,6 +8,7 @@
 
 namespace velloran {
 
+struct GateInput;
 struct RunState;
 
 /// Passes the image on as it is.
@@ -28,7 +29,7 @@ StepResult CropPage(RunState& state);
 StepResult AdjustLevels(RunState& state);
 
 /// Step 16: whether any stage of the tone table changes it.
-bool HasPixelMapping(const RunState& state);
+bool HasPixelMapping(const GateInput& input);
 /// Step 16: one table of all stages, applied once.
 StepResult MapPixels(RunState& state);
 

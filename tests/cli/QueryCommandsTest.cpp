@@ -48,13 +48,16 @@ TEST(Params, ListsAll134InOrder) {
     EXPECT_EQ(lines[133].substr(0, 26), "133\tJPG_PROGRESSIVE\t1\t0..1");
 }
 
-TEST(Params, JsonHasTheSevenKeys) {
+TEST(Params, JsonBeginsWithTheSevenKeys) {
     const Json all = Json::parse(RunProgram({"params", "--json"}).out);
     ASSERT_EQ(all.size(), 134U);
     const std::vector<std::string> keys = {"index", "name", "default", "min",
                                            "max",   "list", "meaning"};
-    for (const Json& row : all)
-        EXPECT_EQ(KeysOf(row), keys);
+    for (const Json& row : all) {
+        std::vector<std::string> first = KeysOf(row);
+        first.resize(keys.size());
+        EXPECT_EQ(first, keys);
+    }
     EXPECT_EQ(all[6]["name"], "PARA_QUALITY");
     EXPECT_EQ(all[6]["default"], 70);
     EXPECT_EQ(all[6]["min"], 10);
@@ -64,6 +67,32 @@ TEST(Params, JsonHasTheSevenKeys) {
     EXPECT_TRUE(all[96]["min"].is_null());
     EXPECT_EQ(all[48]["list"], Json({"(无)", "左旋", "右旋", "颠倒", "镜像", "翻转"}));
     EXPECT_FALSE(all[48]["meaning"].get<std::string>().empty());
+}
+
+TEST(Params, JsonTellsWhatValuesMean) {
+    const Json all = Json::parse(RunProgram({"params", "--json"}).out);
+    ASSERT_EQ(all.size(), 134U);
+    const Json& radius = all[47];
+    EXPECT_EQ(radius["name"], "PARA_USM_RADIUS");
+    EXPECT_EQ(radius["kind"], "number");
+    EXPECT_EQ(radius["tab"], "image");
+    EXPECT_EQ(radius["tabPlace"], 39);
+    EXPECT_EQ(radius["group"], "usm");
+    EXPECT_EQ(radius["unit"], "pixels");
+    EXPECT_EQ(radius["scale"], (Json{{"factor", 1}, {"offset", 0}, {"divisor", 10}}));
+    EXPECT_TRUE(radius["neutral"].is_null());
+    EXPECT_EQ(radius["enabledWhen"]["parameter"], "PARA_USM_TIMES");
+    EXPECT_EQ(radius["enabledWhen"]["values"], Json::parse("[[1, 2147483647]]"));
+    EXPECT_TRUE(radius["steps"].empty());
+    const Json& split = all[122];
+    EXPECT_EQ(split["kind"], "packed");
+    EXPECT_EQ(split["fields"][0]["name"], "kind");
+    EXPECT_EQ(split["fields"][0]["list"], Json({"无分页", "单页", "双页右翻", "双页左翻"}));
+    EXPECT_EQ(split["fields"][1]["shift"], 8);
+    EXPECT_EQ(all[74]["steps"], Json::parse(R"([{"step": 4, "from": 1, "to": 4}])"));
+    EXPECT_EQ(all[0]["neutral"], 100);
+    EXPECT_TRUE(all[12]["tab"].is_null());
+    EXPECT_EQ(all[12]["group"], "batch");
 }
 
 TEST(Info, TellsNineFieldsALine) {

@@ -70,6 +70,12 @@ struct Words {
         if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
             _exit(125);
     }
+    if (around.memoryLimit) {
+        const rlim_t bytes = static_cast<rlim_t>(*around.memoryLimit);
+        const rlimit limit{bytes, bytes};
+        if (setrlimit(RLIMIT_AS, &limit) != 0)
+            _exit(125);
+    }
     if (around.cpus > 0) {
         cpu_set_t all, some;
         CPU_ZERO(&some);

@@ -19,6 +19,7 @@ struct Surroundings {
     std::map<std::string, std::string> variables = {};  // beside those of the test
     bool asNobody = false;                              // without root's rights
     std::optional<long> fileSizeLimit = {};             // bytes a file may grow to
+    std::optional<long> memoryLimit = {};               // bytes of address space
     std::filesystem::path program = {};                 // empty: the one that was built
     bool outputFull = false;                            // standard output has no space
     std::string terminalAnswer = {};          // not empty: a terminal, on which this is typed

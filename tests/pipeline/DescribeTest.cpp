@@ -15,6 +15,12 @@ namespace {
 using Describer = void (*)(const ParaValues&, std::u16string&);
 using Values = std::vector<std::pair<int, std::int32_t>>;
 
+/// As the lines stand in the text of a block.
+void DescribeCropAndLayout(const ParaValues& values, std::u16string& text) {
+    DescribeCrop(values, text);
+    DescribeLayout(values, text);
+}
+
 std::string Lines(Describer describe, const Values& values) {
     CParaBlock block;
     for (const auto& [index, value] : values)

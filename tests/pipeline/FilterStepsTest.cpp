@@ -96,7 +96,7 @@ TEST(ResizeStep, AContentLargerOneWayAndSmallerTheOtherRunsNeither) {
         state.layout.contentWidth = width;
         state.layout.contentHeight = height;
         for (const int number : {13, 25})
-            EXPECT_FALSE(Steps()[static_cast<std::size_t>(number - 1)].runs(state))
+            EXPECT_FALSE(Steps()[static_cast<std::size_t>(number - 1)].runs(state.Known()))
                 << width << " x " << height;
     }
 }

@@ -34,7 +34,7 @@ void TakeSteps(RunState& state, int last) {
     for (const Step& step : Steps().first(static_cast<std::size_t>(last))) {
         if (step.before != nullptr)
             step.before(state);
-        if (step.runs(state))
+        if (step.runs(state.Known()))
             step.run(state);
     }
 }
