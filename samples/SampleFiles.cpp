@@ -5,9 +5,8 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "codecs/Jpeg.h"
-#include "codecs/Png.h"
-#include "codecs/Tiff.h"
+#include "codecs/Formats.h"
+#include "core/DibImage.h"
 #include "io/AtomicFile.h"
 #include "params/ParaBlock.h"
 #include "samples/Random.h"
@@ -23,17 +22,16 @@ namespace {
 
 void WriteImage(const std::filesystem::path& path, const std::string& format, int quality,
                 CDibImage& image) {
-    FileError error;
-    bool written = false;
-    if (format == "jpg")
-        written = SaveJpeg(path, image, nullptr, quality, image.GetXDpi(), CParaBlock(), &error);
-    else if (format == "png")
-        written = SavePng(path, image, image.GetXDpi(), /*grayTransparent=*/false, &error);
-    else if (format == "tif")
-        written = SaveTiff(path, image, TiffCompressionFor(image), image.GetXDpi(), &error);
-    else
+    const Format* row = FormatOfName("." + format);
+    if (row == nullptr || row->save == nullptr)
         throw std::invalid_argument("unknown format " + format);
-    if (!written)
+    SaveOptions options;
+    options.quality = quality;
+    options.dpi = image.GetXDpi();
+    options.jpeg = JpegRulesOf(CParaBlock());
+    FileError error;
+    AtomicFile file(path);
+    if (!file.Open(&error) || !row->save(file, image, options, &error) || !file.Commit(&error))
         ThrowUnwritten(path, error);
 }
 

@@ -14,7 +14,8 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "params/ParaBlock.h"
+#include "io/AtomicFile.h"
+#include "io/MemorySource.h"
 #include "support/Page.h"
 
 // An A4 page at 300 dpi, quality 85. Beside each stands the same work by plain calls of
@@ -98,9 +99,12 @@ BENCHMARK(FloorDecodePage)->Arg(8)->Arg(24)->Unit(benchmark::kMillisecond);
 void LoadJpegPage(benchmark::State& state) {
     CDibImage page = bench::ScannedPage(static_cast<int>(state.range(0)));
     const std::vector<std::uint8_t> file = PlainEncode(page);
-    for (auto _ : state)
-        if (!LoadJpegBytes(file, page, false, nullptr))
+    for (auto _ : state) {
+        MemorySource source(file);
+        LoadNotes notes;
+        if (!LoadJpeg(source, page, false, notes, nullptr))
             state.SkipWithError("load failed");
+    }
     SetBytes(state, page);
 }
 BENCHMARK(LoadJpegPage)->Arg(8)->Arg(24)->Unit(benchmark::kMillisecond);
@@ -115,14 +119,15 @@ BENCHMARK(FloorEncodePage)->Arg(8)->Arg(24)->Unit(benchmark::kMillisecond);
 
 void SaveJpegPage(benchmark::State& state) {
     CDibImage page = bench::ScannedPage(static_cast<int>(state.range(0)));
-    CParaBlock params;
-    params.SetPara(JPG_PROGRESSIVE, 0);
-    params.SetPara(JPG_OPTIMIZE, 0);
+    const JpegRules rules;
     const auto path = std::filesystem::temp_directory_path() /
                       ("velloran-bench-" + std::to_string(getpid()) + ".jpg");
-    for (auto _ : state)
-        if (!SaveJpeg(path, page, nullptr, kQuality, kDpi, params))
+    for (auto _ : state) {
+        AtomicFile file(path);
+        if (!file.Open(nullptr) || !SaveJpeg(file, page, nullptr, kQuality, kDpi, rules, nullptr) ||
+            !file.Commit(nullptr))
             state.SkipWithError("save failed");
+    }
     std::filesystem::remove(path);
     SetBytes(state, page);
 }

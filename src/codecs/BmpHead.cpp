@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/Rounding.h"
+#include "io/ByteSource.h"
 
 namespace velloran {
 namespace {
@@ -28,15 +29,22 @@ enum Compression : std::uint32_t {
 /// Little-endian reads; what lies behind the end is 0.
 class Reader {
  public:
-    explicit Reader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    explicit Reader(ByteSource& source) : source_(source) { source.ReadAt(0, first_); }
     std::uint32_t U16(std::size_t at) const { return Byte(at) | Byte(at + 1) << 8; }
     std::uint32_t U32(std::size_t at) const { return U16(at) | U16(at + 2) << 16; }
     std::int32_t S32(std::size_t at) const { return static_cast<std::int32_t>(U32(at)); }
-    std::size_t Size() const { return bytes_.size(); }
-    std::uint32_t Byte(std::size_t at) const { return at < bytes_.size() ? bytes_[at] : 0U; }
+    std::size_t Size() const { return static_cast<std::size_t>(source_.Size()); }
+    std::uint32_t Byte(std::size_t at) const {
+        if (at < first_.size())
+            return first_[at];
+        std::uint8_t byte = 0;  // few heads are that long
+        source_.ReadAt(at, {&byte, 1});
+        return byte;
+    }
 
  private:
-    std::span<const std::uint8_t> bytes_;
+    ByteSource& source_;
+    std::array<std::uint8_t, 2048> first_{};  // the longest usual head with its palette
 };
 
 /// The head as it lies in the file.
@@ -167,9 +175,9 @@ std::string ReadPalette(const Reader& file, const RawHead& raw, BmpHead& head) {
 
 }  // namespace
 
-std::string ReadBmpHead(std::span<const std::uint8_t> bytes, BmpHead& head) {
+std::string ReadBmpHead(ByteSource& source, BmpHead& head) {
     head = {};
-    const Reader file(bytes);
+    const Reader file(source);
     if (file.Size() < kFileHead + kOs2Head || file.Byte(0) != 'B' || file.Byte(1) != 'M')
         return "no BMP head";
     const RawHead raw = ReadRaw(file);
@@ -198,6 +206,12 @@ int BitsInMemory(const BmpHead& head) {
     if (head.bitsPerPixel == 2)
         return 4;
     return head.bitsPerPixel > 8 ? 24 : head.bitsPerPixel;
+}
+
+bool BmpHead::IsCutTo16Bits() const {
+    const bool is555 = red == BmpField{10, 5} && green == BmpField{5, 5} && blue == BmpField{0, 5};
+    const bool is565 = red == BmpField{11, 5} && green == BmpField{5, 6} && blue == BmpField{0, 5};
+    return bitsPerPixel == 16 && (is555 || is565);
 }
 
 bool BmpHead::IsIdentityGray() const {

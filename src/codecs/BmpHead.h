@@ -4,13 +4,14 @@
 
 #include <array>
 #include <cstdint>
-#include <span>
 #include <string>
 
 #include "codecs/ImageInfo.h"
 #include "core/BaseImage.h"
 
 namespace velloran {
+
+class ByteSource;
 
 /// One colour's bits in a 16- or 32-bit pixel.
 struct BmpField {
@@ -19,11 +20,17 @@ struct BmpField {
     std::uint32_t ValueOf(std::uint32_t pixel) const {
         return bits == 0 ? 0 : pixel >> shift & (0xFFFFFFFFU >> (32 - bits));
     }
-    /// The highest 8 bits; narrower fields are not stretched, so that what the 16-bit writer cut
-    /// comes back as it was cut.
-    std::uint8_t ByteOf(std::uint32_t pixel) const {
+    /// The highest 8 bits of the field.
+    std::uint8_t HighBits(std::uint32_t pixel) const {
         const std::uint32_t value = ValueOf(pixel);
         return static_cast<std::uint8_t>(bits > 8 ? value >> (bits - 8) : value << (8 - bits));
+    }
+    /// The field stretched to 0..255, rounded.
+    std::uint8_t Stretched(std::uint32_t pixel) const {
+        if (bits == 0)
+            return 0;
+        const std::uint64_t most = 0xFFFFFFFFU >> (32 - bits);
+        return static_cast<std::uint8_t>((ValueOf(pixel) * 255ULL + most / 2) / most);
     }
     bool operator==(const BmpField&) const = default;
 };
@@ -42,12 +49,14 @@ struct BmpHead {
     std::size_t pixelOffset = 0;  // within the file
 
     bool IsIdentityGray() const;
+    /// The channels are 565 or 555 as the 16-bit writer lays them.
+    bool IsCutTo16Bits() const;
 };
 
 /// Fills `head`. The text of the refusal, empty when the head is good: a wrong mark, a head or
 /// palette that the file does not hold whole, sizes outside the readers' limits, depths and codings
 /// that no page comes in (embedded JPEG and PNG, Huffman).
-std::string ReadBmpHead(std::span<const std::uint8_t> bytes, BmpHead& head);
+std::string ReadBmpHead(ByteSource& source, BmpHead& head);
 
 /// Bits per pixel in memory: 2 bits become 4, 16 and 32 bits become 24.
 int BitsInMemory(const BmpHead& head);

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
+#include <vector>
 
 #include "codecs/Bmp.h"
 #include "codecs/BmpHead.h"
@@ -57,15 +59,16 @@ void ConvertFields(const BmpHead& head, const std::uint8_t* from, std::uint8_t* 
     const int bytes = head.bitsPerPixel / 8;
     const bool wholeBytes = bytes == 4 && head.blue == BmpField{0, 8} &&
                             head.green == BmpField{8, 8} && head.red == BmpField{16, 8};
+    const bool cut = head.IsCutTo16Bits();
     for (int x = 0; x < head.width; ++x, to += 3) {
         if (wholeBytes) {
             std::memcpy(to, from + 4 * static_cast<std::ptrdiff_t>(x), 3);
             continue;
         }
         const std::uint32_t pixel = PixelAt(from, x, bytes);
-        to[0] = head.blue.ByteOf(pixel);
-        to[1] = head.green.ByteOf(pixel);
-        to[2] = head.red.ByteOf(pixel);
+        to[0] = cut ? head.blue.HighBits(pixel) : head.blue.Stretched(pixel);
+        to[1] = cut ? head.green.HighBits(pixel) : head.green.Stretched(pixel);
+        to[2] = cut ? head.red.HighBits(pixel) : head.red.Stretched(pixel);
     }
 }
 
@@ -83,94 +86,139 @@ std::uint8_t AlphaByte(const BmpField& field, std::uint32_t pixel) {
     return static_cast<std::uint8_t>(std::uint64_t{field.ValueOf(pixel)} * 255 / most);
 }
 
-/// A plane of zeros is a writer's that left the byte alone, and is no alpha.
-void ReadAlpha(const BmpHead& head, std::span<const std::uint8_t> pixels, int rows,
-               CDibImage& image) {
+/// True when any of the row's pixels can be seen.
+bool TakeAlphaRow(const BmpHead& head, const std::uint8_t* from, std::uint8_t* alpha) {
     const int bytes = head.bitsPerPixel / 8;
+    bool anyVisible = false;
+    for (int x = 0; x < head.width; ++x) {
+        alpha[x] = AlphaByte(head.alpha, PixelAt(from, x, bytes));
+        anyVisible |= alpha[x] != 0;
+    }
+    return anyVisible;
+}
+
+/// Count of whole rows in `bytes`; the padding of the last row is often left out.
+int WholeRows(const BmpHead& head, std::uint64_t bytes) {
     const std::size_t stride = FileStride(head);
-    if (!image.CreateAlpha())
+    const std::size_t padding = stride - UsedBytes(head.width, head.bitsPerPixel);
+    return static_cast<int>(std::min<std::uint64_t>(static_cast<std::uint64_t>(head.height),
+                                                    (bytes + padding) / stride));
+}
+
+/// Rows that lie in the file as they lie in the image go there at once.
+int ReadRowsAsTheyAre(const BmpHead& head, ByteSource& source, CDibImage& image) {
+    const std::size_t size = FileStride(head) * static_cast<std::size_t>(head.height);
+    return WholeRows(head, source.ReadAt(head.pixelOffset, {image.GetBits(0), size}));
+}
+
+/// Reads a few rows at a time. A plane of zeros is a writer's that left the byte alone, and is no
+/// alpha.
+int ReadRowsInStrips(const BmpHead& head, ByteSource& source, CDibImage& image) {
+    constexpr std::size_t kStripBytes = std::size_t{1} << 18;
+    const std::size_t stride = FileStride(head);
+    const int stripRows = static_cast<int>(
+        std::clamp<std::size_t>(kStripBytes / stride, 1, static_cast<std::size_t>(head.height)));
+    std::vector<std::uint8_t> strip(stride * static_cast<std::size_t>(stripRows));
+    const bool withAlpha = head.alpha.bits > 0;
+    if (withAlpha && !image.CreateAlpha())
         throw std::bad_alloc();
     bool anyVisible = false;
-    for (int y = 0; y < rows; ++y) {
-        const std::uint8_t* from = &pixels[stride * static_cast<std::size_t>(y)];
-        const int row = head.topDown ? head.height - 1 - y : y;
-        std::uint8_t* alpha = image.GetAlpha() + std::ptrdiff_t{row} * head.width;
-        for (int x = 0; x < head.width; ++x) {
-            alpha[x] = AlphaByte(head.alpha, PixelAt(from, x, bytes));
-            anyVisible |= alpha[x] != 0;
+    int done = 0;
+    while (done < head.height) {
+        const int wanted = std::min(stripRows, head.height - done);
+        const std::size_t size = stride * static_cast<std::size_t>(wanted);
+        const std::uint64_t place =
+            head.pixelOffset + std::uint64_t{stride} * static_cast<std::uint64_t>(done);
+        const int rows =
+            std::min(wanted, WholeRows(head, source.ReadAt(place, std::span(strip).first(size))));
+        for (int i = 0; i < rows; ++i, ++done) {
+            const std::uint8_t* from = strip.data() + stride * static_cast<std::size_t>(i);
+            ConvertRow(head, from, RowInFileOrder(head, image, done));
+            const int row = head.topDown ? head.height - 1 - done : done;
+            if (withAlpha)
+                anyVisible |=
+                    TakeAlphaRow(head, from, image.GetAlpha() + std::ptrdiff_t{row} * head.width);
         }
+        if (rows < wanted)
+            break;
     }
-    if (!anyVisible)
+    if (withAlpha && !anyVisible)
         image.DeleteAlpha();
+    return done;
 }
 
 /// Returns the count of rows that the file holds whole.
-int ReadPlainRows(const BmpHead& head, std::span<const std::uint8_t> pixels, CDibImage& image) {
-    const std::size_t stride = FileStride(head);
-    // The padding of the last row is often left out.
-    const std::size_t padding = stride - UsedBytes(head.width, head.bitsPerPixel);
-    const auto rows = static_cast<int>(std::min<std::size_t>(static_cast<std::size_t>(head.height),
-                                                             (pixels.size() + padding) / stride));
-    for (int y = 0; y < rows; ++y)
-        ConvertRow(head, &pixels[stride * static_cast<std::size_t>(y)],
-                   RowInFileOrder(head, image, y));
-    if (head.alpha.bits > 0 && rows > 0)
-        ReadAlpha(head, pixels, rows, image);
-    return rows;
+int ReadPlainRows(const BmpHead& head, ByteSource& source, CDibImage& image) {
+    const bool asTheyAre = !head.topDown && head.bitsPerPixel == image.GetBpp();
+    return asTheyAre ? ReadRowsAsTheyAre(head, source, image)
+                     : ReadRowsInStrips(head, source, image);
 }
 
-int ReadRleRows(const BmpHead& head, std::span<const std::uint8_t> codes, CDibImage& image) {
+int ReadRleRows(const BmpHead& head, ByteSource& source, CDibImage& image) {
+    const auto bytes = source.AllBytes(nullptr);
+    if (!bytes)
+        return 0;
     image.Clear(0);
-    return DecodeBmpRle(codes, head, image);
+    return DecodeBmpRle(bytes->subspan(std::min(head.pixelOffset, bytes->size())), head, image);
 }
 
-bool Load(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* error) {
-    BmpHead head;
-    if (std::string reason = ReadBmpHead(bytes, head); !reason.empty())
-        return FailContent(error, std::move(reason));
-    const auto pixels = bytes.subspan(std::min(head.pixelOffset, bytes.size()));
-    if (pixels.empty())
-        return FailContent(error, "no pixels");
-
+bool Decode(ByteSource& source, const BmpHead& head, CDibImage& page, LoadNotes& notes,
+            FileError* error) {
+    if (head.pixelOffset >= source.Size())
+        return FailDamaged(error, "no pixels");
     const std::int64_t rowBytes = EffectiveWidth(static_cast<std::uint64_t>(head.width),
                                                  static_cast<std::uint64_t>(BitsInMemory(head)));
-    if (!IsPlausibleSize(rowBytes * head.height, bytes.size(), kMaxRatio))
-        return FailContent(error, "picture too large for its file");
-
-    CDibImage loaded;
-    if (loaded.Create(head.width, head.height, BitsInMemory(head)) == nullptr)
-        throw std::bad_alloc();
-    std::copy_n(head.palette.begin(), loaded.GetPaletteCount(), loaded.GetPalette());
-    const int rows = head.coding == BmpCoding::kRle ? ReadRleRows(head, pixels, loaded)
-                                                    : ReadPlainRows(head, pixels, loaded);
+    if (!IsPlausibleSize(rowBytes * head.height, source.Size(), kMaxRatio))
+        return FailDamaged(error, "picture too large for its file");
+    if (!CreatePage(head.width, head.height, BitsInMemory(head), false, page, error))
+        return false;
+    std::copy_n(head.palette.begin(), page.GetPaletteCount(), page.GetPalette());
+    const int rows = head.coding == BmpCoding::kRle ? ReadRleRows(head, source, page)
+                                                    : ReadPlainRows(head, source, page);
     if (rows == 0)
-        return FailContent(error, "no whole row");
-    const std::uint8_t white = LightestByte(head, loaded.GetBpp());
+        return FailDamaged(error, "no whole row");
+    if (rows < head.height)
+        notes.NoteDamage("rows of the picture are missing");
+    const std::uint8_t white = LightestByte(head, page.GetBpp());
     for (int y = rows; y < head.height; ++y)
-        std::memset(RowInFileOrder(head, loaded, y), white, loaded.GetEffWidth());
-    HandOver(loaded, head.bitsPerPixel, head.xDpi, head.yDpi, image);
+        std::memset(RowInFileOrder(head, page, y), white, page.GetEffWidth());
     return true;
 }
 
+/// In the form that the shared frame of the readers takes.
+class BmpReader {
+ public:
+    explicit BmpReader(ByteSource& source) : source_(source) {}
+    bool ReadHead(FileError* error) {
+        std::string reason = ReadBmpHead(source_, head_);
+        return reason.empty() || FailDamaged(error, std::move(reason));
+    }
+    ImageInfo Info() const {
+        return {head_.width, head_.height, head_.bitsPerPixel,    head_.paletteCount,
+                head_.xDpi,  head_.yDpi,   head_.IsIdentityGray()};
+    }
+    int SourceBits() const { return head_.bitsPerPixel; }
+    bool ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
+        if (!Decode(source_, head_, page, notes, error))
+            return false;
+        page.SetXDpi(head_.xDpi);
+        page.SetYDpi(head_.yDpi);
+        return true;
+    }
+
+ private:
+    ByteSource& source_;
+    BmpHead head_;
+};
+
 }  // namespace
 
-bool LoadBmpBytes(std::span<const std::uint8_t> bytes, CDibImage& image, FileError* error) {
-    return FailWhenOutOfMemory(error, [&] { return Load(bytes, image, error); });
+bool LoadBmp(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error) {
+    return LoadWith<BmpReader>(source, image, notes, error);
 }
 
-bool LoadBmp(const std::filesystem::path& path, CDibImage& image, FileError* error) {
-    return LoadMapped(path, image, error, LoadBmpBytes);
-}
-
-bool ReadBmpInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error) {
-    return FailWhenOutOfMemory(error, [&] {
-        BmpHead head;
-        if (std::string reason = ReadBmpHead(bytes, head); !reason.empty())
-            return FailContent(error, std::move(reason));
-        info = {head.width, head.height, head.bitsPerPixel,    head.paletteCount,
-                head.xDpi,  head.yDpi,   head.IsIdentityGray()};
-        return true;
-    });
+bool ReadBmpInfo(ByteSource& source, ImageInfo& info, FileError* error) {
+    return InfoWith<BmpReader>(source, info, error);
 }
 
 }  // namespace velloran

@@ -5,9 +5,10 @@
 #include <vector>
 
 #include "codecs/Bmp.h"
+#include "codecs/EncodedPage.h"
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
-#include "io/AtomicFile.h"
+#include "io/ByteSink.h"
 
 namespace velloran {
 namespace {
@@ -20,10 +21,7 @@ constexpr std::size_t kBufferBytes = 1U << 18;
 /// Writes little-endian values and rows through one buffer.
 class BmpFile {
  public:
-    explicit BmpFile(const std::filesystem::path& path) : file_(path) {
-        buffer_.reserve(kBufferBytes);
-    }
-    bool Open(FileError* error) { return file_.Open(error); }
+    explicit BmpFile(ByteSink& sink) : sink_(sink) { buffer_.reserve(kBufferBytes); }
 
     void Put(std::uint32_t value, int bytes) {
         for (int i = 0; i < bytes; ++i)
@@ -40,17 +38,17 @@ class BmpFile {
         if (buffer_.size() >= kBufferBytes)
             Flush();
     }
-    bool Commit(FileError* error) {
+    bool Finish(FileError* error) {
         Flush();
-        return file_.Commit(error);  // tells of any failed write
+        return !sink_.HasFailed() || sink_.FailWrite(error);
     }
 
  private:
     void Flush() {
-        file_.Write(buffer_.data(), buffer_.size());
+        sink_.Write(buffer_.data(), buffer_.size());
         buffer_.clear();
     }
-    AtomicFile file_;
+    ByteSink& sink_;
     std::vector<std::uint8_t> buffer_;
 };
 
@@ -110,15 +108,11 @@ void PutRow(BmpFile& file, const CDibImage& image, int y) {
     file.PutBytes(kZeros.data(), stride - used);
 }
 
-bool Save(const std::filesystem::path& path, const CDibImage& image, FileError* error) {
-    if (!image.IsValid())
-        return FailContent(error, "empty image");
+bool Save(ByteSink& sink, const CDibImage& image, FileError* error) {
     HeadValues head = HeadOf(image, static_cast<std::uint32_t>(image.GetBpp()));
     head.behindHeads = image.GetPaletteSize();
     head.colorsUsed = static_cast<std::uint32_t>(image.GetPaletteCount());
-    BmpFile file(path);
-    if (!file.Open(error))
-        return false;
+    BmpFile file(sink);
     PutHeads(file, head);
     for (int i = 0; i < image.GetPaletteCount(); ++i) {
         const PaletteEntry& entry = image.GetPalette()[i];
@@ -128,7 +122,7 @@ bool Save(const std::filesystem::path& path, const CDibImage& image, FileError* 
         PutRow(file, image, y);
         file.FlushWhenFull();
     }
-    return file.Commit(error);
+    return file.Finish(error);
 }
 
 void PutRow16(BmpFile& file, const CDibImage& image, int y, bool is565) {
@@ -143,14 +137,13 @@ void PutRow16(BmpFile& file, const CDibImage& image, int y, bool is565) {
         file.Put(0, 2);
 }
 
-bool Save16(const std::filesystem::path& path, const CDibImage& image, bool is565,
-            FileError* error) {
+bool Save16(ByteSink& sink, const CDibImage& image, bool is565, FileError* error) {
     CDibImage widened;
     const CDibImage* pixels = &image;
     if (image.IsValid() && image.GetBpp() != 24) {
         widened = image;
         if (ConvertToRgb(widened) == 0)
-            return FailContent(error, "out of memory");
+            return FailNoMemory(error);
         pixels = &widened;
     }
     HeadValues head = HeadOf(*pixels, 16);
@@ -160,9 +153,7 @@ bool Save16(const std::filesystem::path& path, const CDibImage& image, bool is56
     } else {
         head.statedSize = 0;
     }
-    BmpFile file(path);
-    if (!file.Open(error))
-        return false;
+    BmpFile file(sink);
     PutHeads(file, head);
     if (is565)
         for (const std::uint32_t mask : kMasks565)
@@ -171,22 +162,19 @@ bool Save16(const std::filesystem::path& path, const CDibImage& image, bool is56
         PutRow16(file, *pixels, y, is565);
         file.FlushWhenFull();
     }
-    return file.Commit(error);
+    return file.Finish(error);
 }
 
 }  // namespace
 
-bool SaveBmp(const std::filesystem::path& path, const CDibImage& image, FileError* error) try {
-    return Save(path, image, error);
-} catch (const std::bad_alloc&) {
-    return FailContent(error, "out of memory");
+bool SaveBmp(ByteSink& sink, const CDibImage& image, FileError* error) {
+    return SaveWith(image, error, [&] { return Save(sink, image, error); });
 }
 
-bool SaveBmp16(const std::filesystem::path& path, const CDibImage& image, bool is565,
-               FileError* error) try {
-    return Save16(path, image, is565, error);
+bool SaveBmp16(ByteSink& sink, const CDibImage& image, bool is565, FileError* error) try {
+    return Save16(sink, image, is565, error);
 } catch (const std::bad_alloc&) {
-    return FailContent(error, "out of memory");
+    return FailNoMemory(error);
 }
 
 }  // namespace velloran

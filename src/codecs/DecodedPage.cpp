@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "core/IndexRows.h"
-#include "core/MappedFile.h"
 #include "core/PaletteSearch.h"
 
 namespace velloran {
@@ -31,19 +30,15 @@ bool IsOpaque(const CDibImage& page) {
 
 }  // namespace
 
-bool LoadMapped(const std::filesystem::path& path, CDibImage& image, FileError* error,
-                BytesLoader load) {
-    return FailWhenOutOfMemory(error, [&] {
-        MappedFile file;
-        return file.Open(path, error) && load(file.Bytes(), image, error);
-    });
+bool MayHandOver(const ByteSource& source, LoadNotes& notes) {
+    if (source.CameShort())
+        notes.NoteDamage("the file was cut short while it was read");
+    return !source.IsUnreadable();
 }
 
 bool CreatePage(int width, int height, int bpp, bool withAlpha, CDibImage& page, FileError* error) {
-    if (page.Create(width, height, bpp) == nullptr)
-        return FailContent(error, page.GetLastError());
-    if (withAlpha && !page.CreateAlpha())
-        return FailContent(error, "out of memory");
+    if (page.Create(width, height, bpp) == nullptr || (withAlpha && !page.CreateAlpha()))
+        return FailNoMemory(error);
     return true;
 }
 
@@ -92,6 +87,7 @@ void HandOver(CDibImage& page, int sourceBits, int xDpi, int yDpi, CDibImage& im
     image = std::move(page);
     image.Source().sourceColours = static_cast<std::uint32_t>(sourceBits);
     image.Source().sourceFlag = static_cast<std::uint32_t>(image.GetXDpi());
+    image.Source().jpegHead.reset();
 }
 
 int PlausibleDpi(double dpi) {
@@ -100,10 +96,11 @@ int PlausibleDpi(double dpi) {
     return static_cast<int>(dpi + 0.5);
 }
 
-bool IsPlausibleSize(std::int64_t decodedBytes, std::size_t fileBytes, std::int64_t maxRatio) {
-    constexpr std::int64_t kAlwaysAllowed = 64 << 20;
-    return decodedBytes <= kAlwaysAllowed ||
-           decodedBytes / (4 * maxRatio) <= static_cast<std::int64_t>(fileBytes);
+bool IsPlausibleSize(std::int64_t decodedBytes, std::uint64_t fileBytes, std::int64_t maxRatio,
+                     std::int64_t workBytes) {
+    constexpr std::int64_t kAlwaysAllowed = 16 << 20;
+    return std::max(decodedBytes, workBytes) <= kAlwaysAllowed ||
+           static_cast<std::uint64_t>(decodedBytes / (4 * maxRatio)) <= fileBytes;
 }
 
 }  // namespace velloran

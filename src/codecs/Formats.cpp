@@ -1,9 +1,15 @@
 #include "codecs/Formats.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
+#include "codecs/Bmp.h"
+#include "codecs/Gif.h"
+#include "codecs/Jpeg.h"
+#include "codecs/Png.h"
+#include "codecs/Tiff.h"
+#include "codecs/Webp.h"
+#include "core/DibImage.h"
 #include "text/Text.h"
 
 namespace velloran {
@@ -47,6 +53,53 @@ constexpr unsigned kAnyDepth = Format::kHoldsAll | Format::kReducedTarget | Form
 constexpr unsigned kPhoto =
     Format::kHoldsGray | Format::kHoldsColor | Format::kLossy | Format::kRenamed;
 
+// The codecs in the one form that the table holds.
+
+bool LoadJpegRow(ByteSource& source, const LoadOptions& options, CDibImage& image, LoadNotes& notes,
+                 FileError* error) {
+    return LoadJpeg(source, image, options.reverseCmyk, notes, error);
+}
+
+bool LoadUfoRow(ByteSource& source, const LoadOptions& options, CDibImage& image, LoadNotes& notes,
+                FileError* error) {
+    return LoadUfo(source, image, options.reverseCmyk, notes, error);
+}
+
+template <bool (*kLoad)(ByteSource&, CDibImage&, LoadNotes&, FileError*)>
+bool LoadRow(ByteSource& source, const LoadOptions&, CDibImage& image, LoadNotes& notes,
+             FileError* error) {
+    return kLoad(source, image, notes, error);
+}
+
+bool SaveJpegRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    return SaveJpeg(sink, image, options.jpegSource, options.quality, options.dpi, options.jpeg,
+                    error);
+}
+
+bool SaveBmpRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    image.SetXDpi(options.dpi);
+    image.SetYDpi(options.dpi);
+    if (options.colorIndex == kColorIndex565 || options.colorIndex == kColorIndex555)
+        return SaveBmp16(sink, image, /*is565=*/options.colorIndex == kColorIndex565, error);
+    return SaveBmp(sink, image, error);
+}
+
+bool SavePngRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    return SavePng(sink, image, options.dpi, options.transparentWhite, error);
+}
+
+bool SaveTiffRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    return SaveTiff(sink, image, TiffCompressionFor(image), options.dpi, error);
+}
+
+bool SaveGifRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    return SaveGif(sink, image, options.transparentWhite, options.cropGif, error);
+}
+
+bool SaveWebpRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    return SaveWebp(sink, image, options.quality, error);
+}
+
 /// Heads are tried in the order of the rows, so the weakest stands last.
 const Format kFormats[] = {
     {.id = kTypeJpeg,
@@ -54,6 +107,9 @@ const Format kFormats[] = {
      .filterName = u"JPEG",
      .extensions = kJpegExtensions,
      .heads = kJpegHeads,
+     .info = ReadJpegInfo,
+     .load = LoadJpegRow,
+     .save = SaveJpegRow,
      .target = TargetFormat::kJpeg,
      .firstSave = u"jpg",
      .traits = kPhoto | Format::kHoldsProfile},
@@ -62,6 +118,9 @@ const Format kFormats[] = {
      .filterName = u"GIF",
      .extensions = kGifExtensions,
      .heads = kGifHeads,
+     .info = ReadGifInfo,
+     .load = LoadRow<LoadGif>,
+     .save = SaveGifRow,
      .target = TargetFormat::kGif,
      .firstSave = u"gif",
      .traits = Format::kHoldsPalette | Format::kHoldsGray | Format::kReducedTarget |
@@ -70,12 +129,17 @@ const Format kFormats[] = {
      .name = "UFO",
      .filterName = u"UFO",
      .extensions = kUfoExtensions,
+     .info = ReadUfoInfo,
+     .load = LoadUfoRow,
      .traits = Format::kLossy},
     {.id = kTypeBmp,
      .name = "BMP",
      .filterName = u"BMP",
      .extensions = kBmpExtensions,
      .heads = kBmpHeads,
+     .info = ReadBmpInfo,
+     .load = LoadRow<LoadBmp>,
+     .save = SaveBmpRow,
      .target = TargetFormat::kBmp,
      .firstSave = u"bmp",
      .traits = kAnyDepth | Format::kHolds16Bit},
@@ -84,6 +148,9 @@ const Format kFormats[] = {
      .filterName = u"PNG",
      .extensions = kPngExtensions,
      .heads = kPngHeads,
+     .info = ReadPngInfo,
+     .load = LoadRow<LoadPng>,
+     .save = SavePngRow,
      .target = TargetFormat::kPng,
      .firstSave = u"png",
      .traits = kAnyDepth | Format::kHoldsAlpha | Format::kHoldsTransparent | Format::kHoldsProfile},
@@ -92,6 +159,9 @@ const Format kFormats[] = {
      .filterName = u"TIFF",
      .extensions = kTiffExtensions,
      .heads = kTiffHeads,
+     .info = ReadTiffInfo,
+     .load = LoadRow<LoadTiff>,
+     .save = SaveTiffRow,
      .target = TargetFormat::kTiff,
      .firstSave = u"tif",
      .traits = kAnyDepth | Format::kHoldsAlpha | Format::kHoldsProfile | Format::kSeveralPages},
@@ -114,6 +184,9 @@ const Format kFormats[] = {
      .filterName = u"Webp",
      .extensions = kWebpExtensions,
      .heads = kWebpHeads,
+     .info = ReadWebpInfo,
+     .load = LoadRow<LoadWebp>,
+     .save = SaveWebpRow,
      .target = TargetFormat::kWebp,
      .traits = kAnyDepth | Format::kLossy | Format::kHoldsAlpha | Format::kHoldsProfile |
                Format::kSeveralPages},

@@ -86,7 +86,7 @@ struct Format {
     FormatLoad load = nullptr;
     FormatSave save = nullptr;
     TargetFormat target = TargetFormat::kAuto;  // as which it is saved; kAuto: never
-    std::u16string_view firstSave = {};  // where a save dialog begins; empty: by the depth
+    std::u16string_view firstSave = {};         // where a save dialog begins; empty: by the depth
     enum Traits : unsigned {
         kHoldsPalette = 1,  // 1, 4 and 8 bits
         kHoldsGray = 2,

@@ -1,9 +1,10 @@
 #include "codecs/GifReader.h"
 
 #include <algorithm>
-#include <cstring>
+#include <span>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/Gif.h"
 #include "core/IndexRows.h"
 #include "core/PaletteSearch.h"
 
@@ -47,16 +48,12 @@ GifReader::~GifReader() {
 
 int GifReader::Read(GifFileType* gif, GifByteType* to, int count) {
     auto* reader = static_cast<GifReader*>(gif->UserData);
-    const std::size_t given = std::min(static_cast<std::size_t>(std::max(count, 0)),
-                                       reader->bytes_.size() - reader->position_);
-    std::memcpy(to, reader->bytes_.data() + reader->position_, given);
-    reader->position_ += given;
-    return static_cast<int>(given);
+    return static_cast<int>(reader->source_.Read(to, static_cast<std::size_t>(std::max(count, 0))));
 }
 
 bool GifReader::Fail(FileError* error) const {
     const char* text = GifErrorString(gif_ != nullptr ? gif_->Error : openError_);
-    return FailContent(error, text != nullptr ? text : "not a whole GIF picture");
+    return FailDamaged(error, text != nullptr ? text : "not a whole GIF picture");
 }
 
 bool GifReader::ReadHead(FileError* error) {
@@ -68,9 +65,9 @@ bool GifReader::ReadHead(FileError* error) {
     width_ = std::max<int>(gif_->SWidth, frame.Left + frame.Width);
     height_ = std::max<int>(gif_->SHeight, frame.Top + frame.Height);
     if (frame.Width < 1 || frame.Height < 1 || !IsAcceptableSize(width_, height_, 8))
-        return FailContent(error, "the picture has no acceptable size");
+        return FailContent(error, "the picture has no acceptable size", FileReason::kTooLarge);
     if (!TakePalette())
-        return FailContent(error, "the picture has no colour table");
+        return FailDamaged(error, "the picture has no colour table");
     return true;
 }
 
@@ -159,19 +156,61 @@ int GifReader::IndexOfColor(const PaletteEntry& color) {
     return NearestIndex(palette_, color);
 }
 
-bool GifReader::ReadPage(CDibImage& page, FileError* error) {
+bool GifReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
     const GifImageDesc& frame = gif_->Image;
-    if (!IsPlausibleSize(static_cast<std::int64_t>(width_) * height_, bytes_.size(), kLzwRatio))
-        return FailContent(error, "the file is too short for its picture");
+    if (!IsPlausibleSize(static_cast<std::int64_t>(width_) * height_, source_.End(), kLzwRatio))
+        return FailDamaged(error, "the file is too short for its picture");
     const bool covers = frame.Width == width_ && frame.Height == height_;
     const int around = covers ? 0 : IndexAround();
     if (!CreatePage(width_, height_, DepthFor(palette_.size()), false, page, error))
         return false;
     std::copy(palette_.begin(), palette_.end(), page.GetPalette());
     page.Fields().backgroundIndex = transparent_;
-    if (DecodeRows(page, static_cast<std::uint8_t>(around)) == 0)
+    pageBits_ = page.GetBpp();
+    page.SetXDpi(96);
+    page.SetYDpi(96);
+    const int rows = DecodeRows(page, static_cast<std::uint8_t>(around));
+    if (rows == 0)
         return Fail(error);
+    if (rows < frame.Height)
+        notes.NoteDamage("rows of the picture are missing");
+    else if (!CountPictures(notes.pictures))
+        notes.NoteDamage("the file breaks off behind its first picture");
     return true;
+}
+
+/// Skips sub-blocks up to the empty one that ends them.
+bool GifReader::SkipBlocks() {
+    std::uint8_t length = 0;
+    do {
+        if (source_.Read(&length, 1) != 1 || source_.Skip(length) != length)
+            return false;
+    } while (length != 0);
+    return true;
+}
+
+/// Walks over what follows the first picture, which giflib read to its last byte. False when the
+/// file ends without saying so.
+bool GifReader::CountPictures(int& pictures) {
+    constexpr std::uint8_t kExtension = 0x21, kPicture = 0x2C;
+    std::uint8_t kind = 0;
+    while (source_.Read(&kind, 1) == 1) {
+        std::uint8_t head[9];
+        if (kind == kExtension) {
+            if (source_.Read(head, 1) != 1 || !SkipBlocks())
+                return false;
+        } else if (kind == kPicture) {
+            if (source_.Read(head, 9) != 9)
+                return false;
+            const std::uint64_t table = (head[8] & 0x80) != 0 ? 6ULL << (head[8] & 7) : 0;
+            if (source_.Skip(table + 1) != table + 1 || !SkipBlocks())
+                return false;
+            ++pictures;
+        } else {
+            return true;  // the end mark, or what readers take for it
+        }
+    }
+    return false;
 }
 
 /// Returns the count of the frame's rows that the file holds whole; the others become white.
@@ -197,6 +236,14 @@ int GifReader::DecodeRows(CDibImage& page, std::uint8_t around) {
     for (std::size_t i = done; i < order.size(); ++i)
         PackIndexRow(line.data(), width_, page.GetBpp(), RowFromTop(page, frame.Top + order[i]));
     return static_cast<int>(done);
+}
+
+bool LoadGif(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error) {
+    return LoadWith<GifReader>(source, image, notes, error);
+}
+
+bool ReadGifInfo(ByteSource& source, ImageInfo& info, FileError* error) {
+    return InfoWith<GifReader>(source, info, error);
 }
 
 }  // namespace velloran

@@ -1,23 +1,24 @@
 #pragma once
 
-// Decodes the first picture of a GIF that lies in memory.
+// Decodes the first picture of a GIF.
 
 #include <gif_lib.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "codecs/ImageInfo.h"
+#include "codecs/LoadNotes.h"
 #include "core/DibImage.h"
 #include "io/FileError.h"
+#include "io/SourceReader.h"
 
 namespace velloran {
 
 class GifReader {
  public:
-    explicit GifReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    explicit GifReader(ByteSource& source) : source_(source) {}
     ~GifReader();
     GifReader(const GifReader&) = delete;
     GifReader& operator=(const GifReader&) = delete;
@@ -26,10 +27,12 @@ class GifReader {
     bool ReadHead(FileError* error);
 
     ImageInfo Info() const;
+    /// Depth of the page that ReadPage made.
+    int SourceBits() const { return pageBits_; }
 
     /// Decodes into an empty page of the screen's size; around a smaller frame lies the
     /// transparent colour or else the screen's background.
-    bool ReadPage(CDibImage& page, FileError* error);
+    bool ReadPage(CDibImage& page, LoadNotes& notes, FileError* error);
 
  private:
     static int Read(GifFileType* gif, GifByteType* to, int count);
@@ -39,14 +42,16 @@ class GifReader {
     int IndexAround();
     int IndexOfColor(const PaletteEntry& color);
     int DecodeRows(CDibImage& page, std::uint8_t around);
+    bool CountPictures(int& pictures);
+    bool SkipBlocks();
     bool Fail(FileError* error) const;
 
-    std::span<const std::uint8_t> bytes_;
-    std::size_t position_ = 0;
+    SourceReader source_;
     GifFileType* gif_ = nullptr;
     int openError_ = 0;
     int width_ = 0, height_ = 0;
     int transparent_ = -1;
+    int pageBits_ = 8;
     int fileEntries_ = 0;
     std::vector<PaletteEntry> palette_;
 };

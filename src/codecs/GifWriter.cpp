@@ -8,25 +8,18 @@
 #include <span>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/EncodedPage.h"
+#include "codecs/Gif.h"
 #include "codecs/GifPalette.h"
 #include "core/IndexRows.h"
-#include "io/AtomicFile.h"
+#include "io/ByteSink.h"
 
 namespace velloran {
 namespace {
 
-struct GifSink {
-    AtomicFile* file;
-    bool failed = false;
-};
-
 int WriteBytes(GifFileType* gif, const GifByteType* data, int count) {
-    auto* sink = static_cast<GifSink*>(gif->UserData);
-    if (!sink->file->Write(data, static_cast<std::size_t>(count))) {
-        sink->failed = true;
-        return 0;
-    }
-    return count;
+    auto* sink = static_cast<ByteSink*>(gif->UserData);
+    return sink->Write(data, static_cast<std::size_t>(count)) ? count : 0;
 }
 
 std::uint8_t* RowOf(GifPicture& picture, int y) {
@@ -50,6 +43,10 @@ void TakePaletteImage(const CDibImage& image, GifPicture& picture) {
     }
     for (std::uint8_t& index : picture.indices)
         index = renumbered[index];
+    const int background = image.Fields().backgroundIndex;
+    if (image.GetAlpha() == nullptr && background >= 0 && background < 256 &&
+        used[static_cast<std::size_t>(background)])
+        picture.transparent = renumbered[static_cast<std::size_t>(background)];
 }
 
 void TakeColorImage(const CDibImage& image, GifPicture& picture) {
@@ -60,6 +57,45 @@ void TakeColorImage(const CDibImage& image, GifPicture& picture) {
         std::uint8_t* row = RowOf(picture, y);
         for (int x = 0; x < picture.width; ++x, pixel += 3)
             row[x] = nearest.Of(pixel[0], pixel[1], pixel[2]);
+    }
+}
+
+/// Frees the last index of a full table: its pixels take the nearest other colour.
+void MergeNearestColors(GifPicture& picture) {
+    const std::vector<PaletteEntry> others(picture.colors.begin(), picture.colors.end() - 1);
+    const PaletteEntry last = picture.colors.back();
+    const auto index = static_cast<std::uint8_t>(picture.colors.size() - 1);
+    std::replace(picture.indices.begin(), picture.indices.end(), index,
+                 NearestEntry(others).Of(last.blue, last.green, last.red));
+    picture.colors.pop_back();
+}
+
+constexpr std::uint8_t kHalfOpaque = 128;
+
+bool HasClearPixels(const CDibImage& image) {
+    const std::uint8_t* alpha = image.GetAlpha();
+    if (alpha == nullptr)
+        return false;
+    const std::size_t count = static_cast<std::size_t>(image.GetWidth()) * image.GetHeight();
+    return std::any_of(alpha, alpha + count, [](std::uint8_t a) { return a < kHalfOpaque; });
+}
+
+/// Gives the clear pixels of the alpha plane an index of their own: a new one, or, of a full
+/// table, one whose colour moves to its nearest neighbour.
+void TakeAlpha(const CDibImage& image, GifPicture& picture) {
+    if (picture.transparent < 0) {
+        if (picture.colors.size() == 256)
+            MergeNearestColors(picture);
+        picture.transparent = static_cast<int>(picture.colors.size());
+        picture.colors.push_back({255, 255, 255, 0});
+    }
+    const auto clear = static_cast<std::uint8_t>(picture.transparent);
+    for (int y = 0; y < picture.height; ++y) {
+        const std::uint8_t* alpha = AlphaRowFromTop(image, y);
+        std::uint8_t* row = RowOf(picture, y);
+        for (int x = 0; x < picture.width; ++x)
+            if (alpha[x] < kHalfOpaque)
+                row[x] = clear;
     }
 }
 
@@ -96,7 +132,9 @@ bool PutPicture(GifFileType* gif, const GifPicture& picture, const GifFrame& fra
         return false;
     GraphicsControlBlock control{};
     control.DisposalMode = DISPOSE_DO_NOT;
-    control.TransparentColor = transparentBackground ? first : NO_TRANSPARENT_COLOR;
+    control.TransparentColor = transparentBackground      ? first
+                               : picture.transparent >= 0 ? picture.transparent
+                                                          : NO_TRANSPARENT_COLOR;
     std::array<GifByteType, 4> bytes{};
     const std::size_t size = EGifGCBToExtension(&control, bytes.data());
     if (EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, static_cast<int>(size), bytes.data()) !=
@@ -127,6 +165,8 @@ GifPicture MakeGifPicture(const CDibImage& image) {
         TakePaletteImage(image, picture);
     else
         TakeColorImage(image, picture);
+    if (HasClearPixels(image))
+        TakeAlpha(image, picture);
     return picture;
 }
 
@@ -155,14 +195,13 @@ GifFrame TightFrameOf(const GifPicture& picture) {
 }
 
 bool WriteGif(const GifPicture& picture, const GifFrame& frame, bool transparentBackground,
-              AtomicFile& file, FileError* error) {
+              ByteSink& sink, FileError* error) {
     const MapPointer map = MakeMap(picture.colors);
     std::vector<GifPixelType> line(static_cast<std::size_t>(frame.width));
-    GifSink sink{&file};
     int code = 0;
     GifFileType* gif = map != nullptr ? EGifOpen(&sink, WriteBytes, &code) : nullptr;
     if (gif == nullptr)
-        return FailContent(error, "out of memory");
+        return FailNoMemory(error);
     bool done = PutPicture(gif, picture, frame, transparentBackground, map.get(), line);
     code = gif->Error;
     int closeCode = 0;
@@ -170,12 +209,22 @@ bool WriteGif(const GifPicture& picture, const GifFrame& frame, bool transparent
         done = false;
         code = closeCode;
     }
-    if (done)
-        return true;
-    if (sink.failed)  // the file kept the reason and tells it now
-        return file.Commit(error);
     const char* text = GifErrorString(code);
-    return FailContent(error, text != nullptr ? text : "GIF coding failed");
+    return done || FailCoding(sink, error, text != nullptr ? text : "GIF coding failed");
+}
+
+bool SaveGif(ByteSink& sink, const CDibImage& image, bool transparentBackground, bool tightFrame,
+             FileError* error) {
+    return SaveWith(image, error, [&] {
+        constexpr int kMaxSide = 65535;
+        if (image.GetWidth() > kMaxSide || image.GetHeight() > kMaxSide)
+            return FailContent(error, "GIF holds at most 65535 pixels a side",
+                               FileReason::kTooLarge);
+        const GifPicture picture = MakeGifPicture(image);
+        const GifFrame frame =
+            tightFrame ? TightFrameOf(picture) : GifFrame{0, 0, picture.width, picture.height};
+        return WriteGif(picture, frame, transparentBackground, sink, error);
+    });
 }
 
 }  // namespace velloran

@@ -10,7 +10,7 @@
 
 namespace velloran {
 
-class AtomicFile;
+class ByteSink;
 class CDibImage;
 
 /// One byte a pixel, the top row first, with the colours that occur.
@@ -18,6 +18,7 @@ struct GifPicture {
     int width = 0, height = 0;
     std::vector<std::uint8_t> indices;
     std::vector<PaletteEntry> colors;
+    int transparent = -1;  // index of the image's own transparent pixels
 };
 
 struct GifFrame {
@@ -25,7 +26,8 @@ struct GifFrame {
     bool operator==(const GifFrame&) const = default;
 };
 
-/// Palette images list the indices in use in ascending order; 24-bit images get a palette.
+/// Palette images list the indices in use in ascending order; 24-bit images get a palette. Pixels
+/// of the transparent index, or less than half opaque by the alpha plane, share one index.
 GifPicture MakeGifPicture(const CDibImage& image);
 
 /// The smallest rectangle of pixels that differ from the top left one; 1 x 1 at the top left when
@@ -34,6 +36,6 @@ GifFrame TightFrameOf(const GifPicture& picture);
 
 /// Writes into the open file.
 bool WriteGif(const GifPicture& picture, const GifFrame& frame, bool transparentBackground,
-              AtomicFile& file, FileError* error);
+              ByteSink& sink, FileError* error);
 
 }  // namespace velloran

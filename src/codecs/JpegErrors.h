@@ -12,12 +12,16 @@
 #include <stdexcept>
 #include <string>
 
+#include "io/FileError.h"
+
 namespace velloran {
 
 /// What an error of libjpeg becomes; it never leaves the JPEG reader and writer.
 class CNewJPEGException : public std::runtime_error {
  public:
-    explicit CNewJPEGException(const std::string& message) : std::runtime_error(message) {}
+    explicit CNewJPEGException(const std::string& message, FileReason why = FileReason::kDamaged)
+        : std::runtime_error(message), reason(why) {}
+    FileReason reason;
 };
 
 /// Give `&errors.manager` to libjpeg as its error manager, after InstallJpegErrors.

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cerrno>
+#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -8,8 +10,8 @@
 #include "codecs/Jpeg.h"
 #include "codecs/JpegDecoder.h"
 #include "codecs/JpegExif.h"
+#include "codecs/JpegSource.h"
 #include "core/DibImage.h"
-#include "core/MappedFile.h"
 #include "core/Rounding.h"
 
 namespace velloran {
@@ -32,13 +34,14 @@ int BitsInMemory(const jpeg_decompress_struct& head) {
 /// A picture of nothing but paper, 4:1:0, holds about 1200 bytes in one of the file.
 constexpr std::int64_t kMaxRatio = 2000;
 
-void RequireSupported(const jpeg_decompress_struct& head, std::size_t fileBytes) {
+void RequireSupported(const jpeg_decompress_struct& head, std::uint64_t fileBytes) {
     if (head.num_components != 1 && head.num_components != 3 && head.num_components != 4)
-        throw CNewJPEGException("Unsupported count of components");
+        throw CNewJPEGException("Unsupported count of components", FileReason::kKindNotRead);
     if (!IsAcceptableSize(head.image_width, head.image_height, BitsInMemory(head)))
-        throw CNewJPEGException("Picture too large");
+        throw CNewJPEGException("Picture too large", FileReason::kTooLarge);
     const std::int64_t pixels = std::int64_t{head.image_width} * head.image_height;
-    if (!IsPlausibleSize(pixels * (BitsInMemory(head) / 8), fileBytes, kMaxRatio))
+    if (!IsPlausibleSize(pixels * (BitsInMemory(head) / 8), static_cast<std::size_t>(fileBytes),
+                         kMaxRatio))
         throw CNewJPEGException("Picture too large for its file");
 }
 
@@ -71,77 +74,109 @@ void DecodeCmyk(JpegDecoder& decoder, CDibImage& image, bool invert) {
     }
 }
 
-void Decode(std::span<const std::uint8_t> bytes, bool reverseCmyk, CDibImage& image) {
-    JpegDecoder decoder(bytes);
+/// What comes out of a source, before it is handed over.
+struct Decoded {
+    CDibImage page;
+    int components = 3;
+    PageDpi dpi;
+    std::shared_ptr<const JpegSourceHead> head;
+    LoadNotes notes;
+};
+
+void Decode(ByteSource& source, std::uint64_t limit, bool reverseCmyk, Decoded& decoded) {
+    JpegDecoder decoder(source, limit);
     decoder.ReadHead();
     const jpeg_decompress_struct& head = decoder.Head();
-    RequireSupported(head, bytes.size());
-    CDibImage decoded;
-    if (decoded.Create(static_cast<int>(head.image_width), static_cast<int>(head.image_height),
-                       BitsInMemory(head)) == nullptr)
+    RequireSupported(head, std::min(limit, source.Size()));
+    decoded.head = std::make_shared<const JpegSourceHead>(SourceHeadOf(head));
+    CDibImage& page = decoded.page;
+    if (page.Create(static_cast<int>(head.image_width), static_cast<int>(head.image_height),
+                    BitsInMemory(head)) == nullptr)
         throw std::bad_alloc();
     if (head.num_components == 1)
-        decoded.SetGrayPalette();
+        page.SetGrayPalette();
     if (head.num_components == 4)
-        DecodeCmyk(decoder, decoded, (head.saw_Adobe_marker != 0) != reverseCmyk);
+        DecodeCmyk(decoder, page, (head.saw_Adobe_marker != 0) != reverseCmyk);
     else
-        DecodePlain(decoder, decoded);
-    WhitenRows(decoded, decoder.RowsPresent());
+        DecodePlain(decoder, page);
+    WhitenRows(page, decoder.RowsPresent());
 
     const int headDpi = HeadDpi(head);
     const ExifFacts exif = ReadExifFacts(decoder.Exif());
-    const PageDpi dpi = ApplyExifResolution(exif, {headDpi, headDpi});
-    TurnUpright(decoded, exif.orientation);
-    HandOver(decoded, head.num_components * 8, dpi.x, dpi.y, image);
+    decoded.dpi = ApplyExifResolution(exif, {headDpi, headDpi});
+    decoded.components = head.num_components;
+    if (decoder.RowsPresent() < page.GetHeight())
+        decoded.notes.NoteDamage("rows of the picture are missing");
+    decoder.Finish();
+    if (decoder.Damage()[0] != '\0')
+        decoded.notes.NoteDamage(decoder.Damage());
+    TurnUpright(page, exif.orientation);
 }
 
 /// A file that ends inside a marker segment, behind some of its scans, shows what came before.
-void DecodeWhatIsWhole(std::span<const std::uint8_t> bytes, bool reverseCmyk, CDibImage& image) {
+void DecodeWhatIsWhole(ByteSource& source, bool reverseCmyk, Decoded& decoded) {
     try {
-        Decode(bytes, reverseCmyk, image);
+        Decode(source, source.Size(), reverseCmyk, decoded);
     } catch (const CNewJPEGException&) {
-        const std::size_t whole = LengthOfWholeSegments(bytes);
-        if (whole == bytes.size())
+        const auto bytes = source.AllBytes(nullptr);
+        const std::size_t whole = bytes ? LengthOfWholeSegments(*bytes) : 0;
+        if (!bytes || whole == bytes->size())
             throw;
-        Decode(bytes.first(whole), reverseCmyk, image);
+        decoded = {};
+        decoded.notes.NoteDamage("the file breaks off before its end");
+        Decode(source, whole, reverseCmyk, decoded);
     }
 }
 
 /// Runs a reader, which returns bool or throws, and turns what it throws into the reason.
 template <typename Work>
-bool ReportFailure(FileError* error, Work work) {
-    return FailWhenOutOfMemory(error, [&] {
+bool ReportFailure(ByteSource& source, FileError* error, Work work) {
+    return ReadFrom(source, error, [&](FileError* own) {
         try {
             return work();
         } catch (const CNewJPEGException& reason) {
-            return FailContent(error, reason.what());
+            return FailContent(own, reason.what(), reason.reason);
         }
     });
 }
 
-void RequireBytes(std::span<const std::uint8_t> bytes, std::size_t least) {
-    if (bytes.size() < least)
+void RequireBytes(const ByteSource& source, std::size_t least) {
+    if (source.Size() < least)
         throw CNewJPEGException("Too short for a JPEG file");
 }
 
-constexpr std::uint8_t kUfoHead[] = {0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x10, 'J', 'F', 'I', 'F'};
+/// A JPEG whose first bytes are not its own, with the usual ones in their place.
+class RepairedUfo : public ByteSource {
+ public:
+    explicit RepairedUfo(ByteSource& ufo) : ufo_(ufo) { SetSize(ufo.Size()); }
+    static constexpr std::uint8_t kHead[] = {0xFF, 0xD8, 0xFF, 0xE0, 0x00,
+                                             0x10, 'J',  'F',  'I',  'F'};
 
-std::vector<std::uint8_t> RepairedUfo(std::span<const std::uint8_t> bytes) {
-    RequireBytes(bytes, sizeof kUfoHead + 1);
-    std::vector<std::uint8_t> repaired(bytes.begin(), bytes.end());
-    std::copy(std::begin(kUfoHead), std::end(kUfoHead), repaired.begin());
-    return repaired;
-}
+ protected:
+    std::ptrdiff_t Read(std::uint64_t offset, std::uint8_t* to, std::size_t size) override {
+        const std::size_t came = ufo_.ReadAt(offset, {to, size});
+        if (came == 0 && ufo_.IsUnreadable()) {
+            errno = EIO;  // the source itself keeps the true one
+            return -1;
+        }
+        for (std::size_t i = 0; i < came && offset + i < sizeof kHead; ++i)
+            to[i] = kHead[offset + i];
+        return static_cast<std::ptrdiff_t>(came);
+    }
+
+ private:
+    ByteSource& ufo_;
+};
 
 int DpiOfImage(int dpi) {
     return dpi < 1 ? 96 : dpi;  // as an image would keep it
 }
 
-void ReadInfo(std::span<const std::uint8_t> bytes, ImageInfo& info) {
-    JpegDecoder decoder(bytes);
+void ReadInfo(ByteSource& source, ImageInfo& info) {
+    JpegDecoder decoder(source);
     decoder.ReadHead();
     const jpeg_decompress_struct& head = decoder.Head();
-    RequireSupported(head, bytes.size());
+    RequireSupported(head, source.Size());
     const ExifFacts exif = ReadExifFacts(decoder.Exif());
     const int headDpi = HeadDpi(head);
     const PageDpi dpi = ApplyExifResolution(exif, {headDpi, headDpi});
@@ -156,40 +191,43 @@ void ReadInfo(std::span<const std::uint8_t> bytes, ImageInfo& info) {
     info.grey = head.num_components == 1;
 }
 
+/// Decodes `source`, whose bytes come from `file`, and hands the page over.
+bool Load(ByteSource& source, const ByteSource& file, bool reverseCmyk, bool keepHead,
+          CDibImage& image, LoadNotes& notes) {
+    Decoded decoded;
+    DecodeWhatIsWhole(source, reverseCmyk, decoded);
+    if (!MayHandOver(file, decoded.notes))
+        return false;
+    HandOver(decoded.page, decoded.components * 8, decoded.dpi.x, decoded.dpi.y, image);
+    if (keepHead)
+        image.Source().jpegHead = std::move(decoded.head);
+    notes = std::move(decoded.notes);
+    return true;
+}
+
 }  // namespace
 
-bool LoadJpegBytes(std::span<const std::uint8_t> bytes, CDibImage& image, bool reverseCmyk,
-                   FileError* error) {
-    return ReportFailure(error, [&] {
-        RequireBytes(bytes, kLeastBytes);
-        DecodeWhatIsWhole(bytes, reverseCmyk, image);
-        return true;
-    });
-}
-
-bool LoadJpeg(const std::filesystem::path& path, CDibImage& image, bool reverseCmyk,
+bool LoadJpeg(ByteSource& source, CDibImage& image, bool reverseCmyk, LoadNotes& notes,
               FileError* error) {
-    return ReportFailure(error, [&] {
-        MappedFile file;
-        return file.Open(path, error) && LoadJpegBytes(file.Bytes(), image, reverseCmyk, error);
+    return ReportFailure(source, error, [&] {
+        RequireBytes(source, kLeastBytes);
+        return Load(source, source, reverseCmyk, /*keepHead=*/true, image, notes);
     });
 }
 
-bool LoadUfo(const std::filesystem::path& path, CDibImage& image, bool reverseCmyk,
+bool LoadUfo(ByteSource& source, CDibImage& image, bool reverseCmyk, LoadNotes& notes,
              FileError* error) {
-    return ReportFailure(error, [&] {
-        MappedFile file;
-        if (!file.Open(path, error))
-            return false;
-        DecodeWhatIsWhole(RepairedUfo(file.Bytes()), reverseCmyk, image);
-        return true;
+    return ReportFailure(source, error, [&] {
+        RequireBytes(source, sizeof RepairedUfo::kHead + 1);
+        RepairedUfo repaired(source);
+        return Load(repaired, source, reverseCmyk, /*keepHead=*/false, image, notes);
     });
 }
 
-bool ReadJpegHeader(std::span<const std::uint8_t> bytes, int& outBits, int& outDpi) {
-    return ReportFailure(nullptr, [&] {
-        RequireBytes(bytes, kLeastBytes);
-        JpegDecoder decoder(bytes);
+bool ReadJpegHeader(ByteSource& source, int& outBits, int& outDpi) {
+    return ReportFailure(source, nullptr, [&] {
+        RequireBytes(source, kLeastBytes);
+        JpegDecoder decoder(source);
         decoder.ReadHead();
         outBits = decoder.Head().num_components * 8;
         outDpi = HeadDpi(decoder.Head());
@@ -197,17 +235,19 @@ bool ReadJpegHeader(std::span<const std::uint8_t> bytes, int& outBits, int& outD
     });
 }
 
-bool ReadJpegInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error) {
-    return ReportFailure(error, [&] {
-        RequireBytes(bytes, kLeastBytes);
-        ReadInfo(bytes, info);
+bool ReadJpegInfo(ByteSource& source, ImageInfo& info, FileError* error) {
+    return ReportFailure(source, error, [&] {
+        RequireBytes(source, kLeastBytes);
+        ReadInfo(source, info);
         return true;
     });
 }
 
-bool ReadUfoInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error) {
-    return ReportFailure(error, [&] {
-        ReadInfo(RepairedUfo(bytes), info);
+bool ReadUfoInfo(ByteSource& source, ImageInfo& info, FileError* error) {
+    return ReportFailure(source, error, [&] {
+        RequireBytes(source, sizeof RepairedUfo::kHead + 1);
+        RepairedUfo repaired(source);
+        ReadInfo(repaired, info);
         return true;
     });
 }

@@ -3,18 +3,11 @@
 #include <algorithm>
 #include <span>
 
-#include "codecs/JpegDecoder.h"
+#include "codecs/JpegErrors.h"
 #include "core/DibImage.h"
-#include "core/MappedFile.h"
 
 namespace velloran {
 namespace {
-
-constexpr std::uint32_t kJpegFileType = 1;  // as the source record counts file types
-
-std::filesystem::path PathIfJpeg(const ImageSource& source) {
-    return source.sourceInfo == kJpegFileType ? source.sourceName : std::string();
-}
 
 /// The tables that a compressor starts with, to compare against.
 class UsualTables {
@@ -65,7 +58,9 @@ void CopyQuantTables(const jpeg_decompress_struct& head, JpegSourceHead& source)
     }
 }
 
-JpegSourceHead Extract(const jpeg_decompress_struct& head) {
+}  // namespace
+
+JpegSourceHead SourceHeadOf(const jpeg_decompress_struct& head) {
     JpegSourceHead source;
     CopyQuantTables(head, source);
     source.components = head.num_components;
@@ -73,32 +68,16 @@ JpegSourceHead Extract(const jpeg_decompress_struct& head) {
         source.sampling[static_cast<std::size_t>(i)] = {head.comp_info[i].h_samp_factor,
                                                         head.comp_info[i].v_samp_factor};
     source.progressive = head.progressive_mode != 0;
-    const UsualTables usual;
+    static const UsualTables usual;
     source.usualHuffmanTables = SameCodes(head.dc_huff_tbl_ptrs[0], usual.Dc()) &&
                                 SameCodes(head.ac_huff_tbl_ptrs[0], usual.Ac());
     return source;
 }
 
-}  // namespace
-
-std::filesystem::path JpegSourcePath(const CDibImage& image, const CDibImage* sourceImage) {
-    std::filesystem::path own = PathIfJpeg(image.Source());
-    if (!own.empty() || sourceImage == nullptr)
-        return own;
-    return PathIfJpeg(sourceImage->Source());
-}
-
-std::optional<JpegSourceHead> ReadJpegSourceHead(const std::filesystem::path& path) {
-    MappedFile file;
-    if (path.empty() || !file.Open(path))
-        return std::nullopt;
-    try {
-        JpegDecoder decoder(file.Bytes());
-        decoder.ReadHead();
-        return Extract(decoder.Head());
-    } catch (const CNewJPEGException&) {
-        return std::nullopt;
-    }
+const JpegSourceHead* JpegHeadFor(const CDibImage& image, const CDibImage* sourceImage) {
+    if (image.Source().jpegHead != nullptr || sourceImage == nullptr)
+        return image.Source().jpegHead.get();
+    return sourceImage->Source().jpegHead.get();
 }
 
 }  // namespace velloran

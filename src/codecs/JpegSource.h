@@ -4,13 +4,13 @@
 
 #include <array>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
+
+struct jpeg_decompress_struct;
 
 namespace velloran {
 
 class CDibImage;
-class CParaBlock;
 
 struct JpegSourceHead {
     using QuantTable = std::array<std::uint16_t, 64>;
@@ -25,12 +25,11 @@ struct JpegSourceHead {
     bool usualHuffmanTables = false;  // tables 0 are those of the standard's annex
 };
 
-/// The path that JPG_SRC_* mean: that of `image` when its file is a JPEG, else of `sourceImage`
-/// (may be null) under the same condition, else empty.
-std::filesystem::path JpegSourcePath(const CDibImage& image, const CDibImage* sourceImage);
+/// What a head that was read holds. Quantisation tables that hold a zero are damaged and left out.
+JpegSourceHead SourceHeadOf(const jpeg_decompress_struct& head);
 
-/// Nothing when the file cannot be opened or has no readable head. Quantisation tables that hold a
-/// zero are damaged and left out. Throws std::bad_alloc.
-std::optional<JpegSourceHead> ReadJpegSourceHead(const std::filesystem::path& path);
+/// The head that JPG_SRC_* mean: that of `image` when it came from a JPEG, else of `sourceImage`
+/// (may be null) under the same condition, else null.
+const JpegSourceHead* JpegHeadFor(const CDibImage& image, const CDibImage* sourceImage);
 
 }  // namespace velloran

@@ -1,39 +1,26 @@
 #include <algorithm>
-#include <array>
 #include <new>
-#include <optional>
 #include <vector>
 
+#include "codecs/EncodedPage.h"
 #include "codecs/Jpeg.h"
 #include "codecs/JpegErrors.h"
 #include "codecs/JpegSource.h"
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
-#include "io/AtomicFile.h"
-#include "params/ParaBlock.h"
+#include "io/ByteSink.h"
 
 namespace velloran {
 namespace {
 
-struct JpegOptions {
+struct JpegOptions : JpegRules {
     int quality = 0, dpi = 0;
-    int resampleType = 0, resampleH = 0, resampleV = 0;
-    int sourceSample = 0, sourceQuality = 0, sourceCode = 0;
-    int optimize = 0, progressive = 0;
 };
 
-JpegOptions OptionsOf(const CParaBlock& params, int quality, int dpi) {
-    const auto group = params.GetGroup(std::array{JPG_RESAMPLE_TYPE, JPG_RESAMPLE_H, JPG_RESAMPLE_V,
-                                                  JPG_SRC_SAMPLE, JPG_SRC_QUALITY, JPG_SRC_CODE,
-                                                  JPG_OPTIMIZE, JPG_PROGRESSIVE});
-    return {quality,  dpi,      group[0], group[1], group[2],
-            group[3], group[4], group[5], group[6], group[7]};
-}
-
-/// libjpeg's compressor writing into an AtomicFile.
+/// libjpeg's compressor writing into a sink.
 class JpegEncoder {
  public:
-    explicit JpegEncoder(AtomicFile& file) : file_(file) {
+    explicit JpegEncoder(ByteSink& sink) : sink_(sink) {
         InstallJpegErrors(errors_);
         jpeg_.err = &errors_.manager;
     }
@@ -44,9 +31,6 @@ class JpegEncoder {
     /// Throws CNewJPEGException, as Write does.
     void Prepare(const CDibImage& image, const JpegOptions& options, const JpegSourceHead* source);
     void Write(const CDibImage& image);
-
-    /// Whether the file, and not the picture, made it fail.
-    bool FileFailed() const { return fileFailed_; }
 
  private:
     static JpegEncoder& Of(j_compress_ptr jpeg) {
@@ -63,8 +47,7 @@ class JpegEncoder {
     bool CopySampling(const JpegSourceHead& source);
     void SetManualSampling(const JpegOptions& options);
 
-    AtomicFile& file_;
-    bool fileFailed_ = false;
+    ByteSink& sink_;
     JpegErrors errors_;
     jpeg_compress_struct jpeg_{};
     jpeg_destination_mgr destination_{};
@@ -87,9 +70,8 @@ void JpegEncoder::OnEnd(j_compress_ptr jpeg) {
 }
 
 void JpegEncoder::Flush(std::size_t count) {
-    if (file_.Write(buffer_.data(), count))
+    if (sink_.Write(buffer_.data(), count))
         return;
-    fileFailed_ = true;
     FailJpeg(reinterpret_cast<j_common_ptr>(&jpeg_), "Write failed");
 }
 
@@ -207,35 +189,16 @@ void JpegEncoder::Write(const CDibImage& image) {
     });
 }
 
-bool WriteJpeg(const std::filesystem::path& path, const CDibImage& image,
-               const JpegOptions& options, const JpegSourceHead* source, FileError* error) {
-    AtomicFile file(path);
-    if (!file.Open(error))
-        return false;
-    JpegEncoder encoder(file);
+bool Code(ByteSink& sink, const CDibImage& image, const JpegOptions& options,
+          const JpegSourceHead* source, FileError* error) {
+    JpegEncoder encoder(sink);
     try {
         encoder.Prepare(image, options, source);
         encoder.Write(image);
     } catch (const CNewJPEGException& reason) {
-        if (encoder.FileFailed())
-            file.Commit(error);  // refuses, and tells the system's reason
-        return FailContent(error, reason.what());
+        return FailCoding(sink, error, reason.what());
     }
-    return file.Commit(error);
-}
-
-bool NormalizeAndWrite(const std::filesystem::path& path, CDibImage& image,
-                       const CDibImage* sourceImage, const JpegOptions& options, FileError* error) {
-    if (!image.IsValid())
-        return FailContent(error, "empty image");
-    if (image.GetWidth() > JPEG_MAX_DIMENSION || image.GetHeight() > JPEG_MAX_DIMENSION)
-        return FailContent(error, "A JPEG is at most 65500 pixels wide and high");
-    if (EnsureGrayOrRgb(image) == 0)
-        return FailContent(error, "out of memory");
-    std::optional<JpegSourceHead> source;
-    if (options.sourceSample != 0 || options.sourceQuality != 0 || options.sourceCode != 0)
-        source = ReadJpegSourceHead(JpegSourcePath(image, sourceImage));
-    return WriteJpeg(path, image, options, source ? &*source : nullptr, error);
+    return true;
 }
 
 }  // namespace
@@ -249,11 +212,16 @@ LumaSampling AutomaticLumaSampling(int quality, int width, int height) {
     return width <= height ? LumaSampling{1, 2} : LumaSampling{2, 1};
 }
 
-bool SaveJpeg(const std::filesystem::path& path, CDibImage& image, const CDibImage* sourceImage,
-              int quality, int dpi, const CParaBlock& params, FileError* error) try {
-    return NormalizeAndWrite(path, image, sourceImage, OptionsOf(params, quality, dpi), error);
-} catch (const std::bad_alloc&) {
-    return FailContent(error, "out of memory");
+bool SaveJpeg(ByteSink& sink, CDibImage& image, const CDibImage* sourceImage, int quality, int dpi,
+              const JpegRules& rules, FileError* error) {
+    return SaveWith(image, error, [&] {
+        if (image.GetWidth() > JPEG_MAX_DIMENSION || image.GetHeight() > JPEG_MAX_DIMENSION)
+            return FailContent(error, "A JPEG is at most 65500 pixels wide and high",
+                               FileReason::kTooLarge);
+        if (EnsureGrayOrRgb(image) == 0)
+            return FailNoMemory(error);
+        return Code(sink, image, {rules, quality, dpi}, JpegHeadFor(image, sourceImage), error);
+    });
 }
 
 }  // namespace velloran

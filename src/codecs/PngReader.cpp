@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/Png.h"
 #include "core/IndexRows.h"
 
 namespace velloran {
@@ -32,15 +33,18 @@ void PngReader::Read(png_structp png, png_bytep to, std::size_t count) {
 // A pixel chunk that the end of the file cuts is told as long as what is there; libpng would
 // otherwise ask for a piece beyond the end and lose all of it.
 void PngReader::Deliver(std::uint8_t* to, std::size_t count) {
-    if (count > bytes_.size() - position_)
+    if (source_.Read(to, count) < count)
         png_error(png_, "the file breaks off");
-    std::memcpy(to, bytes_.data() + position_, count);
     if (position_ == nextChunk_ && count == 8) {
-        const std::size_t left = bytes_.size() - position_ - 8;
-        const std::size_t length = png_get_uint_32(to);
+        const std::uint64_t left = source_.End() - position_ - 8;
+        const std::uint64_t length = png_get_uint_32(to);
         if (length > left && std::memcmp(to + 4, "IDAT", 4) == 0)
             png_save_uint_32(to, static_cast<png_uint_32>(left));
+        if (std::memcmp(to + 4, "acTL", 4) == 0)
+            frameCountAt_ = position_ + 8;
         nextChunk_ = position_ + 12 + std::min(length, left);
+    } else if (position_ == frameCountAt_ && position_ != 0 && count >= 4) {
+        frames_ = static_cast<int>(std::clamp<png_uint_32>(png_get_uint_32(to), 1, 0x7FFFFFFF));
     }
     position_ += count;
 }
@@ -61,17 +65,17 @@ bool PngReader::ReadHead(FileError* error) {
     png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &message_, OnPngError, OnPngWarning);
     info_ = png_ != nullptr ? png_create_info_struct(png_) : nullptr;
     if (info_ == nullptr)
-        return FailContent(error, "out of memory");
+        return FailNoMemory(error);
     const bool done = RunGuarded(png_, [this] {
         SetUp();
         png_read_info(png_, info_);
         TakeHead();
     });
     if (!done)
-        return FailContent(error, message_.text);
+        return FailDamaged(error, message_.text);
     const int bits = form_ == Form::kBgra ? 32 : (form_ == Form::kGrayAlpha ? 16 : PageBits());
     if (!IsAcceptableSize(width_, height_, bits))
-        return FailContent(error, "the picture is too large");
+        return FailContent(error, "the picture is too large", FileReason::kTooLarge);
     return true;
 }
 
@@ -196,17 +200,18 @@ void PngReader::AskForTransforms() {
     rowBytes_ = png_get_rowbytes(png_, info_);
 }
 
-bool PngReader::ReadPage(CDibImage& page, FileError* error) {
+bool PngReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
     const std::int64_t decoded =
         (static_cast<std::int64_t>(width_) * bitDepth_ * channels_ + 7) / 8 * height_;
-    if (!IsPlausibleSize(decoded, bytes_.size(), kDeflateRatio))
-        return FailContent(error, "the file is too short for its picture");
+    if (!IsPlausibleSize(decoded, source_.End(), kDeflateRatio,
+                         std::int64_t{4} * width_ * height_ / 3))
+        return FailDamaged(error, "the file is too short for its picture");
     const bool withAlpha = form_ == Form::kGrayAlpha || form_ == Form::kBgra;
     if (!CreatePage(width_, height_, PageBits(), withAlpha, page, error))
         return false;
     FillPalette(page);
     if (!RunGuarded(png_, [this] { AskForTransforms(); }))
-        return FailContent(error, message_.text);
+        return FailDamaged(error, message_.text);
 
     // The passes of an interlaced picture meet in whole rows, so all of them are kept.
     PixelBuffer scratch;
@@ -214,12 +219,16 @@ bool PngReader::ReadPage(CDibImage& page, FileError* error) {
         scratch = MakePixelBuffer(rowBytes_ * static_cast<std::size_t>(interlaced_ ? height_ : 1));
     const bool whole = RunGuarded(png_, [&] { DecodeRows(page, scratch.get()); });
     if (rowsDone_ == 0)
-        return FailContent(error, message_.text);
+        return FailDamaged(error, message_.text);
     if (interlaced_ && scratch != nullptr)
         for (int y = 0; y < rowsDone_; ++y)
             ConvertRow(scratch.get() + static_cast<std::size_t>(y) * rowBytes_, page, y);
     if (!whole)
         WhitenRows(page, rowsDone_);
+    // The end of the pixels' data and of the file tells whether all of it is there.
+    if (!whole || !RunGuarded(png_, [this] { png_read_end(png_, nullptr); }))
+        notes.NoteDamage(message_.text);
+    notes.pictures = frames_;
     page.SetXDpi(xDpi_);
     page.SetYDpi(yDpi_);
     return true;
@@ -267,6 +276,14 @@ void PngReader::ConvertRow(const std::uint8_t* from, CDibImage& page, int y) con
         row[2] = from[2];
         alpha[x] = from[3];
     }
+}
+
+bool LoadPng(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error) {
+    return LoadWith<PngReader>(source, image, notes, error);
+}
+
+bool ReadPngInfo(ByteSource& source, ImageInfo& info, FileError* error) {
+    return InfoWith<PngReader>(source, info, error);
 }
 
 }  // namespace velloran

@@ -1,23 +1,24 @@
 #pragma once
 
-// Decodes a PNG that lies in memory.
+// Decodes a PNG.
 
 #include <png.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "codecs/ImageInfo.h"
+#include "codecs/LoadNotes.h"
 #include "codecs/PngGuard.h"
 #include "core/DibImage.h"
 #include "io/FileError.h"
+#include "io/SourceReader.h"
 
 namespace velloran {
 
 class PngReader {
  public:
-    explicit PngReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    explicit PngReader(ByteSource& source) : source_(source) {}
     ~PngReader();
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
@@ -30,7 +31,7 @@ class PngReader {
     int SourceBits() const;
 
     /// Decodes into an empty page.
-    bool ReadPage(CDibImage& page, FileError* error);
+    bool ReadPage(CDibImage& page, LoadNotes& notes, FileError* error);
 
  private:
     /// How decoded rows become the page's rows.
@@ -48,8 +49,10 @@ class PngReader {
     void DecodeRows(CDibImage& page, std::uint8_t* scratch);
     void ConvertRow(const std::uint8_t* from, CDibImage& page, int y) const;
 
-    std::span<const std::uint8_t> bytes_;
-    std::size_t position_ = 0, nextChunk_ = 8;
+    SourceReader source_;
+    std::uint64_t position_ = 0, nextChunk_ = 8;
+    std::uint64_t frameCountAt_ = 0;  // where an animation says how many frames it has; 0: none
+    int frames_ = 1;
     PngMessage message_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;

@@ -1,5 +1,3 @@
-#include "codecs/PngWriter.h"
-
 #include <png.h>
 #include <zlib.h>
 
@@ -9,10 +7,12 @@
 #include <vector>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/EncodedPage.h"
+#include "codecs/Png.h"
 #include "codecs/PngGuard.h"
 #include "core/DibImage.h"
 #include "core/IndexRows.h"
-#include "io/AtomicFile.h"
+#include "io/ByteSink.h"
 
 namespace velloran {
 namespace {
@@ -31,17 +31,9 @@ struct PngPlan {
     std::array<png_byte, 256> alpha{};
 };
 
-struct PngSink {
-    AtomicFile* file;
-    bool failed = false;
-};
-
 void WriteBytes(png_structp png, png_bytep data, std::size_t count) {
-    auto* sink = static_cast<PngSink*>(png_get_io_ptr(png));
-    if (!sink->file->Write(data, count)) {
-        sink->failed = true;
+    if (!static_cast<ByteSink*>(png_get_io_ptr(png))->Write(data, count))
         png_error(png, "write failed");
-    }
 }
 
 // The file is flushed once, when it is whole.
@@ -217,13 +209,10 @@ void WriteRows(png_structp png, png_infop info, const CDibImage& image, const Pn
     png_write_end(png, nullptr);
 }
 
-}  // namespace
-
-bool WritePng(const CDibImage& image, bool grayTransparent, AtomicFile& file, FileError* error) {
+bool Code(const CDibImage& image, bool grayTransparent, ByteSink& sink, FileError* error) {
     const PngPlan plan = PlanFor(image, grayTransparent);
     std::vector<std::uint8_t> scratch(static_cast<std::size_t>(image.GetWidth()) * 4);
     PngMessage message;
-    PngSink sink{&file};
     png_structp png =
         png_create_write_struct(PNG_LIBPNG_VER_STRING, &message, OnPngError, OnPngWarning);
     png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
@@ -231,14 +220,22 @@ bool WritePng(const CDibImage& image, bool grayTransparent, AtomicFile& file, Fi
     if (info != nullptr) {
         png_set_write_fn(png, &sink, WriteBytes, FlushNothing);
         done = RunGuarded(png, [&] { WriteRows(png, info, image, plan, scratch.data()); });
-    } else {
-        std::snprintf(message.text, sizeof message.text, "out of memory");
     }
+    const bool created = info != nullptr;
     png_destroy_write_struct(&png, &info);
-    if (done)
-        return true;
-    // The file kept the reason of a failed write and tells it now.
-    return sink.failed ? file.Commit(error) : FailContent(error, message.text);
+    if (!created)
+        return FailNoMemory(error);
+    return done || FailCoding(sink, error, message.text);
+}
+
+}  // namespace
+
+bool SavePng(ByteSink& sink, CDibImage& image, int dpi, bool grayTransparent, FileError* error) {
+    return SaveWith(image, error, [&] {
+        image.SetXDpi(dpi);
+        image.SetYDpi(dpi);
+        return Code(image, grayTransparent, sink, error);
+    });
 }
 
 }  // namespace velloran

@@ -102,8 +102,8 @@ std::int64_t TiffFormat::DecodedBytes() const {
 
 std::int64_t TiffFormat::MaxRatio() const {
     switch (compression) {
-        case COMPRESSION_NONE:
-            return 1;
+        case COMPRESSION_NONE:  // shrinks nothing, but files that break off early are read
+            return 16;
         case COMPRESSION_PACKBITS:
             return 64;
         case COMPRESSION_JPEG:
@@ -124,14 +124,15 @@ bool ReadTiffFormat(const TiffHandle& handle, TiffFormat& format, FileError* err
     const auto width = TiffField<std::uint32_t>(tiff, TIFFTAG_IMAGEWIDTH, 0);
     const auto height = TiffField<std::uint32_t>(tiff, TIFFTAG_IMAGELENGTH, 0);
     if (!IsAcceptableSize(width, height, 1))
-        return FailContent(error, "the picture has no acceptable size");
+        return FailContent(error, "the picture has no acceptable size", FileReason::kTooLarge);
     format.width = static_cast<int>(width);
     format.height = static_cast<int>(height);
     format.bits = TiffField<std::uint16_t>(tiff, TIFFTAG_BITSPERSAMPLE, 1);
     format.samples = TiffField<std::uint16_t>(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
     constexpr int kMaxSamples = 64;
     if (format.bits < 1 || format.bits > 64 || format.samples < 1 || format.samples > kMaxSamples)
-        return FailContent(error, "samples of this size or count are not read");
+        return FailContent(error, "samples of this size or count are not read",
+                           FileReason::kKindNotRead);
     format.compression = TiffField<std::uint16_t>(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
     format.photometric =
         TiffField<std::uint16_t>(tiff, TIFFTAG_PHOTOMETRIC, GuessPhotometric(format));
@@ -147,9 +148,9 @@ bool ReadTiffFormat(const TiffHandle& handle, TiffFormat& format, FileError* err
     format.kind = KindOf(tiff, format);
     char reason[1024] = "";
     if (format.kind == TiffFormat::Kind::kRgba && TIFFRGBAImageOK(tiff, reason) == 0)
-        return FailContent(error, reason);
+        return FailContent(error, reason, FileReason::kKindNotRead);
     if (!IsAcceptableSize(width, height, format.PageBits() + (format.alphaSample > 0 ? 8 : 0)))
-        return FailContent(error, "the picture is too large");
+        return FailContent(error, "the picture is too large", FileReason::kTooLarge);
     return true;
 }
 

@@ -1,12 +1,11 @@
 #include "codecs/TiffHandle.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 
-#include "io/AtomicFile.h"
+#include "io/ByteSink.h"
+#include "io/ByteSource.h"
 
 namespace velloran {
 namespace {
@@ -36,40 +35,29 @@ struct TiffHandle::Procedures {
 
     static tmsize_t Read(thandle_t client, void* to, tmsize_t count) {
         TiffHandle& handle = Of(client);
-        if (handle.file_ != nullptr)
-            return static_cast<tmsize_t>(
-                std::fread(to, 1, static_cast<std::size_t>(count), handle.file_->Stream()));
-        const std::uint64_t left =
-            handle.bytes_.size() - std::min<std::uint64_t>(handle.position_, handle.bytes_.size());
-        const std::size_t given = static_cast<std::size_t>(std::min<std::uint64_t>(
-            left, static_cast<std::uint64_t>(std::max<tmsize_t>(count, 0))));
-        std::memcpy(to, handle.bytes_.data() + (handle.bytes_.size() - left), given);
+        const auto wanted = static_cast<std::size_t>(std::max<tmsize_t>(count, 0));
+        if (handle.source_ == nullptr)
+            return static_cast<tmsize_t>(handle.sink_->Read(to, wanted));
+        const std::size_t given =
+            handle.source_->ReadAt(handle.position_, {static_cast<std::uint8_t*>(to), wanted});
+        handle.readBeyondEnd_ |= given < wanted;
         handle.position_ += given;
         return static_cast<tmsize_t>(given);
     }
 
     static tmsize_t Write(thandle_t client, void* from, tmsize_t count) {
-        TiffHandle& handle = Of(client);
-        if (handle.file_ == nullptr ||
-            !handle.file_->Write(from, static_cast<std::size_t>(count))) {
-            handle.NoteWriteFailure();
-            return -1;
-        }
-        return count;
+        ByteSink* sink = Of(client).sink_;
+        return sink != nullptr && sink->Write(from, static_cast<std::size_t>(count)) ? count : -1;
     }
 
     static toff_t Seek(thandle_t client, toff_t offset, int whence) {
         TiffHandle& handle = Of(client);
-        if (handle.file_ != nullptr) {
-            std::FILE* stream = handle.file_->Stream();
-            if (::fseeko(stream, static_cast<off_t>(offset), whence) != 0) {
-                handle.NoteWriteFailure();
-                return static_cast<toff_t>(-1);
-            }
-            return static_cast<toff_t>(::ftello(stream));
-        }
+        const std::uint64_t now =
+            handle.sink_ != nullptr ? handle.sink_->Position() : handle.position_;
         const std::uint64_t base =
-            whence == SEEK_CUR ? handle.position_ : (whence == SEEK_END ? handle.bytes_.size() : 0);
+            whence == SEEK_CUR ? now : (whence == SEEK_END ? Size(client) : 0);
+        if (handle.sink_ != nullptr)
+            return handle.sink_->Seek(base + offset) ? base + offset : static_cast<toff_t>(-1);
         handle.position_ = base + offset;
         return handle.position_;
     }
@@ -78,35 +66,19 @@ struct TiffHandle::Procedures {
 
     static toff_t Size(thandle_t client) {
         TiffHandle& handle = Of(client);
-        if (handle.file_ == nullptr)
-            return handle.bytes_.size();
-        std::FILE* stream = handle.file_->Stream();
-        const off_t at = ::ftello(stream);
-        if (::fseeko(stream, 0, SEEK_END) != 0)
-            return 0;
-        const off_t size = ::ftello(stream);
-        ::fseeko(stream, at, SEEK_SET);
-        return static_cast<toff_t>(std::max<off_t>(size, 0));
+        return handle.sink_ != nullptr ? handle.sink_->Size() : handle.source_->Size();
     }
 
-    static int Map(thandle_t client, void** base, toff_t* size) {
-        TiffHandle& handle = Of(client);
-        if (handle.file_ != nullptr)
-            return 0;
-        // libtiff only reads what it maps.
-        *base = const_cast<std::uint8_t*>(handle.bytes_.data());
-        *size = handle.bytes_.size();
-        return 1;
-    }
-
+    // Every byte goes through Read, which knows the end of the source.
+    static int Map(thandle_t, void**, toff_t*) { return 0; }
     static void Unmap(thandle_t, void*, toff_t) {}
 };
 
-TiffHandle::TiffHandle(std::span<const std::uint8_t> bytes) : bytes_(bytes) {
+TiffHandle::TiffHandle(ByteSource& source) : source_(&source) {
     Open("r");
 }
 
-TiffHandle::TiffHandle(AtomicFile& file) : file_(&file) {
+TiffHandle::TiffHandle(ByteSink& sink) : sink_(&sink) {
     Open("w");
 }
 
@@ -132,20 +104,8 @@ void TiffHandle::Close() {
     tiff_ = nullptr;
 }
 
-// Called inside libtiff, so it only keeps the number.
-void TiffHandle::NoteWriteFailure() {
-    if (!writeFailed_)
-        writeErrno_ = errno;
-    writeFailed_ = true;
-}
-
-bool TiffHandle::FailWrite(FileError* error) const {
-    errno = writeErrno_;
-    return FailErrno(error, "cannot write");
-}
-
 bool TiffHandle::Fail(FileError* error, const char* otherwise) const {
-    return FailContent(error, message_[0] != '\0' ? message_ : otherwise);
+    return FailDamaged(error, message_[0] != '\0' ? message_ : otherwise);
 }
 
 }  // namespace velloran

@@ -1,25 +1,25 @@
 #pragma once
 
-// A libtiff file over memory or over a file that is being written, with messages kept for the
+// A libtiff file over a source or a sink, with messages kept for the
 // caller instead of printed. Each handle has its own handlers, so threads do not meet.
 
 #include <tiffio.h>
 
 #include <cstdint>
-#include <span>
 
 #include "io/FileError.h"
 
 namespace velloran {
 
-class AtomicFile;
+class ByteSink;
+class ByteSource;
 
 class TiffHandle {
  public:
-    /// Opens the first page of a file in memory, which must outlive the handle.
-    explicit TiffHandle(std::span<const std::uint8_t> bytes);
-    /// Opens an open file for writing.
-    explicit TiffHandle(AtomicFile& file);
+    /// Opens the first page of a source, which must outlive the handle.
+    explicit TiffHandle(ByteSource& source);
+    /// Opens a sink for writing.
+    explicit TiffHandle(ByteSink& sink);
     ~TiffHandle();
     TiffHandle(const TiffHandle&) = delete;
     TiffHandle& operator=(const TiffHandle&) = delete;
@@ -28,22 +28,21 @@ class TiffHandle {
     TIFF* Get() const { return tiff_; }
     /// What libtiff complained of first, else `otherwise`. Always false.
     bool Fail(FileError* error, const char* otherwise) const;
-    bool WriteFailed() const { return writeFailed_; }
-    /// The system's reason of the first failed write. Always false.
-    bool FailWrite(FileError* error) const;
-    /// Closes a file that was written; what fails then counts as a failed write.
+    /// What libtiff complained of first; empty when it did not.
+    const char* Message() const { return message_; }
+    /// Whether bytes were asked for that lie behind the end of the source.
+    bool ReadBeyondEnd() const { return readBeyondEnd_; }
+    /// Closes a file that was written, which writes what is left.
     void Close();
 
  private:
     struct Procedures;
     void Open(const char* mode);
-    void NoteWriteFailure();
 
-    std::span<const std::uint8_t> bytes_;
-    AtomicFile* file_ = nullptr;
-    std::uint64_t position_ = 0;
-    bool writeFailed_ = false;
-    int writeErrno_ = 0;
+    ByteSource* source_ = nullptr;
+    ByteSink* sink_ = nullptr;
+    std::uint64_t position_ = 0;  // in the source
+    bool readBeyondEnd_ = false;
     char message_[200] = "";
     TIFF* tiff_ = nullptr;
 };

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/Tiff.h"
 #include "codecs/TiffBands.h"
+#include "codecs/TiffPages.h"
 #include "codecs/TiffRgba.h"
 #include "codecs/TiffSamples.h"
 
@@ -47,10 +49,10 @@ int TiffReader::SourceBits() const {
                : format_.bits * format_.samples;
 }
 
-bool TiffReader::ReadPage(CDibImage& page, FileError* error) {
-    if (!IsPlausibleSize(format_.DecodedBytes(), bytes_.size(), format_.MaxRatio()))
-        return FailContent(error, "the file is too short for its picture");
-    ShortenCutStrips();
+bool TiffReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
+    if (!IsPlausibleSize(format_.DecodedBytes(), source_.Size(), format_.MaxRatio()))
+        return FailDamaged(error, "the file is too short for its picture");
+    const bool cut = ShortenCutStrips();
     if (format_.photometric == PHOTOMETRIC_YCBCR && format_.kind == Kind::kRgb)
         TIFFSetField(handle_.Get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
     if (!CreatePage(format_.width, format_.height, format_.PageBits(), format_.alphaSample >= 0,
@@ -61,8 +63,14 @@ bool TiffReader::ReadPage(CDibImage& page, FileError* error) {
     if (done == 0)
         return handle_.Fail(error, "the picture cannot be decoded");
     WhitenRows(page, done);
+    if (done < format_.height)
+        notes.NoteDamage("rows of the picture are missing");
+    if (!CountTiffPages(source_, notes.pictures) || cut || handle_.ReadBeyondEnd())
+        notes.NoteDamage("the file breaks off before its end");
+    if (handle_.Message()[0] != '\0')
+        notes.NoteDamage(handle_.Message());
     if (!TurnUpright(page, format_.orientation))
-        return FailContent(error, "out of memory");
+        return FailNoMemory(error);
     const ImageInfo info = Info();
     page.SetXDpi(info.xDpi);
     page.SetYDpi(info.yDpi);
@@ -70,8 +78,9 @@ bool TiffReader::ReadPage(CDibImage& page, FileError* error) {
 }
 
 // libtiff gives nothing of a strip that reaches beyond the end of the file, and many pages are
-// one strip. Told that the strip ends with the file, it decodes as far as that goes.
-void TiffReader::ShortenCutStrips() {
+// one strip. Told that the strip ends with the file, it decodes as far as that goes. True when any
+// strip was cut.
+bool TiffReader::ShortenCutStrips() {
     TIFF* tiff = handle_.Get();
     const std::uint64_t* offsets = nullptr;
     const std::uint64_t* counts = nullptr;
@@ -80,13 +89,17 @@ void TiffReader::ShortenCutStrips() {
         TIFFGetField(tiff, format_.tiled ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS,
                      &counts) != 1 ||
         offsets == nullptr || counts == nullptr)
-        return;
+        return false;
     auto* lengths = const_cast<std::uint64_t*>(counts);  // libtiff's own, for this handle alone
     const std::uint32_t strips = format_.tiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
-    const std::uint64_t size = bytes_.size();
-    for (std::uint32_t i = 0; i < strips; ++i)
+    const std::uint64_t size = source_.Size();
+    bool cut = false;
+    for (std::uint32_t i = 0; i < strips; ++i) {
+        cut |= offsets[i] > size || lengths[i] > size - offsets[i];
         if (offsets[i] < size && lengths[i] > size - offsets[i])
             lengths[i] = size - offsets[i];
+    }
+    return cut;
 }
 
 void TiffReader::FillPalette(CDibImage& page) const {
@@ -111,9 +124,9 @@ void TiffReader::FillPalette(CDibImage& page) const {
     }
 }
 
-/// Scratch beside the page: as much as two pages, or 64 MiB.
+/// Scratch beside the page: as much as two pages, or 32 MiB.
 bool TiffReader::FitsBand(std::int64_t bytes) const {
-    constexpr std::int64_t kSmall = 64 << 20;
+    constexpr std::int64_t kSmall = 32 << 20;
     const std::int64_t pageBytes =
         std::max(format_.DecodedBytes(), std::int64_t{4} * format_.width * format_.height);
     return bytes > 0 && bytes <= kMaxImageBytes && bytes <= std::max(kSmall, 2 * pageBytes);
@@ -155,6 +168,14 @@ int TiffReader::ReadBands(TiffSamples& samples) {
             samples.Take(bands.Row(row), y);
     }
     return y;
+}
+
+bool LoadTiff(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error) {
+    return LoadWith<TiffReader>(source, image, notes, error);
+}
+
+bool ReadTiffInfo(ByteSource& source, ImageInfo& info, FileError* error) {
+    return InfoWith<TiffReader>(source, info, error);
 }
 
 }  // namespace velloran

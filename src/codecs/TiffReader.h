@@ -1,10 +1,10 @@
 #pragma once
 
-// Decodes the first page of a TIFF that lies in memory.
+// Decodes the first page of a TIFF.
 
 #include <cstdint>
-#include <span>
 
+#include "codecs/LoadNotes.h"
 #include "codecs/TiffFormat.h"
 #include "codecs/TiffHandle.h"
 #include "core/DibImage.h"
@@ -15,7 +15,7 @@ class TiffSamples;
 
 class TiffReader {
  public:
-    explicit TiffReader(std::span<const std::uint8_t> bytes) : bytes_(bytes), handle_(bytes) {}
+    explicit TiffReader(ByteSource& source) : source_(source), handle_(source) {}
 
     /// Reads the page's fields. Once, and first.
     bool ReadHead(FileError* error);
@@ -24,17 +24,17 @@ class TiffReader {
     int SourceBits() const;
 
     /// Decodes into an empty page and turns it upright.
-    bool ReadPage(CDibImage& page, FileError* error);
+    bool ReadPage(CDibImage& page, LoadNotes& notes, FileError* error);
 
  private:
-    void ShortenCutStrips();
+    bool ShortenCutStrips();
     void FillPalette(CDibImage& page) const;
     bool FitsBand(std::int64_t bytes) const;
     int DecodeRows(CDibImage& page);
     int ReadScanlines(TiffSamples& samples);
     int ReadBands(TiffSamples& samples);
 
-    std::span<const std::uint8_t> bytes_;
+    ByteSource& source_;
     TiffHandle handle_;
     TiffFormat format_;
 };

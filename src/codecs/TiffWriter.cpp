@@ -1,15 +1,15 @@
-#include "codecs/TiffWriter.h"
-
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <vector>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/EncodedPage.h"
+#include "codecs/Tiff.h"
 #include "codecs/TiffHandle.h"
 #include "core/DibImage.h"
 #include "core/IndexRows.h"
-#include "io/AtomicFile.h"
+#include "io/ByteSink.h"
 
 namespace velloran {
 namespace {
@@ -171,22 +171,37 @@ bool WritePage(TIFF* tiff, const CDibImage& image, const TiffPlan& plan) {
     return TIFFWriteDirectory(tiff) == 1;
 }
 
-}  // namespace
-
-bool WriteTiff(const CDibImage& image, TiffCompression compression, AtomicFile& file,
-               FileError* error) {
+bool Code(const CDibImage& image, TiffCompression compression, ByteSink& sink, FileError* error) {
     if (compression == TiffCompression::kGroup4 && image.GetBpp() != 1)
-        return FailContent(error, "Group 4 coding holds one bit a pixel");
+        return FailContent(error, "Group 4 coding holds one bit a pixel",
+                           FileReason::kKindNotWritten);
     const TiffPlan plan = PlanFor(image, compression);
     if (compression == TiffCompression::kJpeg &&
         (plan.bits != 8 || plan.photometric == PHOTOMETRIC_PALETTE))
-        return FailContent(error, "JPEG coding holds grey and colour only");
-    TiffHandle handle(file);
+        return FailContent(error, "JPEG coding holds grey and colour only",
+                           FileReason::kKindNotWritten);
+    TiffHandle handle(sink);
     const bool done = handle.Get() != nullptr && WritePage(handle.Get(), image, plan);
     handle.Close();
-    if (handle.WriteFailed())
-        return handle.FailWrite(error);
-    return done || handle.Fail(error, "TIFF coding failed");
+    if (sink.HasFailed())
+        return sink.FailWrite(error);
+    return done || FailContent(error, handle.Message()[0] != '\0' ? handle.Message()
+                                                                  : "TIFF coding failed");
+}
+
+}  // namespace
+
+TiffCompression TiffCompressionFor(const CDibImage& image) {
+    return image.IsBW() ? TiffCompression::kGroup4 : TiffCompression::kLzw;
+}
+
+bool SaveTiff(ByteSink& sink, CDibImage& image, TiffCompression compression, int dpi,
+              FileError* error) {
+    return SaveWith(image, error, [&] {
+        image.SetXDpi(dpi);
+        image.SetYDpi(dpi);
+        return Code(image, compression, sink, error);
+    });
 }
 
 }  // namespace velloran

@@ -1,11 +1,11 @@
 #include "codecs/WebpReader.h"
 
-#include <webp/decode.h>
 #include <webp/demux.h>
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "codecs/DecodedPage.h"
 #include "codecs/Webp.h"
@@ -20,31 +20,70 @@ struct DecoderDeleter {
     void operator()(WebPIDecoder* decoder) const { WebPIDelete(decoder); }
 };
 
-/// Where the picture data lies, and where it goes.
-struct Placement {
-    std::span<const std::uint8_t> data;
-    int left = 0, top = 0, width = 0, height = 0;
-    bool hasAlpha = false;
-};
+// A page of one colour costs a lossless file about a bit for a tile of 512 pixels; the lossy
+// coding spends at least a bit on a block of 256.
+constexpr std::int64_t kMaxRatio = 1 << 15;
 
-bool ReadFeatures(std::span<const std::uint8_t> bytes, WebPBitstreamFeatures& features,
-                  FileError* error) {
-    const VP8StatusCode status = WebPGetFeatures(bytes.data(), bytes.size(), &features);
+void ClearCanvas(CDibImage& page) {
+    WhitenRows(page, 0);
+    std::memset(page.GetAlpha(), 0, static_cast<std::size_t>(page.GetWidth()) * page.GetHeight());
+}
+
+/// Where the container says that the file ends, 0 without one.
+std::uint64_t StatedSize(std::span<const std::uint8_t> bytes) {
+    if (bytes.size() < 12 || std::memcmp(bytes.data(), "RIFF", 4) != 0)
+        return 0;
+    return 8 + (bytes[4] | std::uint64_t{bytes[5]} << 8 | std::uint64_t{bytes[6]} << 16 |
+                std::uint64_t{bytes[7]} << 24);
+}
+
+}  // namespace
+
+bool WebpReader::ReadHead(FileError* error) {
+    // Most heads lie in the first bytes; behind a large profile or alpha they do not.
+    std::vector<std::uint8_t> first(
+        static_cast<std::size_t>(std::min<std::uint64_t>(source_.Size(), 4096)));
+    first.resize(source_.ReadAt(0, first));
+    VP8StatusCode status = WebPGetFeatures(first.data(), first.size(), &features_);
+    if (status == VP8_STATUS_NOT_ENOUGH_DATA && first.size() < source_.Size()) {
+        const auto bytes = source_.AllBytes(error);
+        if (!bytes)
+            return false;
+        status = WebPGetFeatures(bytes->data(), bytes->size(), &features_);
+    }
     if (status != VP8_STATUS_OK)
-        return FailContent(error, "not a whole WebP head");
-    if (!IsAcceptableSize(features.width, features.height, features.has_alpha != 0 ? 32 : 24))
-        return FailContent(error, "the picture has no acceptable size");
+        return FailDamaged(error, "not a whole WebP head");
+    if (!IsAcceptableSize(features_.width, features_.height, SourceBits()))
+        return FailContent(error, "the picture has no acceptable size", FileReason::kTooLarge);
     return true;
 }
 
+ImageInfo WebpReader::Info() const {
+    ImageInfo info;
+    info.width = features_.width;
+    info.height = features_.height;
+    info.bitsPerPixel = SourceBits();
+    return info;
+}
+
+bool WebpReader::IsPlausible() const {
+    const std::int64_t decoded =
+        std::int64_t{features_.width} * features_.height * (SourceBits() / 8);
+    return IsPlausibleSize(decoded, static_cast<std::size_t>(source_.Size()), kMaxRatio);
+}
+
 /// The first frame of an animation, as far as it is there.
-bool FindFirstFrame(std::span<const std::uint8_t> bytes, Placement& frame, FileError* error) {
+bool WebpReader::FindFirstFrame(std::span<const std::uint8_t> bytes, Frame& frame, LoadNotes& notes,
+                                FileError* error) const {
     const WebPData data{bytes.data(), bytes.size()};
     WebPDemuxState state = WEBP_DEMUX_PARSE_ERROR;
     const std::unique_ptr<WebPDemuxer, DemuxDeleter> demuxer(WebPDemuxPartial(&data, &state));
     WebPIterator iterator{};
     if (demuxer == nullptr || WebPDemuxGetFrame(demuxer.get(), 1, &iterator) == 0)
-        return FailContent(error, "the animation has no whole frame");
+        return FailDamaged(error, "the animation has no whole frame");
+    notes.pictures = static_cast<int>(WebPDemuxGetI(demuxer.get(), WEBP_FF_FRAME_COUNT));
+    if (state != WEBP_DEMUX_DONE)
+        notes.NoteDamage("frames of the animation are missing");
     frame = {{iterator.fragment.bytes, iterator.fragment.size},
              iterator.x_offset,
              iterator.y_offset,
@@ -57,7 +96,8 @@ bool FindFirstFrame(std::span<const std::uint8_t> bytes, Placement& frame, FileE
 
 /// Decodes into rows `stride` bytes apart, downwards from `first`; returns the count of rows that
 /// came whole.
-int DecodeRows(const Placement& frame, WEBP_CSP_MODE mode, std::uint8_t* first, int stride) {
+int WebpReader::DecodeRows(const Frame& frame, WEBP_CSP_MODE mode, std::uint8_t* first,
+                           int stride) {
     WebPDecoderConfig config;
     if (WebPInitDecoderConfig(&config) == 0)
         return 0;
@@ -80,7 +120,8 @@ int DecodeRows(const Placement& frame, WEBP_CSP_MODE mode, std::uint8_t* first, 
 }
 
 /// Splits pixels of four bytes into the page and its alpha plane.
-void PlaceRows(const Placement& frame, const std::uint8_t* bgra, int rows, CDibImage& page) {
+void WebpReader::PlaceRows(const Frame& frame, const std::uint8_t* bgra, int rows,
+                           CDibImage& page) {
     for (int y = 0; y < rows; ++y) {
         std::uint8_t* row = RowFromTop(page, frame.top + y) + 3 * std::ptrdiff_t{frame.left};
         std::uint8_t* alpha = AlphaRowFromTop(page, frame.top + y) + frame.left;
@@ -91,7 +132,7 @@ void PlaceRows(const Placement& frame, const std::uint8_t* bgra, int rows, CDibI
     }
 }
 
-int DecodeWithAlpha(const Placement& frame, CDibImage& page) {
+int WebpReader::DecodeWithAlpha(const Frame& frame, CDibImage& page) {
     const std::size_t rowBytes = static_cast<std::size_t>(frame.width) * 4;
     const PixelBuffer scratch = MakePixelBuffer(rowBytes * static_cast<std::size_t>(frame.height));
     const int rows = DecodeRows(frame, MODE_BGRA, scratch.get(), static_cast<int>(rowBytes));
@@ -99,36 +140,20 @@ int DecodeWithAlpha(const Placement& frame, CDibImage& page) {
     return rows;
 }
 
-void ClearCanvas(CDibImage& page) {
-    WhitenRows(page, 0);
-    std::memset(page.GetAlpha(), 0, static_cast<std::size_t>(page.GetWidth()) * page.GetHeight());
-}
-
-}  // namespace
-
-bool ReadWebpInfo(std::span<const std::uint8_t> bytes, ImageInfo& info, FileError* error) {
-    WebPBitstreamFeatures features;
-    if (!ReadFeatures(bytes, features, error))
+bool WebpReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
+    if (!IsPlausible())
+        return FailDamaged(error, "the file is too short for its picture");
+    const auto bytes = source_.AllBytes(error);
+    if (!bytes)
         return false;
-    info = {};
-    info.width = features.width;
-    info.height = features.height;
-    info.bitsPerPixel = features.has_alpha != 0 ? 32 : 24;
-    return true;
-}
-
-bool ReadWebpPage(std::span<const std::uint8_t> bytes, CDibImage& page, FileError* error) {
-    WebPBitstreamFeatures features;
-    if (!ReadFeatures(bytes, features, error))
-        return false;
-    Placement frame{bytes, 0, 0, features.width, features.height, features.has_alpha != 0};
-    const bool animated = features.has_animation != 0;
-    if (animated && !FindFirstFrame(bytes, frame, error))
+    Frame frame{*bytes, 0, 0, features_.width, features_.height, features_.has_alpha != 0};
+    const bool animated = features_.has_animation != 0;
+    if (animated && !FindFirstFrame(*bytes, frame, notes, error))
         return false;
     if (frame.left < 0 || frame.top < 0 || frame.width < 1 || frame.height < 1 ||
-        frame.width > features.width - frame.left || frame.height > features.height - frame.top)
-        return FailContent(error, "the frame lies outside of its canvas");
-    if (!CreatePage(features.width, features.height, 24, frame.hasAlpha, page, error))
+        frame.width > features_.width - frame.left || frame.height > features_.height - frame.top)
+        return FailDamaged(error, "the frame lies outside of its canvas");
+    if (!CreatePage(features_.width, features_.height, 24, frame.hasAlpha, page, error))
         return false;
     if (animated)
         ClearCanvas(page);
@@ -136,10 +161,24 @@ bool ReadWebpPage(std::span<const std::uint8_t> bytes, CDibImage& page, FileErro
                                     : DecodeRows(frame, MODE_BGR, RowFromTop(page, 0),
                                                  -static_cast<int>(page.GetEffWidth()));
     if (rows == 0)
-        return FailContent(error, "the picture cannot be decoded");
-    if (rows < frame.height)
+        return FailDamaged(error, "the picture cannot be decoded");
+    if (rows < frame.height) {
         WhitenRows(page, frame.top + rows);
+        notes.NoteDamage("rows of the picture are missing");
+    }
+    if (StatedSize(*bytes) > bytes->size())
+        notes.NoteDamage("the file breaks off before its end");
+    page.SetXDpi(96);
+    page.SetYDpi(96);
     return true;
+}
+
+bool LoadWebp(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error) {
+    return LoadWith<WebpReader>(source, image, notes, error);
+}
+
+bool ReadWebpInfo(ByteSource& source, ImageInfo& info, FileError* error) {
+    return InfoWith<WebpReader>(source, info, error);
 }
 
 }  // namespace velloran

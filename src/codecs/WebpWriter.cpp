@@ -1,14 +1,14 @@
-#include "codecs/WebpWriter.h"
-
 #include <webp/encode.h>
 
 #include <algorithm>
 #include <vector>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/EncodedPage.h"
+#include "codecs/Webp.h"
 #include "core/DibImage.h"
 #include "core/IndexRows.h"
-#include "io/AtomicFile.h"
+#include "io/ByteSink.h"
 
 namespace velloran {
 namespace {
@@ -16,16 +16,8 @@ namespace {
 // Of 0..9: higher ones take several times as long for the last percents.
 constexpr int kLosslessLevel = 4;
 
-struct WebpSink {
-    AtomicFile* file;
-    bool failed = false;
-};
-
 int WriteBytes(const std::uint8_t* data, std::size_t count, const WebPPicture* picture) {
-    auto* sink = static_cast<WebpSink*>(picture->custom_ptr);
-    if (!sink->file->Write(data, count))
-        sink->failed = true;
-    return sink->failed ? 0 : 1;
+    return static_cast<ByteSink*>(picture->custom_ptr)->Write(data, count) ? 1 : 0;
 }
 
 bool Configure(bool lossless, int quality, WebPConfig& config) {
@@ -77,23 +69,21 @@ struct Picture {
     }
 };
 
-const char* TextOf(WebPEncodingError code) {
+bool FailEncoding(WebPEncodingError code, FileError* error) {
     switch (code) {
         case VP8_ENC_ERROR_OUT_OF_MEMORY:
         case VP8_ENC_ERROR_BITSTREAM_OUT_OF_MEMORY:
-            return "out of memory";
+            return FailNoMemory(error);
         case VP8_ENC_ERROR_PARTITION0_OVERFLOW:
         case VP8_ENC_ERROR_PARTITION_OVERFLOW:
         case VP8_ENC_ERROR_FILE_TOO_BIG:
-            return "the picture is too rich for WebP";
+            return FailContent(error, "the picture is too rich for WebP", FileReason::kTooLarge);
         default:
-            return "WebP coding failed";
+            return FailContent(error, "WebP coding failed");
     }
 }
 
-}  // namespace
-
-bool WriteWebp(const CDibImage& image, int quality, AtomicFile& file, FileError* error) {
+bool Code(const CDibImage& image, int quality, ByteSink& sink, FileError* error) {
     WebPConfig config;
     Picture holder;
     WebPPicture& picture = holder.picture;
@@ -103,19 +93,29 @@ bool WriteWebp(const CDibImage& image, int quality, AtomicFile& file, FileError*
     picture.width = image.GetWidth();
     picture.height = image.GetHeight();
     if (WebPPictureAlloc(&picture) == 0)
-        return FailContent(error, "out of memory");
+        return FailNoMemory(error);
     std::vector<std::uint8_t> indices(
         image.GetBpp() <= 8 ? static_cast<std::size_t>(image.GetWidth()) : 0);
     for (int y = 0; y < image.GetHeight(); ++y)
         PlaceRow(image, y, indices.data(),
                  picture.argb + static_cast<std::ptrdiff_t>(y) * picture.argb_stride);
-    WebpSink sink{&file};
     picture.writer = WriteBytes;
     picture.custom_ptr = &sink;
     if (WebPEncode(&config, &picture) != 0)
         return true;
-    // The file kept the reason of a failed write and tells it now.
-    return sink.failed ? file.Commit(error) : FailContent(error, TextOf(picture.error_code));
+    return sink.HasFailed() ? sink.FailWrite(error) : FailEncoding(picture.error_code, error);
+}
+
+}  // namespace
+
+bool SaveWebp(ByteSink& sink, const CDibImage& image, int quality, FileError* error) {
+    return SaveWith(image, error, [&] {
+        constexpr int kMaxSide = 16383;
+        if (image.GetWidth() > kMaxSide || image.GetHeight() > kMaxSide)
+            return FailContent(error, "WebP holds at most 16383 pixels a side",
+                               FileReason::kTooLarge);
+        return Code(image, quality, sink, error);
+    });
 }
 
 }  // namespace velloran

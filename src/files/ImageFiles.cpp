@@ -3,15 +3,11 @@
 #include <new>
 #include <string>
 
-#include "codecs/Bmp.h"
-#include "codecs/Gif.h"
-#include "codecs/Jpeg.h"
-#include "codecs/Png.h"
-#include "codecs/Tiff.h"
-#include "codecs/Webp.h"
+#include "codecs/LoadNotes.h"
 #include "core/DibImage.h"
-#include "core/MappedFile.h"
 #include "files/FileType.h"
+#include "io/AtomicFile.h"
+#include "io/FileSource.h"
 #include "params/ParaBlock.h"
 #include "text/Labels.h"
 #include "text/Text.h"
@@ -20,168 +16,104 @@ namespace velloran {
 
 namespace {
 
-/// Runs a reader or writer; memory that runs out outside a library's adapter is a failure too.
-template <typename Work>
-bool FailWhenOutOfMemory(FileError* error, Work&& work) {
-    try {
-        return work();
-    } catch (const std::bad_alloc&) {
-        return FailContent(error, "out of memory");
-    }
-}
-
-/// Pipes, devices and folders are told before any reader opens them.
-bool RefuseUnlessPlainFile(const std::filesystem::path& path, FileError* error) {
-    std::error_code code;
-    const std::filesystem::file_status status = std::filesystem::status(path, code);
-    if (std::filesystem::is_regular_file(status))
-        return true;
-    if (code)
-        return FailContent(error, "cannot read: " + code.message());
-    return FailContent(error, std::filesystem::is_directory(status)
-                                  ? "cannot read: is a folder"
-                                  : "cannot read: is no plain file");
-}
-
-/// The reason for a type that has no reader; a file that cannot even be opened says so instead.
-bool FailWithoutReader(const std::filesystem::path& path, int type, FileError* error) {
-    if (MappedFile file; !file.Open(path, error))
-        return FailContent(error, "cannot be opened");
+/// The reason for a type that has no reader.
+bool FailWithoutReader(int type, FileError* error) {
     if (type == kTypeUnknown)
-        return FailContent(error, "not a picture of a known type");
+        return FailContent(error, "not a picture of a known type", FileReason::kKindNotRead);
     return FailContent(error,
-                       "pictures of type " + std::string(FileTypeName(type)) + " cannot be read");
-}
-
-bool LoadByType(const std::filesystem::path& path, int type, CDibImage& image, FileError* error) {
-    switch (type) {
-        case kTypeJpeg:
-            return LoadJpeg(path, image, GlobalBlock().GetPara(PARA_REVERSE_CMYK) != 0, error);
-        case kTypeUfo:
-            return LoadUfo(path, image, GlobalBlock().GetPara(PARA_REVERSE_CMYK) != 0, error);
-        case kTypeGif:
-            return LoadGif(path, image, error);
-        case kTypeBmp:
-            return LoadBmp(path, image, error);
-        case kTypePng:
-            return LoadPng(path, image, error);
-        case kTypeTiff:
-            return LoadTiff(path, image, error);
-        case kTypeWebp:
-            return LoadWebp(path, image, error);
-        default:
-            return FailWithoutReader(path, type, error);
-    }
-}
-
-bool ReadInfoByType(const std::filesystem::path& path, int type, ImageInfo& info,
-                    FileError* error) {
-    using InfoReader = bool (*)(std::span<const std::uint8_t>, ImageInfo&, FileError*);
-    InfoReader reader = nullptr;
-    switch (type) {
-        case kTypeJpeg:
-            reader = ReadJpegInfo;
-            break;
-        case kTypeUfo:
-            reader = ReadUfoInfo;
-            break;
-        case kTypeGif:
-            reader = ReadGifInfo;
-            break;
-        case kTypeBmp:
-            reader = ReadBmpInfo;
-            break;
-        case kTypePng:
-            reader = ReadPngInfo;
-            break;
-        case kTypeTiff:
-            reader = ReadTiffInfo;
-            break;
-        case kTypeWebp:
-            reader = ReadWebpInfo;
-            break;
-        default:
-            return FailWithoutReader(path, type, error);
-    }
-    MappedFile file;
-    return file.Open(path, error) && reader(file.Bytes(), info, error);
-}
-
-bool SaveBmpAtDepth(const std::filesystem::path& path, CDibImage& image, int dpi, int colourIndex,
-                    FileError* error) {
-    image.SetXDpi(dpi);
-    image.SetYDpi(dpi);
-    if (colourIndex == kColorIndex565 || colourIndex == kColorIndex555)
-        return SaveBmp16(path, image, /*is565=*/colourIndex == kColorIndex565, error);
-    return SaveBmp(path, image, error);
+                       "pictures of type " + std::string(FileTypeName(type)) + " cannot be read",
+                       FileReason::kKindNotRead);
 }
 
 }  // namespace
 
+bool LoadImageFrom(ByteSource& source, const std::filesystem::path& name,
+                   const LoadOptions& options, CDibImage& image, LoadNotes& notes,
+                   FileError* error) try {
+    const int type = DetectFileType(source, name);
+    if (!source.FailWhenUnreadable(error))
+        return false;
+    const Format* format = FindFormat(type);
+    if (format == nullptr || format->load == nullptr)
+        return FailWithoutReader(type, error);
+    if (!format->load(source, options, image, notes, error))
+        return false;
+    if (!image.IsValid())
+        return FailContent(error, "no picture in the file", FileReason::kEmpty);
+    image.Source().sourceName = name;
+    image.Source().sourceInfo = static_cast<std::uint32_t>(type);
+    return true;
+} catch (const std::bad_alloc&) {  // the name's text
+    return FailNoMemory(error);
+}
+
 bool LoadImageFile(const std::filesystem::path& path, CDibImage& image, FileError* error,
-                   LoadNotes*) {
-    return FailWhenOutOfMemory(error, [&] {
-        if (!RefuseUnlessPlainFile(path, error))
-            return false;
-        const int type = DetectFileType(path, 1);
-        if (!LoadByType(path, type, image, error))
-            return false;
-        if (!image.IsValid())
-            return FailContent(error, "no picture in the file");
-        image.Source().sourceName = path;
-        image.Source().sourceInfo = static_cast<std::uint32_t>(type);
-        return true;
-    });
+                   LoadNotes* notes) {
+    LoadOptions options;
+    options.reverseCmyk = GlobalBlock().GetPara(PARA_REVERSE_CMYK) != 0;
+    LoadNotes own;
+    FileSource source;
+    return source.Open(path, error) &&
+           LoadImageFrom(source, path, options, image, notes != nullptr ? *notes : own, error);
 }
 
 bool ReadImageInfo(const std::filesystem::path& path, int& type, ImageInfo& info,
                    FileError* error) {
-    return FailWhenOutOfMemory(error, [&] {
-        type = DetectFileType(path, 1);
-        return RefuseUnlessPlainFile(path, error) && ReadInfoByType(path, type, info, error);
-    });
+    FileSource source;
+    if (!source.Open(path, error)) {
+        type = FileTypeOfExtension(path);
+        return false;
+    }
+    type = DetectFileType(source, path);
+    const Format* format = FindFormat(type);
+    if (!source.FailWhenUnreadable(error))
+        return false;
+    if (format == nullptr || format->info == nullptr)
+        return FailWithoutReader(type, error);
+    return format->info(source, info, error);
 }
 
 bool HasImageWriter(const std::filesystem::path& path) {
-    switch (FileTypeOfExtension(path)) {
-        case kTypeJpeg:
-        case kTypeGif:
-        case kTypeBmp:
-        case kTypePng:
-        case kTypeTiff:
-        case kTypeJp2:
-        case kTypeWebp:
-            return true;
-        default:
-            return false;
-    }
+    const Format* format = FormatOfName(path.extension().native());
+    return format != nullptr && format->IsSaveTarget();
+}
+
+bool SaveImageTo(ByteSink& sink, int type, CDibImage& image, const SaveOptions& options,
+                 FileError* error) {
+    const Format* format = FindFormat(type);
+    if (format == nullptr || !format->IsSaveTarget())
+        return FailContent(error, ToUtf8(labels::kUnwritableType), FileReason::kKindNotWritten);
+    if (format->save == nullptr)
+        return FailContent(error,
+                           "pictures of type " + std::string(format->name) + " cannot be written",
+                           FileReason::kKindNotWritten);
+    return format->save(sink, image, options, error);
 }
 
 bool SaveImageFile(const std::filesystem::path& path, CDibImage& image, int quality, int dpi,
                    int colourIndex, bool cropGif, const CParaBlock& block, FileError* error) {
+    SaveOptions options;
+    options.quality = quality;
+    options.dpi = dpi;
+    options.colorIndex = colourIndex;
+    options.cropGif = cropGif;
+    options.transparentWhite = block.GetPara(PARA_DECREASE_TRANSPARENT) != 0;
+    options.jpeg = JpegRulesOf(block);
+    return SaveImageAs(path, image, options, error);
+}
+
+bool SaveImageAs(const std::filesystem::path& path, CDibImage& image, const SaveOptions& options,
+                 FileError* error) try {
     if (!image.IsValid())
-        return FailContent(error, "no picture to write");
-    const bool transparent = block.GetPara(PARA_DECREASE_TRANSPARENT) != 0;
-    return FailWhenOutOfMemory(error, [&] {
-        switch (FileTypeOfExtension(path)) {
-            case kTypeJpeg:
-                return SaveJpeg(path, image, nullptr, quality, dpi, block, error);
-            case kTypeBmp:
-                return SaveBmpAtDepth(path, image, dpi, colourIndex, error);
-            case kTypePng:
-                return SavePng(path, image, dpi, transparent, error);
-            case kTypeTiff:
-                return SaveTiff(path, image, TiffCompressionFor(image), dpi, error);
-            case kTypeGif:
-                return SaveGif(path, image, transparent, cropGif, error);
-            case kTypeWebp:
-                return SaveWebp(path, image, quality, error);
-            case kTypeJp2:
-                return FailContent(error, "pictures of type JP2 cannot be written");
-            default:
-                return FailContent(error, ToUtf8(labels::kUnwritableType));
-        }
-    });
+        return FailContent(error, "no picture to write", FileReason::kEmpty);
+    const int type = FileTypeOfExtension(path);
+    const Format* format = FindFormat(type);
+    AtomicFile file(path);
+    if (format != nullptr && format->save != nullptr && !file.Open(error))
+        return false;
+    return SaveImageTo(file, type, image, options, error) && file.Commit(error);
+} catch (const std::bad_alloc&) {
+    return FailNoMemory(error);
 }
 
 }  // namespace velloran

@@ -38,7 +38,8 @@ bool KeepsAlpha(const std::filesystem::path& target, const CDibImage& image) {
     const int type = FileTypeOfExtension(target);
     const Format* format = FindFormat(type);
     // TIFF files of two levels have no room for it.
-    return format != nullptr && format->Has(Format::kHoldsAlpha) &&
+    constexpr unsigned kAnyKind = Format::kHoldsAlpha | Format::kHoldsTransparent;
+    return format != nullptr && (format->traits & kAnyKind) != 0 &&
            (type != kTypeTiff || image.GetBpp() >= 8);
 }
 

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
+#include <memory>
+#include <utility>
 
 #include "io/ByteSource.h"
 
@@ -13,63 +14,75 @@ namespace velloran {
 
 class SourceReader {
  public:
-    /// Reads up to `limit` bytes of the source, which must outlive this.
+    /// Reads up to `limit` bytes of the source, which must outlive this. Throws std::bad_alloc; all
+    /// that follow throw nothing, so that libraries in C may call them.
     explicit SourceReader(ByteSource& source, std::uint64_t limit = UINT64_MAX)
-        : source_(source), end_(std::min(limit, source.Size())) {}
+        : source_(source), end_(std::min(limit, source.Size())) {
+        if (source.InMemory().empty() && end_ > 0)
+            buffer_.reset(new std::uint8_t[Room()]);
+    }
 
     /// Where the reader ends at the latest.
     std::uint64_t End() const { return end_; }
     /// The place of the next byte.
-    std::uint64_t Position() const { return next_ - (window_.size() - taken_); }
+    std::uint64_t Position() const { return next_ - window_.size(); }
 
     /// The next bytes as they lie, at least one; empty at the end.
     std::span<const std::uint8_t> Take() {
-        if (taken_ == window_.size())
+        if (window_.empty())
             Fill();
-        const auto rest = window_.subspan(taken_);
-        taken_ = window_.size();
-        return rest;
+        return std::exchange(window_, {});
     }
 
     /// Copies the next bytes; fewer than `count` at the end.
     std::size_t Read(void* to, std::size_t count) {
         std::size_t done = 0;
         while (done < count) {
-            if (taken_ == window_.size())
+            if (window_.empty())
                 Fill();
-            const std::size_t part = std::min(count - done, window_.size() - taken_);
+            const std::size_t part = std::min(count - done, window_.size());
             if (part == 0)
                 break;
-            std::memcpy(static_cast<std::uint8_t*>(to) + done, window_.data() + taken_, part);
-            taken_ += part;
+            std::memcpy(static_cast<std::uint8_t*>(to) + done, window_.data(), part);
+            window_ = window_.subspan(part);
             done += part;
         }
         return done;
     }
 
-    /// Goes on at another place.
-    void SeekTo(std::uint64_t place) {
-        window_ = {};
-        taken_ = 0;
-        next_ = std::min(place, end_);
+    /// Passes over bytes; fewer than `count` at the end.
+    std::uint64_t Skip(std::uint64_t count) {
+        const std::uint64_t skipped = std::min(count, end_ - Position());
+        if (skipped <= window_.size()) {
+            window_ = window_.subspan(static_cast<std::size_t>(skipped));
+        } else {
+            next_ = Position() + skipped;
+            window_ = {};
+        }
+        return skipped;
     }
 
  private:
+    // Heads are short, and many files are asked for nothing else.
+    static constexpr std::size_t kFirst = std::size_t{1} << 14, kWindow = std::size_t{1} << 16;
+
+    std::size_t Room() const {
+        return static_cast<std::size_t>(std::min<std::uint64_t>(kWindow, end_));
+    }
+
     void Fill() {
         window_ = {};
-        taken_ = 0;
         if (next_ >= end_)
             return;
-        if (const auto all = source_.InMemory(); !all.empty()) {
-            window_ = all.subspan(static_cast<std::size_t>(next_),
-                                  static_cast<std::size_t>(end_ - next_));
+        if (buffer_ == nullptr) {
+            window_ = source_.InMemory().subspan(static_cast<std::size_t>(next_),
+                                                 static_cast<std::size_t>(end_ - next_));
         } else {
-            // Heads are short, and many files are asked for nothing else.
-            constexpr std::size_t kFirst = std::size_t{1} << 14, kWindow = std::size_t{1} << 17;
-            buffer_.resize(static_cast<std::size_t>(
-                std::min<std::uint64_t>(buffer_.empty() ? kFirst : kWindow, end_ - next_)));
-            window_ = std::span<const std::uint8_t>(buffer_).first(
-                source_.ReadAt(next_, std::span<std::uint8_t>(buffer_)));
+            const std::uint64_t wanted =
+                std::min<std::uint64_t>({next_ == 0 ? kFirst : kWindow, Room(), end_ - next_});
+            const std::size_t came =
+                source_.ReadAt(next_, {buffer_.get(), static_cast<std::size_t>(wanted)});
+            window_ = {buffer_.get(), came};
         }
         next_ += window_.size();
     }
@@ -77,8 +90,7 @@ class SourceReader {
     ByteSource& source_;
     std::uint64_t end_, next_ = 0;  // next_: behind the window
     std::span<const std::uint8_t> window_;
-    std::size_t taken_ = 0;
-    std::vector<std::uint8_t> buffer_;
+    std::unique_ptr<std::uint8_t[]> buffer_;
 };
 
 }  // namespace velloran

@@ -2,6 +2,7 @@
 
 #include "codecs/Bmp.h"
 #include "codecs/BmpFiles.h"
+#include "codecs/FileForms.h"
 #include "codecs/Mutations.h"
 #include "core/DibImage.h"
 #include "support/FailingAllocator.h"
@@ -139,6 +140,27 @@ TEST(BmpReader, MasksThatReachTheHighestBitOrAreMissingAreTaken) {
                                     .masks = {0xFF000000, 0, 0xFFFFFF},
                                     .pixels = Le(0x7B123456, 4)});
     EXPECT_EQ(PixelAt(image, 0, 0), (Rgb{0x7B, 0, 0x12}));
+}
+
+/// The colour of one pixel whose three masks are given.
+Rgb OddPixel(int bits, std::uint32_t red, std::uint32_t green, std::uint32_t blue,
+             std::uint32_t pixel) {
+    return PixelAt(Loaded({.width = 1,
+                           .bits = bits,
+                           .compression = 3,
+                           .masks = {red, green, blue},
+                           .pixels = Le(pixel, 4)}),
+                   0, 0);
+}
+
+TEST(BmpReader, NarrowFieldsOfOddMasksReachWhite) {
+    EXPECT_EQ(OddPixel(16, 0xF00, 0x0F0, 0x00F, 0xFFF), (Rgb{255, 255, 255}));
+    EXPECT_EQ(OddPixel(16, 0xF00, 0x0F0, 0x00F, 0x84F), (Rgb{136, 68, 255}));
+    EXPECT_EQ(OddPixel(16, 0x4, 0x2, 0x1, 0x5), (Rgb{255, 0, 255}));
+    EXPECT_EQ(OddPixel(16, 0xC0, 0x38, 0x07, 0x6D), (Rgb{85, 182, 182}));  // 1/3, 5/7, 5/7
+    EXPECT_EQ(OddPixel(32, 0x7F0000, 0x7F00, 0x7F, 0x7F4000), (Rgb{255, 129, 0}));
+    // 565 the other way round is none that the 16-bit writer cut.
+    EXPECT_EQ(OddPixel(16, 0x001F, 0x07E0, 0xF800, 0xFFFF), (Rgb{255, 255, 255}));
 }
 
 TEST(BmpReader, MasksWithHolesAreRefused) {

@@ -2,6 +2,7 @@
 
 #include "codecs/Bmp.h"
 #include "codecs/BmpFiles.h"
+#include "codecs/FileForms.h"
 #include "codecs/FullDisk.h"
 #include "core/DibImage.h"
 #include "support/FailingAllocator.h"

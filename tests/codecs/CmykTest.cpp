@@ -11,6 +11,7 @@
 #include <cmath>
 #include <random>
 
+#include "codecs/FileForms.h"
 #include "codecs/Jpeg.h"
 #include "codecs/Mutations.h"
 #include "codecs/PlainJpeg.h"

@@ -2,6 +2,7 @@
 
 #include "Mutations.h"
 #include "PlainGif.h"
+#include "codecs/FileForms.h"
 #include "codecs/Gif.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"

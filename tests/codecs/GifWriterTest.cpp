@@ -5,6 +5,7 @@
 
 #include "FullDisk.h"
 #include "PlainGif.h"
+#include "codecs/FileForms.h"
 #include "codecs/Gif.h"
 #include "codecs/GifPalette.h"
 #include "support/FailingAllocator.h"

@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <csetjmp>
+
+#include "codecs/FileForms.h"
 #include "codecs/Jpeg.h"
 #include "codecs/JpegDecoder.h"
 #include "codecs/Mutations.h"
@@ -260,6 +264,125 @@ TEST(JpegDamage, NoMutationCrashesOrHangs) {
             });
         }
     EXPECT_GT(shown, 100);  // or the damage would be too coarse to reach the decoder
+}
+
+/// Rows of `image` that are as in `whole`.
+int SameRows(const CDibImage& image, const CDibImage& whole) {
+    int rows = 0;
+    for (int y = 0; y < whole.GetHeight(); ++y)
+        rows += SameRow(image, whole, y) ? 1 : 0;
+    return rows;
+}
+
+/// What plain calls of the library make of a file, as far as they come.
+struct PlainRows {
+    jpeg_error_mgr errors;  // first, so that the hook finds the rest
+    std::jmp_buf jump;
+    test::PlainPicture picture;
+};
+
+void DecodeAsFarAsItGoes(const std::string& file, PlainRows& plain) {
+    jpeg_decompress_struct jpeg{};
+    jpeg.err = jpeg_std_error(&plain.errors);
+    plain.errors.output_message = [](j_common_ptr) {};
+    plain.errors.error_exit = [](j_common_ptr common) {
+        std::longjmp(reinterpret_cast<PlainRows*>(common->err)->jump, 1);
+    };
+    jpeg_create_decompress(&jpeg);
+    if (setjmp(plain.jump) == 0) {
+        jpeg_mem_src(&jpeg, BytesOf(file).data(), file.size());
+        jpeg_read_header(&jpeg, TRUE);
+        jpeg_start_decompress(&jpeg);
+        const std::size_t stride = std::size_t{jpeg.output_width} * jpeg.output_components;
+        while (jpeg.output_scanline < jpeg.output_height) {
+            JSAMPROW row = &plain.picture.samples[jpeg.output_scanline * stride];
+            jpeg_read_scanlines(&jpeg, &row, 1);
+        }
+    }
+    jpeg_destroy_decompress(&jpeg);
+}
+
+/// The same count of what plain calls of the library make of the file.
+int SamePlainRows(const std::string& file, const test::PlainPicture& whole) {
+    PlainRows plain;
+    plain.picture = whole;
+    std::fill(plain.picture.samples.begin(), plain.picture.samples.end(), std::uint8_t{128});
+    DecodeAsFarAsItGoes(file, plain);
+    const std::size_t stride = static_cast<std::size_t>(whole.width) * whole.channels;
+    int rows = 0;
+    for (std::size_t y = 0; y < static_cast<std::size_t>(whole.height); ++y)
+        rows += std::equal(&whole.samples[stride * y], &whole.samples[stride * y] + stride,
+                           &plain.picture.samples[stride * y])
+                    ? 1
+                    : 0;
+    return rows;
+}
+
+TEST(JpegDamage, OneBadByteKeepsTheRowsThatTheNextRestartTells) {
+    const std::uint8_t badBytes[] = {0x00, 0x37, 0x80, 0xC4, 0xD5, 0xD9, 0xE1, 0xFE, 0xFF};
+    int files = 0, keptBelow = 0;
+    for (const int channels : {1, 3})
+        for (const unsigned interval : {4U, 12U}) {
+            const std::string file = Coded(
+                channels, [=](jpeg_compress_struct& jpeg) { jpeg.restart_interval = interval; }, 96,
+                160);
+            const CDibImage whole = Loaded(file);
+            const test::PlainPicture plainWhole = test::DecodePlain(file);
+            const std::size_t start = test::StartOfScanData(file);
+            for (std::size_t at = start + 5; at + 2 < file.size(); at += file.size() / 13)
+                for (const std::uint8_t bad : badBytes)
+                    for (const bool behindFill : {false, true}) {
+                        std::string damaged = file;
+                        if (behindFill)  // makes a marker
+                            damaged[at - 1] = '\xFF';
+                        damaged[at] = static_cast<char>(bad);
+                        const CDibImage image = Loaded(damaged);
+                        const int rows = SameRows(image, whole);
+                        EXPECT_GE(rows, SamePlainRows(damaged, plainWhole) - 16)
+                            << "byte " << int{bad} << " at " << at << " of " << file.size();
+                        ++files;
+                        keptBelow += SameRow(image, whole, 159) ? 1 : 0;
+                    }
+        }
+    EXPECT_GT(keptBelow, files * 3 / 4);
+}
+
+TEST(JpegDamage, AMarkerThatDamageMadeDoesNotEndAFileOfOneScan) {
+    const std::string file =
+        Coded(1, [](jpeg_compress_struct& jpeg) { jpeg.restart_interval = 8; });
+    const CDibImage whole = Loaded(file);
+    const std::size_t restart = file.find("\xFF\xD2");
+    for (const char marker : {'\x37', '\xC4', '\xDA', '\xE0'}) {
+        std::string damaged = file;
+        damaged[restart + 5] = '\xFF';
+        damaged[restart + 6] = marker;
+        const CDibImage image = Loaded(damaged);
+        for (int y = 40; y < 96; ++y)
+            EXPECT_TRUE(SameRow(image, whole, y)) << int{marker} << " row " << y;
+    }
+}
+
+TEST(JpegDamage, ScansAreBoundedByTheSizeOfTheFile) {
+    // A large picture of which each scan says nothing.
+    const std::string file =
+        Coded(1, [](jpeg_compress_struct& jpeg) { jpeg_simple_progression(&jpeg); });
+    const std::size_t frame = file.find("\xFF\xC2");
+    ASSERT_NE(frame, std::string::npos);
+    const auto withScans = [&](char sideHigh, int scans) {
+        std::string made = file.substr(0, file.find("\xFF\xDA", test::StartOfScanData(file)));
+        for (const std::size_t side : {frame + 5, frame + 7}) {
+            made[side] = sideHigh;
+            made[side + 1] = 0;
+        }
+        for (int i = 0; i < scans; ++i)
+            made += std::string("\xFF\xDA\0\x08\x01\x01\0\x01\x05\0", 10);
+        return made + "\xFF\xD9";
+    };
+    CDibImage image;
+    FileError error, none;
+    EXPECT_FALSE(LoadJpegBytes(BytesOf(withScans(0x20, 30000)), image, false, &error));
+    EXPECT_EQ(error.detail, "Too many scans");
+    EXPECT_TRUE(LoadJpegBytes(BytesOf(withScans(0x10, 10)), image, false, &none)) << none.detail;
 }
 
 }  // namespace

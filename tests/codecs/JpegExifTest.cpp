@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "codecs/FileForms.h"
 #include "codecs/Jpeg.h"
 #include "codecs/Mutations.h"
 #include "codecs/PlainJpeg.h"

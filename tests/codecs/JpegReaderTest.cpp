@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "codecs/FileForms.h"
 #include "codecs/Jpeg.h"
 #include "codecs/Mutations.h"
 #include "codecs/PlainJpeg.h"
@@ -292,7 +293,7 @@ TEST(JpegReader, OutOfMemoryAnywhereIsAReason) {
             CDibImage image;
             FileError error;
             if (!Load(file, image, &error)) {
-                EXPECT_EQ(error.cause, FileError::Cause::kContent);
+                EXPECT_EQ(error.reason, FileReason::kNoMemory);
             }
         });
         EXPECT_GE(failures, 2);

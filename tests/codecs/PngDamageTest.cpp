@@ -7,6 +7,7 @@
 
 #include "Mutations.h"
 #include "PlainPng.h"
+#include "codecs/FileForms.h"
 #include "codecs/Png.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"

@@ -6,6 +6,7 @@
 
 #include "Mutations.h"
 #include "PlainPng.h"
+#include "codecs/FileForms.h"
 #include "codecs/Png.h"
 #include "support/Images.h"
 #include "support/SharedData.h"

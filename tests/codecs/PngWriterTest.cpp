@@ -3,6 +3,7 @@
 
 #include "FullDisk.h"
 #include "PlainPng.h"
+#include "codecs/FileForms.h"
 #include "codecs/Png.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"

@@ -6,6 +6,7 @@
 #include "Mutations.h"
 #include "PlainTiff.h"
 #include "codecs/Cmyk.h"
+#include "codecs/FileForms.h"
 #include "codecs/Tiff.h"
 #include "support/Images.h"
 #include "support/SharedData.h"

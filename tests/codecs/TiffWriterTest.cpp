@@ -2,6 +2,7 @@
 
 #include "FullDisk.h"
 #include "PlainTiff.h"
+#include "codecs/FileForms.h"
 #include "codecs/Tiff.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"

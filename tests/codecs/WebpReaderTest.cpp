@@ -6,6 +6,7 @@
 #include <random>
 
 #include "Mutations.h"
+#include "codecs/FileForms.h"
 #include "codecs/Webp.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"
@@ -256,6 +257,29 @@ TEST(WebpDamage, FailingAllocationsEndInFalse) {
             ++loaded;
     });
     EXPECT_GE(loaded, 1);
+}
+
+TEST(WebpDamage, ATinyAnimationOnAHugeCanvasIsRefused) {
+    std::string file =
+        Animation(Gradient(20, 10, true), 4, 4, Gradient(20, 10, false)).substr(0, 30);
+    ASSERT_EQ(file.substr(12, 4), "VP8X");
+    for (int i = 24; i < 30; ++i)  // sides of 24 bits, each less one
+        file[static_cast<std::size_t>(i)] = i % 3 == 0 ? '\xFF' : i % 3 == 1 ? '\x3F' : '\0';
+    file.resize(100);
+    CDibImage image;
+    FileError error;
+    EXPECT_FALSE(LoadWebpBytes(BytesOf(file), image, &error));
+    EXPECT_EQ(error.reason, FileReason::kDamaged);
+    EXPECT_EQ(error.detail, "the file is too short for its picture");
+}
+
+TEST(WebpReader, ABlankPageOfTheLargestScannersIsRead) {
+    // 600 dpi, A4, of one colour: about a hundred megabytes from a thousand bytes.
+    Pixels page = Gradient(4960, 7016, false);
+    std::fill(page.rgba.begin(), page.rgba.end(), std::uint8_t{255});
+    const CDibImage image = Loaded(Encode(page, true));
+    EXPECT_EQ(image.GetWidth(), 4960);
+    EXPECT_EQ(test::PixelAt(image, 4959, 7015), (Rgb{255, 255, 255}));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <webp/decode.h>
 
 #include "FullDisk.h"
+#include "codecs/FileForms.h"
 #include "codecs/Webp.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "codecs/Jpeg.h"
+#include "codecs/FileForms.h"
 #include "core/DibImage.h"
 #include "files/FileType.h"
 #include "params/ParaBlock.h"

@@ -5,8 +5,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "codecs/Png.h"
-#include "codecs/Tiff.h"
+#include "codecs/FileForms.h"
 #include "support/Images.h"
 #include "support/TempFolder.h"
 
