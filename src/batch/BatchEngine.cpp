@@ -335,7 +335,7 @@ class BatchRun {
             if (events_.failed)
                 events_.failed(whole);
         }
-        if (outcome.writeFailed)
+        if (failure.path != file.source)
             failure.source = file.source;
         Fail(std::move(failure), /*isTold=*/folder.empty());
     }

@@ -1,6 +1,7 @@
 #include "batch/ConvertFile.h"
 
 #include <exception>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@
 #include "files/LoadPage.h"
 #include "files/SavePage.h"
 #include "files/TargetNames.h"
+#include "io/FileSource.h"
 #include "params/Settings.h"
 #include "params/TargetRule.h"
 #include "text/Labels.h"
@@ -31,11 +33,25 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kLongestName = 255;  // bytes, on the file systems of the day
 
+/// A source, opened once: for what its head tells and for the load.
+struct BegunFile {
+    std::optional<struct stat> status;  // from before the read, which may move the access time
+    std::unique_ptr<FileSource> source = std::make_unique<FileSource>();
+    bool isOpen = false;
+    FileError error;
+};
+
+/// False, with the error of before.
+bool FailAs(const FileError& before, FileError& error) {
+    error = before;
+    return false;
+}
+
 /// The conversion of one file, step by step; each returns whether the next one follows.
 class Conversion {
  public:
-    Conversion(const ConvertRequest& request, const PlannedFile& file,
-               const std::optional<struct stat>& status, FileOutcome& outcome)
+    Conversion(const ConvertRequest& request, const PlannedFile& file, BegunFile& begun,
+               FileOutcome& outcome)
         : request_(request),
           file_(file),
           outcome_(outcome),
@@ -44,7 +60,7 @@ class Conversion {
                                [this](const CDibImage& image) {
                                    return KeepsAlpha("page" + ExtensionFor(image), image);
                                })),
-          status_(status) {}
+          begun_(begun) {}
 
     void Run() {
         if (IsStopped() || !Read() || StandsAlready())
@@ -78,11 +94,15 @@ class Conversion {
     bool Read() {
         Stage(labels::kStageRead);
         FileError error;
-        if (!LoadPage(file_.source, load_, page_, &error))
+        const bool isRead = begun_.isOpen
+                                ? LoadPage(*begun_.source, file_.source, load_, page_, &error)
+                                : FailAs(begun_.error, error);
+        begun_.source.reset();
+        if (!isRead)
             return Fail(file_.source,
                         error.reason == FileReason::kNoMemory ? kLogOutOfMemory : kLogReadFailed,
                         std::move(error));
-        outcome_.bytesIn = status_ ? static_cast<std::int64_t>(status_->st_size) : 0;
+        outcome_.bytesIn = begun_.status ? static_cast<std::int64_t>(begun_.status->st_size) : 0;
         outcome_.pictures = page_.notes.pictures;
         if (page_.notes.damaged)
             outcome_.damage = page_.notes.reason.empty() ? "damaged" : page_.notes.reason;
@@ -206,8 +226,8 @@ class Conversion {
     }
 
     void KeepTimes() {
-        if (request_.names.keepFileTime && keepTimes_ && status_)
-            outcome_.timesLost = !SetFileTimes(target_, *status_);
+        if (request_.names.keepFileTime && keepTimes_ && begun_.status)
+            outcome_.timesLost = !SetFileTimes(target_, *begun_.status);
     }
 
     const ConvertRequest& request_;
@@ -216,7 +236,7 @@ class Conversion {
     const Settings settings_;  // as they stand when the file begins
     const LoadPageRequest load_;
     LoadedPage page_;
-    std::optional<struct stat> status_;  // from before the read, which may move the access time
+    BegunFile& begun_;
     fs::path target_;
     bool keepTimes_ = true;
 };
@@ -237,19 +257,22 @@ FileOutcome FailedBy(const PlannedFile& file, int row, FileError::Cause cause, c
 }  // namespace
 
 PageWork BeginFile(const ConvertRequest& request, const PlannedFile& file) {
-    const std::optional<struct stat> status = ReadFileStatus(file.source);
+    auto begun = std::make_shared<BegunFile>();
     PageWork work;
-    if (!request.isAlone && !request.stop->load(std::memory_order_relaxed))
-        work.need = PageMemory(file.source, request.settings->Get());
-    work.run = [&request, &file, status] {
+    if (!request.stop->load(std::memory_order_relaxed)) {
+        begun->status = ReadFileStatus(file.source);
+        begun->isOpen = begun->source->Open(file.source, &begun->error);
+        if (begun->isOpen && !request.isAlone)
+            work.need = PageMemory(*begun->source, file.source, request.settings->Get());
+    }
+    work.run = [&request, &file, begun] {
         FileOutcome outcome;
         try {
-            Conversion(request, file, status, outcome).Run();
+            Conversion(request, file, *begun, outcome).Run();
         } catch (const std::bad_alloc&) {
             return FailedBy(file, kLogOutOfMemory, FileError::Cause::kStorage, "out of memory");
         } catch (const std::exception& failure) {
-            return FailedBy(file, kLogConversionFailed, FileError::Cause::kContent,
-                            failure.what());
+            return FailedBy(file, kLogConversionFailed, FileError::Cause::kContent, failure.what());
         }
         return outcome;
     };

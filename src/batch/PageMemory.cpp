@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
+#include "codecs/Formats.h"
 #include "codecs/ImageInfo.h"
-#include "files/FileCopy.h"
-#include "files/ImageFiles.h"
+#include "files/FileType.h"
+#include "io/ByteSource.h"
 #include "params/Settings.h"
 
 namespace velloran {
@@ -29,13 +30,13 @@ std::int64_t PageMemory(const ImageInfo& info, std::int64_t fileSize, const Sett
     return fileSize + enlarged * (WorksOnFloats(settings) ? kFloatCopies : kCopies);
 }
 
-std::int64_t PageMemory(const std::filesystem::path& file, const Settings& settings) {
-    int type = 0;
+std::int64_t PageMemory(ByteSource& source, const std::filesystem::path& name,
+                        const Settings& settings) {
     ImageInfo info;
-    if (!ReadImageInfo(file, type, info))
+    const Format* format = FindFormat(DetectFileType(source, name));
+    if (format == nullptr || format->info == nullptr || !format->info(source, info, nullptr))
         return 0;
-    const auto status = ReadFileStatus(file);
-    return PageMemory(info, status ? static_cast<std::int64_t>(status->st_size) : 0, settings);
+    return PageMemory(info, static_cast<std::int64_t>(source.Size()), settings);
 }
 
 }  // namespace velloran

@@ -7,6 +7,7 @@
 
 namespace velloran {
 
+class ByteSource;
 struct ImageInfo;
 struct Settings;
 
@@ -14,7 +15,8 @@ struct Settings;
 /// steps make of it.
 std::int64_t PageMemory(const ImageInfo& info, std::int64_t fileSize, const Settings& settings);
 
-/// The same for a file; 0 for one whose head cannot be read.
-std::int64_t PageMemory(const std::filesystem::path& file, const Settings& settings);
+/// The same for an open file; 0 for one whose head cannot be read.
+std::int64_t PageMemory(ByteSource& source, const std::filesystem::path& name,
+                        const Settings& settings);
 
 }  // namespace velloran

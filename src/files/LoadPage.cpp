@@ -3,8 +3,10 @@
 #include <new>
 #include <utility>
 
+#include "codecs/Formats.h"
 #include "files/ImageFiles.h"
 #include "files/Transparency.h"
+#include "io/FileSource.h"
 #include "params/Settings.h"
 #include "reduce/CheckGray.h"
 
@@ -28,8 +30,19 @@ int OwnDpi(const CDibImage& image) {
 
 bool LoadPage(const std::filesystem::path& file, const LoadPageRequest& request, LoadedPage& page,
               FileError* error) {
+    FileSource source;
+    if (source.Open(file, error))
+        return LoadPage(source, file, request, page, error);
     page = LoadedPage();
-    if (!LoadImageFile(file, page.image, error, &page.notes))
+    return false;
+}
+
+bool LoadPage(ByteSource& source, const std::filesystem::path& name, const LoadPageRequest& request,
+              LoadedPage& page, FileError* error) {
+    page = LoadedPage();
+    LoadOptions options;
+    options.reverseCmyk = request.reverseCmyk;
+    if (!LoadImageFrom(source, name, options, page.image, page.notes, error))
         return false;
     page.ownDpi = OwnDpi(page.image);
     page.isTransparent = HasTransparency(page.image);
@@ -45,8 +58,8 @@ bool LoadPage(const std::filesystem::path& file, const LoadPageRequest& request,
 }
 
 LoadPageRequest LoadRequestFor(const Settings& settings, KeepsTransparency keepsTransparency) {
-    return {settings[PARA_DECREASE_CHECK_GRAY], EntryOfColor(settings[PARA_FILL_BLANK_COLOR]),
-            std::move(keepsTransparency)};
+    return {settings[PARA_DECREASE_CHECK_GRAY], settings[PARA_REVERSE_CMYK] != 0,
+            EntryOfColor(settings[PARA_FILL_BLANK_COLOR]), std::move(keepsTransparency)};
 }
 
 int SettleTransparency(const LoadPageRequest& request, LoadedPage& page) {

@@ -14,6 +14,7 @@
 
 namespace velloran {
 
+class ByteSource;
 struct Settings;
 
 /// Whether what an image becomes can be transparent; asked with the image as it is at that time.
@@ -21,6 +22,7 @@ using KeepsTransparency = std::function<bool(const CDibImage& image)>;
 
 struct LoadPageRequest {
     int grayJudgement = 0;  // PARA_DECREASE_CHECK_GRAY
+    bool reverseCmyk = false;
     PaletteEntry fill{255, 255, 255, 0};
     KeepsTransparency keepsTransparency;  // empty: never
 };
@@ -35,7 +37,10 @@ struct LoadedPage {
 /// What the settings say of it.
 LoadPageRequest LoadRequestFor(const Settings& settings, KeepsTransparency keepsTransparency);
 
-/// False, page empty, where the file cannot be read.
+/// False, page empty, where the source cannot be read. `name` is its path, which is not opened.
+bool LoadPage(ByteSource& source, const std::filesystem::path& name, const LoadPageRequest& request,
+              LoadedPage& page, FileError* error);
+/// The same for a file, which is opened once.
 bool LoadPage(const std::filesystem::path& file, const LoadPageRequest& request, LoadedPage& page,
               FileError* error);
 

@@ -56,9 +56,14 @@ bool SavePage(const std::filesystem::path& file, const PageTarget& target, Loade
               const Settings& settings, FileError* error) {
     CParaBlock block;
     block.AssignValues(settings.values);
-    const int dpi = target.keepDpi && page.ownDpi > 0 ? page.ownDpi : target.dpi;
-    return SaveImageFile(file, page.image, target.quality, dpi, target.color, target.cropGif, block,
-                         error);
+    SaveOptions options;
+    options.quality = target.quality;
+    options.dpi = target.keepDpi && page.ownDpi > 0 ? page.ownDpi : target.dpi;
+    options.colorIndex = target.color;
+    options.cropGif = target.cropGif;
+    options.transparentWhite = settings[PARA_DECREASE_TRANSPARENT] != 0;
+    options.jpeg = JpegRulesOf(block);
+    return SaveImageAs(file, page.image, options, error);
 }
 
 }  // namespace velloran

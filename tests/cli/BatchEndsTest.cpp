@@ -3,11 +3,14 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <thread>
@@ -22,54 +25,135 @@ using Json = nlohmann::ordered_json;
 
 class BatchEnds : public BatchFolder {
  protected:
-    /// Pages whose enhancement takes long.
-    void WriteSlowPages(int count) {
-        for (int i = 0; i < count; ++i)
-            WritePage(Source() / (std::to_string(i) + ".bmp"), 1500, 1500, /*color=*/true);
+    /// So many sources that the lines of --dry-run fill any pipe.
+    void WriteManySources() const {
+        for (int i = 0; i < 1500; ++i)
+            WriteAll(Source() / (std::to_string(i) + std::string(100, 'x') + ".png"), "x");
     }
-    /// How long a run goes on behind the signals, in seconds; -1 when it did not begin.
-    double SecondsToEnd(const std::vector<int>& signals, int& status) {
-        std::vector<std::string> arguments = {"batch", "src",
-                                              "out",   "--jobs",
-                                              "1",     "--progress",
-                                              "--log", "log.txt",
-                                              "-s",    "PARA_LUM_CORRECT=4",
-                                              "-s",    "PARA_ADJUST_MULTI_SCALE_R=200"};
-        std::chrono::steady_clock::time_point asked;
-        std::thread sender;
-        const Outcome outcome = RunProgram(
-            arguments, {.folder = folder_.Path(), .onError = [&](pid_t run) {
-                            sender = std::thread([&, run] {
-                                for (const int number : signals) {
-                                    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-                                    asked = std::chrono::steady_clock::now();
-                                    kill(run, number);
-                                }
-                            });
-                        }});
-        if (!sender.joinable())
-            return -1;
-        sender.join();
-        status = outcome.status;
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - asked).count();
-    }
+
+    /// A run that waits until its output is read, which nobody does.
+    class BlockedRun {
+     public:
+        explicit BlockedRun(const fs::path& folder) {
+            std::array<int, 2> ends{};
+            EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+            read_ = ends[0];
+            const std::string program = BuiltProgram().native();
+            child_ = fork();
+            if (child_ == 0) {
+                dup2(ends[1], STDOUT_FILENO);
+                if (chdir(folder.c_str()) == 0)
+                    execl(program.c_str(), "velloran", "batch", "src", "out", "--dry-run",
+                          static_cast<char*>(nullptr));
+                _exit(126);
+            }
+            close(ends[1]);
+            WaitUntilFull();
+        }
+        ~BlockedRun() {
+            if (!HasEnded(0)) {
+                kill(child_, SIGKILL);
+                waitpid(child_, &status_, 0);
+            }
+            close(read_);
+        }
+        BlockedRun(const BlockedRun&) = delete;
+        BlockedRun& operator=(const BlockedRun&) = delete;
+
+        void Send(int number) const { kill(child_, number); }
+        bool HasEnded(int milliseconds) {
+            for (int waited = 0;; waited += 10) {
+                ended_ = ended_ || waitpid(child_, &status_, WNOHANG) == child_;
+                if (ended_ || waited >= milliseconds)
+                    return ended_;
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            }
+        }
+        int ExitStatus() const { return WIFEXITED(status_) ? WEXITSTATUS(status_) : -1; }
+        /// Reads all, so that the run can go on.
+        void Drain() const {
+            std::array<char, 65536> bytes{};
+            while (read(read_, bytes.data(), bytes.size()) > 0) {
+            }
+        }
+
+     private:
+        void WaitUntilFull() const {
+            int held = 0;
+            for (int before = -1; held != before || held < 4096;) {
+                before = held;
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                if (ioctl(read_, FIONREAD, &held) != 0)
+                    return;
+            }
+        }
+
+        int read_ = -1;
+        pid_t child_ = -1;
+        int status_ = 0;
+        bool ended_ = false;
+    };
 };
 
-TEST_F(BatchEnds, ASecondSignalEndsAtOnceAndLeavesNoFile) {
-    WriteSlowPages(12);
-    int status = 0;
-    const double seconds = SecondsToEnd({SIGINT, SIGINT}, status);
-    EXPECT_EQ(status, 130);
-    EXPECT_GE(seconds, 0);
-    for (const std::string& name : FilesIn(Target()))
-        EXPECT_EQ(name.find(".velloran-"), std::string::npos) << name;
+TEST_F(BatchEnds, SlowASecondSignalEndsAtOnceWhateverTheProgramWaitsFor) {
+    WriteManySources();
+    BlockedRun run(folder_.Path());
+    run.Send(SIGINT);
+    EXPECT_FALSE(run.HasEnded(300)) << "the first one asks politely";
+    run.Send(SIGINT);
+    ASSERT_TRUE(run.HasEnded(5000));
+    EXPECT_EQ(run.ExitStatus(), 130);
 }
 
-TEST_F(BatchEnds, AHangUpIs129) {
-    WriteSlowPages(6);
-    int status = 0;
-    SecondsToEnd({SIGHUP}, status);
-    EXPECT_EQ(status, 129);
+TEST_F(BatchEnds, SlowTheSameWishSentTwiceIsOneWish) {
+    WriteManySources();
+    BlockedRun run(folder_.Path());
+    run.Send(SIGTERM);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    run.Send(SIGTERM);  // as to a process and to its group
+    EXPECT_FALSE(run.HasEnded(300));
+    run.Drain();
+    ASSERT_TRUE(run.HasEnded(5000));
+    EXPECT_EQ(run.ExitStatus(), 143);
+}
+
+TEST_F(BatchEnds, SlowAHangUpIs129) {
+    WriteManySources();
+    BlockedRun run(folder_.Path());
+    run.Send(SIGHUP);
+    run.Drain();
+    ASSERT_TRUE(run.HasEnded(5000));
+    EXPECT_EQ(run.ExitStatus(), 129);
+}
+
+TEST_F(BatchEnds, APageWithoutMemoryIsNotWrittenAndIsRow6) {
+    WritePage(Source() / "a.bmp", 1500, 2000, /*color=*/true);
+    const std::vector<std::string> arguments = {"src",   "out",
+                                                "--ext", "png",
+                                                "-s",    "PARA_LUM_CORRECT=4",
+                                                "-s",    "PARA_ADJUST_MULTI_SCALE_R=8"};
+    Surroundings around{.variables = {{"OMP_NUM_THREADS", "1"}}};
+    ASSERT_EQ(Run(arguments, around).status, 0);
+    const std::string whole = ReadAll(Target() / "a.png");
+    bool wasScarce = false, wasEnough = false;
+    for (long megabytes = 70; megabytes <= 370 && !wasEnough; megabytes += 20) {
+        fs::remove_all(Target());
+        around.memoryLimit = megabytes << 20;
+        const Outcome outcome = Run(arguments, around);
+        SCOPED_TRACE(std::to_string(megabytes) + ": " + outcome.err);
+        if (outcome.status == 0) {
+            wasEnough = true;
+            EXPECT_EQ(ReadAll(Target() / "a.png"), whole);
+            continue;
+        }
+        EXPECT_TRUE(FilesIn(Target()).empty());
+        if (outcome.err.starts_with("src/a.bmp: ")) {  // else the program itself could not begin
+            wasScarce = true;
+            EXPECT_EQ(outcome.status, 4);
+            EXPECT_EQ(ReadAll(folder_ / "log.txt"), RunLogOf("src/a.bmp\t内存不足\r\n"));
+        }
+    }
+    EXPECT_TRUE(wasScarce && wasEnough);
 }
 
 TEST_F(BatchEnds, TemporaryFilesThatAKillLeftGoAtTheNextRun) {
