@@ -1,7 +1,7 @@
 # bash completion for velloran
 
 _velloran() {
-    local current previous command word
+    local current previous command word options
     COMPREPLY=()
     current=${COMP_WORDS[COMP_CWORD]}
     previous=${COMP_WORDS[COMP_CWORD - 1]}
@@ -18,28 +18,58 @@ _velloran() {
     done
 
     case $previous in
+        --stop)
+            COMPREPLY=($(compgen -W "0 14 20 74 77 91 97 134 135 136 137" -- "$current"))
+            return
+            ;;
+        --save-setting)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
         -s | --set)
-            COMPREPLY=($(compgen -S = -W "$("${COMP_WORDS[0]}" params 2>/dev/null | cut -f2)" \
-                -- "$current"))
+            COMPREPLY=($(compgen -S = \
+                -W "$("${COMP_WORDS[0]}" params 2>/dev/null | cut -f2)" -- "$current"))
             compopt -o nospace
+            return
+            ;;
+        --setting)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --settings-store)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        -n | --named)
+            return
+            ;;
+        --lang)
+            COMPREPLY=($(compgen -W "zh en" -- "$current"))
             return
             ;;
         --ext)
             COMPREPLY=($(compgen -W "auto jpg bmp png tif jp2 gif webp" -- "$current"))
             return
             ;;
-        --stop)
-            COMPREPLY=($(compgen -W "0 14 20 74 77 91 97 134 135 136 137" -- "$current"))
-            return
-            ;;
         --files)
             COMPREPLY=($(compgen -W "0 1 2 3 4 5 6 7 8 9 10" -- "$current"))
             return
             ;;
-        -n | --named | -j | --jobs)
+        --list)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
             return
             ;;
-        --setting | --settings-store | --save-setting | --log | --list)
+        -j | --jobs)
+            return
+            ;;
+        --memory)
+            return
+            ;;
+        --log)
             compopt -o filenames
             COMPREPLY=($(compgen -f -- "$current"))
             return
@@ -47,8 +77,7 @@ _velloran() {
     esac
 
     if [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "enhance batch describe params info detect --help --version" \
-            -- "$current"))
+        COMPREPLY=($(compgen -W "enhance batch describe params info detect -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
         return
     fi
     if [[ $current != -* ]]; then
@@ -57,17 +86,13 @@ _velloran() {
         return
     fi
 
-    local parameters="-s --set --setting --settings-store -n --named"
-    local options="-h --help"
     case $command in
-        enhance) options+=" $parameters --stop --preview --save-setting -v --verbose" ;;
-        batch)
-            options+=" $parameters --ext --files --no-recurse --skip-colour --keep-time -j --jobs"
-            options+=" --log --memory --skip-existing --keep-dpi --strict -y --yes --list -0 --null --dry-run --json --progress -v --verbose"
-            ;;
-        describe) options+=" $parameters --crop-summary" ;;
-        params | info) options+=" --json" ;;
-        detect) options+=" --by-name" ;;
+        enhance) options="--stop --preview --save-setting -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
+        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
+        describe) options="--crop-summary -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
+        params) options="--json -h --help --lang -q --quiet -v --verbose" ;;
+        info) options="--json -h --help --lang -q --quiet -v --verbose" ;;
+        detect) options="--by-name -h --help --lang -q --quiet -v --verbose" ;;
     esac
     COMPREPLY=($(compgen -W "$options" -- "$current"))
 }

@@ -23,6 +23,7 @@
 #include "files/ReplaceRules.h"
 #include "files/TargetNames.h"
 #include "text/Labels.h"
+#include "text/Phrase.h"
 #include "text/Text.h"
 
 namespace velloran {
@@ -189,7 +190,7 @@ class BatchRun {
         listener.isStopped = [this] { return IsStopped(); };
         listener.renamed = [this](const std::string& later, const std::string& earlier,
                                   const std::string& name) {
-            Warn(later + ": shares its target's name with " + earlier + ", goes to " + name);
+            Warn(Phrase(labels::kSharesTargetName, {later, earlier, name}));
         };
         listener.unreadable = [this](const fs::path& folder, const std::error_code& reason) {
             NoteUnreadable(folder, reason);
@@ -212,11 +213,16 @@ class BatchRun {
 
     void NoteUnreadable(const fs::path& folder, const std::error_code& reason) {
         if (reason == std::errc::too_many_symbolic_link_levels) {
-            Warn(folder.native() + ": entered too often through links, left out");
+            Warn(Phrase(labels::kEnteredTooOften, {folder.native()}));
             return;
         }
         constexpr int kOpenFailed = 1;
-        Fail({folder.native(), {}, labels::kLogRows[kOpenFailed], reason.message(), false},
+        Fail({folder.native(),
+              {},
+              labels::kLogRows[kOpenFailed],
+              reason.message(),
+              false,
+              ReasonOfErrno(reason.value())},
              /*isTold=*/true);
     }
 
@@ -293,10 +299,9 @@ class BatchRun {
         result_.bytesOut += outcome.bytesOut;
         TellOfSource(file, outcome);
         if (!outcome.evadedTo.empty())
-            Warn(file.source + ": its target's name is that of another source, goes to " +
-                 outcome.evadedTo);
+            Warn(Phrase(labels::kEvadesSource, {file.source, outcome.evadedTo}));
         if (outcome.timesLost)
-            Warn(file.source + ": its times could not be copied to the result");
+            Warn(Phrase(labels::kTimesNotCopied, {file.source}));
         if (outcome.end == FileOutcome::End::kConverted)
             ++result_.converted;
         else
@@ -324,6 +329,7 @@ class BatchRun {
         failure.path = outcome.failedPath.native();
         failure.message = labels::kLogRows[outcome.logRow];
         failure.detail = outcome.error.detail;
+        failure.reason = outcome.error.reason;
         failure.storage = outcome.writeFailed && outcome.error.cause == FileError::Cause::kStorage;
         const std::string& folder = outcome.failedFolder;
         if (folder.empty()) {
@@ -345,7 +351,7 @@ class BatchRun {
             MakeFolderOf(log_->File());
         FileError error;
         if (!log_->LogFailure(path, row, &error) && !std::exchange(logLost_, true))
-            Warn("the run log cannot be written: " + error.detail);
+            Warn(Phrase(labels::kLogNotWritten, {log_->File().native()}));
     }
 
     void TellCounts() {

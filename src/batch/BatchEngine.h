@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "io/FileError.h"
 #include "params/Settings.h"
 
 namespace velloran {
@@ -41,6 +42,7 @@ struct BatchFailure {
     std::u16string_view message;  // of the run log
     std::string detail;           // English, from the library or the system; may be empty
     bool storage = false;         // a result that could not be written; another try may help
+    FileReason reason = FileReason::kUnknown;
 };
 
 struct BatchProgress {

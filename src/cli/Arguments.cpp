@@ -9,22 +9,20 @@ namespace {
 constexpr char kGuard = '\x01';
 
 bool NeedsGuard(std::string_view word) {
-    return !word.empty() &&
-           (std::string_view("[{+%").find(word.front()) != std::string_view::npos ||
-            word.front() == kGuard);
+    return word.empty() || std::string_view("[{+%").find(word.front()) != std::string_view::npos ||
+           word.front() == kGuard;
 }
 
 }  // namespace
 
-std::vector<std::string> GuardArguments(int count, const char* const* words) {
-    std::vector<std::string> guarded;
-    for (int i = 1; i < count; ++i) {
-        std::string word = words[i];
-        if (NeedsGuard(word))
-            word.insert(word.begin(), kGuard);
-        guarded.push_back(std::move(word));
+std::vector<std::string> GuardWords(std::vector<std::string> words) {
+    for (std::string& word : words) {
+        const std::size_t value = word.starts_with("--") ? word.find('=') : std::string::npos;
+        const std::size_t at = value == std::string::npos ? 0 : value + 1;
+        if (NeedsGuard(std::string_view(word).substr(at)))
+            word.insert(at, 1, kGuard);
     }
-    return guarded;
+    return words;
 }
 
 std::string Unguard(std::string word) {

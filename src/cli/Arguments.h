@@ -1,6 +1,6 @@
 #pragma once
 
-// Between the words of the shell and the option parser. The parser gives a meaning of its own to
+// Between the words of the shell and the parsing library. The library gives a meaning of its own to
 // some words ("[a]" is a list, "{}" is empty, "++" ends a command), which may be names of files:
 // such words travel through it behind a guard character.
 
@@ -10,8 +10,8 @@
 
 namespace velloran::cli {
 
-/// The words behind the program's name, guarded.
-std::vector<std::string> GuardArguments(int count, const char* const* words);
+/// The words, guarded; of --option=value the value.
+std::vector<std::string> GuardWords(std::vector<std::string> words);
 
 /// The word as it was typed.
 std::string Unguard(std::string word);

@@ -1,15 +1,18 @@
 #include "cli/BlockSource.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <system_error>
 
+#include "cli/Console.h"
+#include "cli/NearestWord.h"
+#include "cli/OptionParser.h"
 #include "cli/ParameterOptions.h"
 #include "files/ProgramPlaces.h"
 #include "io/FileError.h"
 #include "params/ParaBlock.h"
 #include "params/ProfileStore.h"
+#include "text/CommandLabels.h"
+#include "text/Phrase.h"
 #include "text/ProfileFile.h"
 #include "text/Text.h"
 
@@ -35,25 +38,39 @@ SettingPlace PickReading(const std::string& text) {
     return readings.size() > 1 ? readings[1] : readings[0];
 }
 
+/// What to say of a value in a settings file; empty where it is as the table wants it.
+std::string ValueWarning(int index, const ProfileFile& profile, const std::u16string& section,
+                         const std::u16string& key) {
+    const std::string text = ToUtf8(profile.GetString(section, key).value_or(u""));
+    const std::int32_t value = profile.GetInt(section, key, ParaRowOf(index).defaultValue);
+    if (!ParseInt32(text))
+        return Phrase(labels::kNotANumber, {ParaRowOf(index).name, text, std::to_string(value)});
+    return RangeWarning(index, value);
+}
+
 /// Warnings for what the section holds, before any value of it is limited.
-void WarnOfSection(const ProfileFile& profile, const std::u16string& section,
+void WarnOfSection(const fs::path& file, const ProfileFile& profile, const std::u16string& section,
                    std::vector<std::string>& warnings) {
-    for (int i = 0; i < kParaCount; ++i) {
-        const std::u16string key = ToUtf16(ParaRowOf(i).name);
-        if (!profile.GetString(section, key))
-            continue;
-        const std::string warning = RangeWarning(i, profile.GetInt(section, key, 0));
+    for (const std::u16string& key : profile.KeyNames(section)) {
+        const std::string name = ToUtf8(key);
+        std::optional<int> index;  // keys of a settings file ignore case
+        for (int i = 0; i < kParaCount && !index; ++i)
+            if (EqualIgnoringCase(ParaRowOf(i).name, std::string_view(name)))
+                index = i;
+        const std::string warning =
+            index ? ValueWarning(*index, profile, section, key) : UnknownKeyWarning(name);
         if (!warning.empty())
-            warnings.push_back(fmt::format("setting \"{}\": {}", ToUtf8(section), warning));
+            warnings.push_back(
+                Phrase(labels::kInSetting, {file.native(), ToUtf8(section), warning}));
     }
 }
 
 std::string ReadSection(const fs::path& file, const ProfileFile& profile,
                         const std::u16string& section, CParaBlock& block,
                         std::vector<std::string>& warnings) {
-    WarnOfSection(profile, section, warnings);
+    WarnOfSection(file, profile, section, warnings);
     if (!block.ReadFromIni(section, file))
-        return fmt::format("{}: cannot be read", file.native());
+        return Phrase(labels::kUnreadableSettings, {file.native()});
     block.SetName(section);
     return {};
 }
@@ -61,10 +78,18 @@ std::string ReadSection(const fs::path& file, const ProfileFile& profile,
 std::string OpenProfile(const fs::path& file, ProfileFile& profile) {
     FileError error;
     if (!IsPlainFile(file))
-        return fmt::format("{}: there is no such settings file", file.native());
+        return Phrase(labels::kNoSettingsFile, {file.native()});
     if (!velloran::LoadProfile(file, profile, &error))
-        return fmt::format("{}: {}", file.native(), error.detail);
+        return Phrase(labels::kUnreadableSettings, {file.native()});
     return {};
+}
+
+std::string NoSuchSetting(const fs::path& file, const std::string& name,
+                          const ProfileFile& profile) {
+    std::vector<std::string> names;
+    for (const std::u16string& section : profile.SectionNames())
+        names.push_back(ToUtf8(section));
+    return Phrase(labels::kNoSetting, {file.native(), name}) + Suggestion(name, names);
 }
 
 std::string FillFromSetting(const std::string& text, CParaBlock& block,
@@ -76,12 +101,12 @@ std::string FillFromSetting(const std::string& text, CParaBlock& block,
     if (place.section) {
         const std::u16string section = ToUtf16(*place.section);
         if (section.empty() || !profile.HasSection(section))
-            return fmt::format("{}: there is no setting \"{}\"", place.file, *place.section);
+            return NoSuchSetting(place.file, *place.section, profile);
         return ReadSection(place.file, profile, section, block, warnings);
     }
     const std::vector<std::u16string> names = profile.SectionNames();
     if (names.size() != 1)
-        return fmt::format("{}: holds {} settings; name one behind a #", place.file, names.size());
+        return Phrase(labels::kSettingNotNamed, {place.file, std::to_string(names.size())});
     return ReadSection(place.file, profile, names.front(), block, warnings);
 }
 
@@ -94,7 +119,7 @@ std::string FillFromStore(const ParameterOptions& options, CParaBlock& block,
         return problem;
     const std::u16string name = ToUtf16(*options.named);
     if (name.empty() || !profile.HasKeys(name))
-        return fmt::format("{}: there is no setting \"{}\"", store.native(), *options.named);
+        return NoSuchSetting(store, *options.named, profile);
     return ReadSection(store, profile, name, block, warnings);
 }
 
@@ -125,6 +150,20 @@ std::string FillBlock(const ParameterOptions& options, CParaBlock& block,
             warnings.push_back(std::move(warning));
     }
     return {};
+}
+
+bool PrepareGlobalBlock(const ParsedWords& words) {
+    const ParameterOptions options{words.Texts(Option::kSet), words.Text(Option::kSetting),
+                                   words.Text(Option::kNamed), words.Text(Option::kStore)};
+    std::vector<std::string> warnings;
+    const std::string problem = FillBlock(options, GlobalBlock(), warnings);
+    if (!problem.empty()) {
+        PrintError(problem);
+        return false;
+    }
+    for (const std::string& warning : warnings)
+        PrintWarning(warning);
+    return true;
 }
 
 std::optional<SettingTarget> FindSettingTarget(const std::string& text) {

@@ -14,6 +14,8 @@ class CParaBlock;
 
 namespace velloran::cli {
 
+struct ParsedWords;
+
 struct ParameterOptions {
     std::vector<std::string> sets;         // NAME=VALUE, in order
     std::optional<std::string> setting;    // FILE[#SECTION]
@@ -22,9 +24,14 @@ struct ParameterOptions {
 };
 
 /// Fills the block. What is wrong with the options is returned and must end the command; the
-/// empty string is success. Values outside their range are taken and told in `warnings`.
+/// empty string is success. Values outside their range are taken and told in `warnings`, as is what
+/// a settings file holds beside parameters and numbers.
 std::string FillBlock(const ParameterOptions& options, CParaBlock& block,
                       std::vector<std::string>& warnings);
+
+/// Fills the global block by the options among the words and prints the warnings. False after an
+/// error was printed: wrong usage.
+bool PrepareGlobalBlock(const ParsedWords& words);
 
 /// FILE#SECTION to write to; nothing when no section is named or none can be called so.
 struct SettingTarget {

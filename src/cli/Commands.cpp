@@ -1,62 +1,63 @@
 #include "cli/Commands.h"
 
-#include <CLI/CLI.hpp>
-#include <string>
-#include <vector>
+#include <algorithm>
 
-#include "cli/Arguments.h"
-#include "cli/Console.h"
-#include "cli/ExitStatus.h"
-#include "params/ParaBlock.h"
+#include "text/CommandLabels.h"
 
 namespace velloran::cli {
 
-std::shared_ptr<ParameterOptions> AddParameterOptions(CLI::App& command) {
-    auto options = std::make_shared<ParameterOptions>();
-    const std::string group = "Parameters";
-    command
-        .add_option("-s,--set", options->sets,
-                    "Set one parameter by its name, as PARA_CONTRAST=120; may be repeated")
-        ->type_name("NAME=VALUE")
-        ->allow_extra_args(false)
-        ->group(group);
-    CLI::Option* setting =
-        command
-            .add_option("--setting", options->setting, "Start from a section of a settings file")
-            ->type_name("FILE[#SECTION]")
-            ->group(group);
-    command
-        .add_option("--settings-store", options->storeFile, "Where named settings are looked up")
-        ->type_name("FILE")
-        ->group(group);
-    command.add_option("-n,--named", options->named, "Start from a named setting of the store")
-        ->type_name("NAME")
-        ->excludes(setting)
-        ->group(group);
+namespace {
+
+using namespace labels;
+
+constexpr Operand kEnhanceOperands[] = {
+    {"INPUT", /*isMany=*/false, Completes::kFiles, kOperandInput},
+    {"OUTPUT", /*isMany=*/false, Completes::kFiles, kOperandOutput}};
+constexpr Operand kBatchOperands[] = {
+    {"SOURCE", /*isMany=*/false, Completes::kFolders, kOperandSource},
+    {"TARGET", /*isMany=*/false, Completes::kFolders, kOperandTarget}};
+constexpr Operand kFileOperands[] = {{"FILE", /*isMany=*/true, Completes::kFiles, kOperandFiles}};
+
+constexpr Option kEnhanceOptions[] = {Option::kStop,        Option::kPreview, Option::kKeepDpi,
+                                      Option::kSaveSetting, Option::kSet,     Option::kSetting,
+                                      Option::kStore,       Option::kNamed};
+constexpr Option kBatchOptions[] = {Option::kExt,          Option::kFiles,    Option::kNoRecurse,
+                                    Option::kSkipColor,    Option::kKeepTime, Option::kKeepDpi,
+                                    Option::kSkipExisting, Option::kList,     Option::kNull,
+                                    Option::kJobs,         Option::kMemory,   Option::kStrict,
+                                    Option::kLog,          Option::kYes,      Option::kDryRun,
+                                    Option::kJsonBatch,    Option::kProgress, Option::kSet,
+                                    Option::kSetting,      Option::kStore,    Option::kNamed};
+constexpr Option kDescribeOptions[] = {Option::kCropSummary, Option::kSet, Option::kSetting,
+                                       Option::kStore, Option::kNamed};
+constexpr Option kParamsOptions[] = {Option::kJson};
+constexpr Option kInfoOptions[] = {Option::kJson};
+constexpr Option kDetectOptions[] = {Option::kByName};
+
+constexpr Command kCommands[] = {
+    {"enhance", kCommandEnhance, kDetailsEnhance, kEnhanceOperands, kEnhanceOptions, RunEnhance},
+    {"batch", kCommandBatch, kDetailsBatch, kBatchOperands, kBatchOptions, RunBatchCommand},
+    {"describe", kCommandDescribe, kDetailsDescribe, {}, kDescribeOptions, RunDescribe},
+    {"params", kCommandParams, kDetailsParams, {}, kParamsOptions, RunParams},
+    {"info", kCommandInfo, kDetailsInfo, kFileOperands, kInfoOptions, RunInfo},
+    {"detect", kCommandDetect, kDetailsDetect, kFileOperands, kDetectOptions, RunDetect},
+};
+
+}  // namespace
+
+std::span<const Command> Commands() {
+    return kCommands;
+}
+
+const Command* FindCommand(std::string_view name) {
+    const auto* const found = std::ranges::find(kCommands, name, &Command::name);
+    return found == std::end(kCommands) ? nullptr : found;
+}
+
+std::vector<Option> OptionsOf(const Command& command) {
+    std::vector<Option> options(command.options.begin(), command.options.end());
+    options.insert(options.end(), GeneralOptions().begin(), GeneralOptions().end());
     return options;
-}
-
-bool PrepareGlobalBlock(const ParameterOptions& options) {
-    ParameterOptions typed = options;
-    typed.sets = Unguard(std::move(typed.sets));
-    for (std::optional<std::string>* word : {&typed.setting, &typed.named, &typed.storeFile})
-        if (*word)
-            **word = Unguard(std::move(**word));
-    std::vector<std::string> warnings;
-    const std::string problem = FillBlock(typed, GlobalBlock(), warnings);
-    if (!problem.empty()) {
-        PrintError(problem);
-        return false;
-    }
-    for (const std::string& warning : warnings)
-        PrintWarning(warning);
-    return true;
-}
-
-int FinishOutput(int status) {
-    if (!FlushOutput() && (status == kDone || status == kFileFailed))
-        return kNotWritten;
-    return status;
 }
 
 }  // namespace velloran::cli

@@ -1,37 +1,35 @@
 #pragma once
 
-// The subcommands. Each adds its options to the parser and, when it is the one called, leaves its
-// work in `chosen`.
+// The subcommands as data: operands, options and the function that does the work.
 
-#include <functional>
-#include <memory>
+#include <span>
+#include <string_view>
 
-#include "cli/BlockSource.h"
-
-namespace CLI {
-class App;
-}
+#include "cli/OptionParser.h"
+#include "cli/Options.h"
+#include "text/Label.h"
 
 namespace velloran::cli {
 
-/// The work of the subcommand that was called; returns the exit status.
-using Work = std::function<int()>;
+struct Command {
+    std::string_view name;
+    Label summary, details;
+    std::span<const Operand> operands;
+    std::span<const Option> options;       // beside GeneralOptions
+    int (*run)(const ParsedWords& words);  // returns the exit status
+};
 
-void AddEnhanceCommand(CLI::App& program, Work& chosen);
-void AddBatchCommand(CLI::App& program, Work& chosen);
-void AddDescribeCommand(CLI::App& program, Work& chosen);
-void AddParamsCommand(CLI::App& program, Work& chosen);
-void AddInfoCommand(CLI::App& program, Work& chosen);
-void AddDetectCommand(CLI::App& program, Work& chosen);
+std::span<const Command> Commands();
+/// The command of a name, or null.
+const Command* FindCommand(std::string_view name);
+/// Its own options in the order of the help, then those of parameters and the general ones.
+std::vector<Option> OptionsOf(const Command& command);
 
-/// -s, --setting, --settings-store and -n, which several subcommands share.
-std::shared_ptr<ParameterOptions> AddParameterOptions(CLI::App& command);
-
-/// Fills the global block and prints the warnings. False after an error was printed: wrong usage.
-bool PrepareGlobalBlock(const ParameterOptions& options);
-
-/// Output is flushed; kNotWritten instead of `status` when that fails and `status` tells of no
-/// failure to write yet.
-int FinishOutput(int status);
+int RunEnhance(const ParsedWords& words);
+int RunBatchCommand(const ParsedWords& words);
+int RunDescribe(const ParsedWords& words);
+int RunParams(const ParsedWords& words);
+int RunInfo(const ParsedWords& words);
+int RunDetect(const ParsedWords& words);
 
 }  // namespace velloran::cli

@@ -12,12 +12,19 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "cli/Causes.h"
+#include "cli/ExitStatus.h"
+#include "cli/TextWidth.h"
+#include "text/CommandLabels.h"
+#include "text/Labels.h"
+#include "text/Phrase.h"
 #include "text/Text.h"
 
 namespace velloran::cli {
 
 namespace {
 
+Talk talkInUse;
 bool barOnScreen = false;  // standard error ends in a bar that the next line must wipe out
 
 bool UsesColor() {
@@ -32,12 +39,7 @@ bool UsesColor() {
 
 /// On a terminal a name must not steer the screen.
 std::string Shown(std::string_view text) {
-    std::string shown(text);
-    if (ErrorIsTerminal())
-        for (char& c : shown)
-            if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
-                c = '?';
-    return shown;
+    return ErrorIsTerminal() ? WithoutControls(text) : std::string(text);
 }
 
 void WriteErrorLine(std::string_view text) {
@@ -59,27 +61,6 @@ std::size_t Columns() {
     if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return size.ws_col;
     return 80;
-}
-
-/// Columns that a character takes: two for the wide scripts.
-std::size_t WidthOf(char16_t unit) {
-    if (unit >= 0xDC00 && unit <= 0xDFFF)
-        return 0;  // counted with its first half
-    const bool wide = (unit >= 0x1100 && unit <= 0x115F) || (unit >= 0x2E80 && unit <= 0xA4CF) ||
-                      (unit >= 0xAC00 && unit <= 0xD7A3) || (unit >= 0xD800 && unit <= 0xDBFF) ||
-                      (unit >= 0xF900 && unit <= 0xFAFF) || (unit >= 0xFE30 && unit <= 0xFE6F) ||
-                      (unit >= 0xFF00 && unit <= 0xFF60);
-    return wide ? 2 : 1;
-}
-
-/// The end of a text, as much as fits.
-std::u16string_view TailThatFits(std::u16string_view text, std::size_t columns) {
-    std::size_t at = text.size(), used = 0;
-    while (at > 0 && used + WidthOf(text[at - 1]) <= columns)
-        used += WidthOf(text[--at]);
-    if (at < text.size() && text[at] >= 0xDC00 && text[at] <= 0xDFFF)
-        ++at;
-    return text.substr(at);
 }
 
 std::string Duration(double seconds) {
@@ -107,11 +88,35 @@ void Print(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
+void UseTalk(const Talk& talk) {
+    talkInUse = talk;
+}
+
+const Talk& TalkInUse() {
+    return talkInUse;
+}
+
+std::string OutputName(std::string_view name) {
+    static const bool terminal = ::isatty(STDOUT_FILENO) == 1;
+    return terminal ? WithoutControls(name) : std::string(name);
+}
+
 bool FlushOutput() {
-    const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-    if (!written)
-        PrintError(fmt::format("standard output: {}", std::generic_category().message(errno)));
-    return written;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return true;
+    const int code = errno;
+    const std::string name = ToUtf8(labels::kStandardOutput);
+    PrintFailure({.path = name,
+                  .message = labels::kSaveFailed,
+                  .cause = CauseOfErrno(code),
+                  .detail = std::generic_category().message(code)});
+    return false;
+}
+
+int FinishOutput(int status) {
+    if (!FlushOutput() && (status == kDone || status == kFileFailed))
+        return kNotWritten;
+    return status;
 }
 
 void PrintError(std::string_view text) {
@@ -119,13 +124,26 @@ void PrintError(std::string_view text) {
 }
 
 void PrintWarning(std::string_view text) {
-    WriteErrorLine(fmt::format("velloran: {} {}", Colored("warning:", "33"), Shown(text)));
+    if (!talkInUse.quiet)
+        WriteErrorLine(fmt::format("velloran: {} {}",
+                                   Colored(ToUtf8(labels::kWarning.Text()), "33"), Shown(text)));
 }
 
-void PrintFailure(std::string_view path, std::u16string_view message, std::string_view detail) {
-    std::string line = fmt::format("{}: {}", Shown(path), Colored(ToUtf8(message), "31"));
-    if (!detail.empty())
-        line += fmt::format(" ({})", Shown(detail));
+void PrintFailure(const FailureText& failure) {
+    const std::string join = ToUtf8(labels::kCauseJoin.Text());
+    std::string behind;
+    const auto add = [&](const std::string& part) {
+        behind += behind.empty() || part.empty() ? part : join + part;
+    };
+    add(failure.cause);
+    if (!failure.source.empty())
+        add(Phrase(labels::kCauseSource, {failure.source}));
+    if (talkInUse.verbose)
+        add(failure.detail);
+    std::string line =
+        fmt::format("{}: {}", Shown(failure.path), Colored(ToUtf8(failure.message), "31"));
+    if (!behind.empty())
+        line += fmt::format(" ({})", Shown(behind));
     WriteErrorLine(line);
 }
 
@@ -136,7 +154,7 @@ void PrintNote(std::string_view text) {
 bool AskYesNo(std::u16string_view question, const std::function<bool()>& isStopped) {
     if (!InputIsTerminal())
         return false;
-    const std::string text = ToUtf8(question) + " [y/N] ";
+    const std::string text = ToUtf8(question) + ToUtf8(labels::kYesNo);
     std::fwrite(text.data(), 1, text.size(), stderr);
     pollfd input{STDIN_FILENO, POLLIN, 0};
     while (::poll(&input, 1, 200) <= 0)
@@ -150,27 +168,35 @@ bool AskYesNo(std::u16string_view question, const std::function<bool()>& isStopp
 }
 
 std::string BarText(const BarState& state, std::size_t columns) {
-    constexpr std::size_t kCells = 20;
-    const std::size_t filled =
-        state.total == 0 ? kCells : std::min(kCells, state.done * kCells / state.total);
-    std::string text = fmt::format("[{}{}] {}/{}", std::string(filled, '#'),
-                                   std::string(kCells - filled, '.'), state.done, state.total);
+    constexpr std::size_t kCells = 20, kFewestCells = 5;
+    const std::string counts = fmt::format("{}/{}", state.done, state.total);
+    std::string rate;
     if (state.done > 0 && state.seconds > 0) {
-        const double rate = static_cast<double>(state.done) / state.seconds;
+        const double speed = static_cast<double>(state.done) / state.seconds;
         const double left = static_cast<double>(state.total - std::min(state.done, state.total));
-        text += fmt::format(" {:.1f}/s, {} left", rate, Duration(left / rate));
+        rate = Phrase(labels::kRateAndRest, {fmt::format("{:.1f}", speed), Duration(left / speed)});
     }
-    if (!state.path.empty()) {
-        const std::size_t space = columns == 0                ? state.path.size()
-                                  : columns > text.size() + 2 ? columns - text.size() - 2
-                                                              : 0;
-        text += ' ';
-        text += ToUtf8(TailThatFits(ToUtf16(state.path), space));
-    }
+    // The last column stays free, as a character there may begin a new line.
+    const std::size_t room = columns == 0 ? SIZE_MAX : columns - 1;
+    const std::size_t frame = counts.size() + 3;  // the brackets and a blank
+    if (frame + kFewestCells + WidthOf(ToUtf16(rate)) > room)
+        rate.clear();
+    const std::size_t fixed = frame + WidthOf(ToUtf16(rate));
+    if (fixed + kFewestCells > room)
+        return counts.size() <= room ? counts : std::string();
+    const std::size_t cells = std::min(kCells, room - fixed);
+    const std::size_t filled =
+        state.total == 0 ? cells : std::min(cells, state.done * cells / state.total);
+    std::string text = fmt::format("[{}{}] {}{}", std::string(filled, '#'),
+                                   std::string(cells - filled, '.'), counts, rate);
+    const std::size_t used = fixed + cells;
+    if (!state.path.empty() && room > used + 1)
+        text += " " + ToUtf8(TailThatFits(ToUtf16(state.path), room - used - 1));
     return text;
 }
 
-ProgressBar::ProgressBar(bool shown) : shown_(shown), terminal_(ErrorIsTerminal()) {}
+ProgressBar::ProgressBar(bool shown)
+    : shown_(shown && !talkInUse.quiet), terminal_(ErrorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
     if (barOnScreen)
@@ -189,7 +215,9 @@ void ProgressBar::Show(const BarState& state) {
         WriteErrorLine(BarText(state, 0));
         return;
     }
-    const std::string line = fmt::format("\r{}\x1B[K", Shown(BarText(state, Columns())));
+    const std::string line = fmt::format(
+        "\r{}\x1B[K",
+        BarText({state.done, state.total, state.seconds, WithoutControls(state.path)}, Columns()));
     std::fwrite(line.data(), 1, line.size(), stderr);
     barOnScreen = true;
 }

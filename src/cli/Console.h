@@ -17,12 +17,36 @@ void Print(std::string_view text);
 /// Flushes standard output. False when any of it could not be written; standard error then says so.
 bool FlushOutput();
 
+/// Output is flushed; kNotWritten instead of `status` when that fails and `status` tells of no
+/// failure to write yet.
+int FinishOutput(int status);
+
+/// What the whole program is asked to say: warnings and progress, and failures in detail.
+struct Talk {
+    bool quiet = false, verbose = false;
+};
+void UseTalk(const Talk& talk);
+const Talk& TalkInUse();
+
+/// A name for standard output: as it is, or with its control characters shown where that is a
+/// terminal.
+std::string OutputName(std::string_view name);
+
 /// "velloran: text" on standard error.
 void PrintError(std::string_view text);
-/// "velloran: warning: text" on standard error.
+/// "velloran: warning: text" on standard error, unless quiet.
 void PrintWarning(std::string_view text);
-/// "path: message" on standard error, with the detail in parentheses unless it is empty.
-void PrintFailure(std::string_view path, std::u16string_view message, std::string_view detail = {});
+
+/// What is told of a file that failed.
+struct FailureText {
+    std::string_view path;
+    std::u16string_view message;
+    std::string cause = {};   // in the language in use; may be empty
+    std::string source = {};  // of a target that could not be written; may be empty
+    std::string detail = {};  // English, told when verbose
+};
+/// "path: message (cause)" on standard error.
+void PrintFailure(const FailureText& failure);
 /// A plain line on standard error.
 void PrintNote(std::string_view text);
 
@@ -39,7 +63,8 @@ struct BarState {
     std::string_view path;
 };
 
-/// The line of a bar for a screen of so many columns; 0 is no limit. The path loses its front.
+/// The line of a bar for a screen of so many columns; 0 is no limit. The path loses its front, then
+/// the bar its cells, then the rate goes and the bar.
 std::string BarText(const BarState& state, std::size_t columns);
 
 /// A bar in the last line of a terminal, which messages push down; where standard error is no

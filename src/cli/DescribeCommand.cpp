@@ -1,7 +1,6 @@
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <string>
 
+#include "cli/BlockSource.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
@@ -22,22 +21,13 @@ std::string WithLineFeeds(const std::u16string& text) {
 
 }  // namespace
 
-void AddDescribeCommand(CLI::App& program, Work& chosen) {
-    CLI::App* command =
-        program.add_subcommand("describe", "Tell in words what the parameters would do");
-    auto cropSummary = std::make_shared<bool>(false);
-    command->add_flag("--crop-summary", *cropSummary, "Only the short summary of the crop");
-    const std::shared_ptr<ParameterOptions> parameters = AddParameterOptions(*command);
-    command->callback([cropSummary, parameters, &chosen] {
-        chosen = [cropSummary, parameters] {
-            if (!PrepareGlobalBlock(*parameters))
-                return static_cast<int>(kWrongUsage);
-            const CParaBlock& block = GlobalBlock();
-            Print(*cropSummary ? ToUtf8(block.CropSummary()) + "\n"
-                               : WithLineFeeds(block.Describe()));
-            return FinishOutput(kDone);
-        };
-    });
+int RunDescribe(const ParsedWords& words) {
+    if (!PrepareGlobalBlock(words))
+        return kWrongUsage;
+    const CParaBlock& block = GlobalBlock();
+    Print(words.Has(Option::kCropSummary) ? ToUtf8(block.CropSummary()) + "\n"
+                                          : WithLineFeeds(block.Describe()));
+    return FinishOutput(kDone);
 }
 
 }  // namespace velloran::cli

@@ -1,14 +1,12 @@
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
-#include <filesystem>
-#include <memory>
+#include <cerrno>
 #include <string>
 #include <system_error>
-#include <vector>
 
-#include "cli/Arguments.h"
+#include "cli/Causes.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
@@ -19,39 +17,38 @@ namespace velloran::cli {
 
 namespace {
 
-struct DetectOptions {
-    std::vector<std::string> files;
-    bool byName = false;
-};
-
-bool CanBeRead(const std::string& path) {
-    std::error_code failure;
-    return std::filesystem::is_regular_file(path, failure) && ::access(path.c_str(), R_OK) == 0;
-}
-
-/// A file that cannot be read is told by its name, and that it could not be read.
-int PrintTypes(const DetectOptions& options) {
-    constexpr int kOpenFailed = 1;  // row of the log
-    int status = kDone;
-    for (const std::string& path : Unguard(options.files)) {
-        const int type = DetectFileType(path, options.byName ? 0 : 1);
-        Print(fmt::format("{}\t{}\n", type, path));
-        if (!options.byName && !CanBeRead(path)) {
-            PrintFailure(path, labels::kLogRows[kOpenFailed]);
-            status = kFileFailed;
-        }
-    }
-    return FinishOutput(status);
+/// Why the file cannot be read: an error number of the system, 0 for none.
+int FaultOf(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        return errno;
+    if (S_ISDIR(status.st_mode))
+        return EISDIR;
+    if (!S_ISREG(status.st_mode))
+        return ENOTSUP;
+    return ::access(path.c_str(), R_OK) == 0 ? 0 : errno;
 }
 
 }  // namespace
 
-void AddDetectCommand(CLI::App& program, Work& chosen) {
-    auto options = std::make_shared<DetectOptions>();
-    CLI::App* command = program.add_subcommand("detect", "Tell the type of files");
-    command->add_option("FILE", options->files, "Files")->required();
-    command->add_flag("--by-name", options->byName, "Look at the extension alone");
-    command->callback([options, &chosen] { chosen = [options] { return PrintTypes(*options); }; });
+/// A file that cannot be read is told by its name, and that it could not be read.
+int RunDetect(const ParsedWords& words) {
+    constexpr int kOpenFailed = 1;  // row of the log
+    const bool byName = words.Has(Option::kByName);
+    int status = kDone;
+    for (const std::string& path : words.operands) {
+        const int type = DetectFileType(path, byName ? 0 : 1);
+        Print(fmt::format("{}\t{}\n", type, OutputName(path)));
+        const int fault = byName ? 0 : FaultOf(path);
+        if (fault != 0) {
+            PrintFailure({.path = path,
+                          .message = labels::kLogRows[kOpenFailed],
+                          .cause = CauseOfErrno(fault),
+                          .detail = std::generic_category().message(fault)});
+            status = kFileFailed;
+        }
+    }
+    return FinishOutput(status);
 }
 
 }  // namespace velloran::cli

@@ -1,21 +1,53 @@
 #include "cli/ParameterOptions.h"
 
-#include <fmt/format.h>
+#include <algorithm>
 
-#include <array>
-
+#include "cli/NearestWord.h"
+#include "core/Pipeline.h"
 #include "params/ParaTable.h"
+#include "text/CommandLabels.h"
+#include "text/Phrase.h"
 #include "text/Text.h"
 
 namespace velloran::cli {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> kExtensions = {"auto", "jpg", "bmp", "png",
-                                                         "tif",  "jp2", "gif", "webp"};
+constexpr int kStopCodes[] = {
+    kStopNothing, kStopBeforeLevels,   kStopContentBox,      kStopPageCorrectionFast,
+    kStopDeskew,  kStopBeforeVibrance, kStopSplitDrawn,      kStopWhole,
+    kStopSplit,   kStopPageCorrection, kStopContentBoxLayout};
+
+constexpr Language kLanguages[] = {Language::kChinese, Language::kEnglish};
 
 bool IsBlank(char c) {
     return c == ' ' || c == '\t';
+}
+
+std::vector<std::string> ParameterNames() {
+    std::vector<std::string> names;
+    for (int i = 0; i < kParaCount; ++i)
+        names.emplace_back(ParaRowOf(i).name);
+    return names;
+}
+
+/// The position of a list text, in whatever language.
+std::optional<std::int32_t> FindListText(const ParaRow& row, std::string_view text) {
+    for (std::size_t i = 0; i < row.list.size(); ++i)
+        for (const Language language : kLanguages)
+            if (ToUtf8(row.list[i].In(language)) == text)
+                return static_cast<std::int32_t>(i);
+    return std::nullopt;
+}
+
+std::string NoValue(const ParaRow& row, std::string_view value) {
+    if (row.list.empty())
+        return Phrase(labels::kNoParameterValue, {row.name, value});
+    std::vector<std::string> texts;
+    for (const Label& text : row.list)
+        for (const Language language : kLanguages)
+            texts.push_back(ToUtf8(text.In(language)));
+    return Phrase(labels::kNoListValue, {row.name, value}) + Suggestion(value, texts);
 }
 
 }  // namespace
@@ -23,22 +55,25 @@ bool IsBlank(char c) {
 std::optional<ParameterSetting> ParseParameterSetting(std::string_view text, std::string& problem) {
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos) {
-        problem = fmt::format("\"{}\" is not NAME=VALUE", text);
+        problem = Phrase(labels::kNotNameAndValue, {text});
         return std::nullopt;
     }
     const std::string_view name = text.substr(0, equals);
+    const std::string_view value = text.substr(equals + 1);
     const std::optional<int> index = FindPara(name);
     if (!index) {
-        problem = fmt::format("there is no parameter \"{}\"", name);
+        problem = Phrase(labels::kUnknownParameter, {name}) + Suggestion(name, ParameterNames());
         return std::nullopt;
     }
-    const std::optional<std::int32_t> value = ParseInt32(text.substr(equals + 1));
-    if (!value) {
-        problem =
-            fmt::format("\"{}\" of {} is not a number of 32 bits", text.substr(equals + 1), name);
+    // A text that is a number is the number, also in a list of numbers.
+    std::optional<std::int32_t> number = ParseInt32(value);
+    if (!number)
+        number = FindListText(ParaRowOf(*index), value);
+    if (!number) {
+        problem = NoValue(ParaRowOf(*index), value);
         return std::nullopt;
     }
-    return ParameterSetting{*index, *value};
+    return ParameterSetting{*index, *number};
 }
 
 std::string RangeWarning(int index, std::int32_t value) {
@@ -47,9 +82,13 @@ std::string RangeWarning(int index, std::int32_t value) {
     const bool high = row.max && value > *row.max;
     if (!low && !high)
         return {};
-    return fmt::format("{}={} is outside its range {}..{}", row.name, value,
-                       row.min ? std::to_string(*row.min) : "",
-                       row.max ? std::to_string(*row.max) : "");
+    return Phrase(labels::kOutsideRange,
+                  {row.name, std::to_string(value), row.min ? std::to_string(*row.min) : "",
+                   row.max ? std::to_string(*row.max) : ""});
+}
+
+std::string UnknownKeyWarning(std::string_view key) {
+    return Phrase(labels::kUnknownKey, {key}) + Suggestion(key, ParameterNames());
 }
 
 std::vector<SettingPlace> ReadingsOfSetting(std::string_view text) {
@@ -84,11 +123,8 @@ std::vector<std::string> SplitPathList(std::string_view bytes, bool nulSeparated
     return paths;
 }
 
-std::optional<int> ExtensionPosition(std::string_view text) {
-    for (std::size_t i = 0; i < kExtensions.size(); ++i)
-        if (EqualIgnoringCase(text, kExtensions[i]))
-            return static_cast<int>(i);
-    return std::nullopt;
+std::span<const int> StopCodeNumbers() {
+    return kStopCodes;
 }
 
 }  // namespace velloran::cli

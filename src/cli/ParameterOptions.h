@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,12 +18,16 @@ struct ParameterSetting {
 };
 
 /// Reads NAME=VALUE: the name exactly as in the parameter table, the value decimal or 0x
-/// hexadecimal, signed. Otherwise nothing, and `problem` says what is wrong, in English.
+/// hexadecimal, signed, or a text of the parameter's list in any language. Otherwise nothing, and
+/// `problem` says what is wrong, with the nearest right name or text.
 std::optional<ParameterSetting> ParseParameterSetting(std::string_view text, std::string& problem);
 
 /// A warning for a value outside the table's range; empty for one inside, and for a parameter
 /// that has none.
 std::string RangeWarning(int index, std::int32_t value);
+
+/// What to say of a key in a settings file that is no parameter.
+std::string UnknownKeyWarning(std::string_view key);
 
 /// One way to read FILE#SECTION.
 struct SettingPlace {
@@ -42,8 +47,7 @@ bool IsSectionName(std::string_view name);
 /// LF, and the first may begin with a UTF-8 mark.
 std::vector<std::string> SplitPathList(std::string_view bytes, bool nulSeparated);
 
-/// Position of an extension in the list of target extensions: auto, jpg, bmp, png, tif, jp2, gif,
-/// webp. Ignores case; nothing for any other text.
-std::optional<int> ExtensionPosition(std::string_view text);
+/// The codes at which an enhancement can end.
+std::span<const int> StopCodeNumbers();
 
 }  // namespace velloran::cli

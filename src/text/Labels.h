@@ -65,6 +65,17 @@ inline constexpr Label kIsNoLog{u"不是转换记录文件，不能用作记录�
                                 u"This is no run log and is not replaced by one."};
 inline constexpr Label kIsNoSettingsFile{u"不是参数设置文件，不能写入。",
                                          u"This is no settings file and is not written to."};
+inline constexpr Label kSharesTargetName{u"{0}: 结果与{1}的同名，存为{2}",
+                                         u"{0}: shares its target's name with {1}, goes to {2}"};
+inline constexpr Label kEnteredTooOften{u"{0}: 通过链接进入太多次，不再处理",
+                                        u"{0}: entered too often through links, left out"};
+inline constexpr Label kEvadesSource{
+    u"{0}: 结果与另一个源文件同名，存为{1}",
+    u"{0}: its target's name is that of another source, goes to {1}"};
+inline constexpr Label kTimesNotCopied{u"{0}: 日期、时间不能复制到结果",
+                                       u"{0}: its times could not be copied to the result"};
+inline constexpr Label kLogNotWritten{u"{0}: 结果记录不能写入",
+                                      u"{0}: the run log cannot be written"};
 inline constexpr Label kCountingFiles{u"统计文件数", u"Counting files"};
 inline constexpr Label kNothingToConvert{
     u"抱歉，在源文件夹下没有可供转换的文件。",

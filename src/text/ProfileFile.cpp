@@ -177,6 +177,22 @@ std::optional<std::u16string> ProfileFile::GetString(std::u16string_view section
     return IsQuoted(value) ? value.substr(1, value.size() - 2) : value;
 }
 
+std::vector<std::u16string> ProfileFile::KeyNames(std::u16string_view section) const {
+    const std::u16string wanted = Clean(section);
+    std::vector<std::u16string> names;
+    bool inside = false;
+    for (const Line& line : lines_) {
+        if (line.kind == LineKind::kHead)
+            inside = EqualIgnoringCase(line.name, wanted);
+        const auto isSame = [&](const std::u16string& name) {
+            return EqualIgnoringCase(name, line.name);
+        };
+        if (inside && line.kind == LineKind::kKey && std::ranges::none_of(names, isSame))
+            names.push_back(line.name);
+    }
+    return names;
+}
+
 std::int32_t ProfileFile::GetInt(std::u16string_view section, std::u16string_view key,
                                  std::int32_t fallback) const {
     const std::optional<std::u16string> value = GetString(section, key);

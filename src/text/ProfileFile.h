@@ -43,6 +43,9 @@ class ProfileFile {
     /// Whether the section holds at least one key.
     bool HasKeys(std::u16string_view section) const;
 
+    /// Names of the section's keys as they stand, in file order, each once.
+    std::vector<std::u16string> KeyNames(std::u16string_view section) const;
+
     std::optional<std::u16string> GetString(std::u16string_view section,
                                             std::u16string_view key) const;
     /// Leading blanks, a sign and decimal digits, or 0x and hexadecimal digits; what follows is

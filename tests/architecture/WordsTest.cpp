@@ -39,5 +39,20 @@ TEST(Words, OfOtherScriptsStandInTheLabelsAndTheParameterTableAlone) {
         }
 }
 
+/// The files that include a header, by its name as it stands between the marks.
+std::vector<std::string> FilesThatInclude(const std::string& header) {
+    std::vector<std::string> names;
+    for (const SourceFile& file : ReadSourceTree())
+        for (const std::string& line : file.lines)
+            if (line.starts_with("#include") && line.find(header) != std::string::npos)
+                names.push_back(file.name);
+    return names;
+}
+
+TEST(Libraries, OfOptionsAndJsonAreKnownToOneFileEach) {
+    EXPECT_EQ(FilesThatInclude("<CLI/"), std::vector<std::string>{"cli/OptionParser.cpp"});
+    EXPECT_EQ(FilesThatInclude("<nlohmann/"), std::vector<std::string>{"cli/Json.cpp"});
+}
+
 }  // namespace
 }  // namespace velloran::test

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <chrono>
 #include <nlohmann/json.hpp>
@@ -87,9 +88,141 @@ TEST(CommandLine, VersionIsNameAndNumber) {
     EXPECT_TRUE(outcome.out.size() > 10 && std::isdigit(outcome.out[9])) << outcome.out;
 }
 
+TEST(CommandLine, VerboseVersionTellsLibrariesAndProcessor) {
+    const std::vector<std::string> lines = LinesOf(RunProgram({"--version", "-v"}).out);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_NE(lines[1].find("libpng 1."), std::string::npos) << lines[1];
+    const std::string plain =
+        LinesOf(RunProgram({"--version", "-v"}, {.variables = {{"VELLORAN_CPU", "SCALAR"}}}).out)
+            .at(2);
+    EXPECT_EQ(plain.find("处理器指令: SCALAR ("), 0U) << plain;
+}
+
 TEST(CommandLine, AUsageErrorNamesTheHelpOfItsCommand) {
     EXPECT_NE(RunProgram({"info", "--nothing"}).err.find("velloran info --help"),
               std::string::npos);
+}
+
+struct TypoCase {
+    const char* name;
+    std::vector<std::string> arguments;
+    std::string nearest;  // empty: none is near
+};
+void PrintTo(const TypoCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
+class Typo : public testing::TestWithParam<TypoCase> {};
+
+TEST_P(Typo, IsAnsweredWithTheNearestRightWord) {
+    const Outcome outcome = RunProgram(GetParam().arguments);
+    EXPECT_EQ(outcome.status, 2);
+    if (GetParam().nearest.empty())
+        EXPECT_EQ(outcome.err.find("是不是"), std::string::npos) << outcome.err;
+    else
+        EXPECT_NE(outcome.err.find("是不是“" + GetParam().nearest + "”？"), std::string::npos)
+            << outcome.err;
+}
+
+const TypoCase kTypoCases[] = {
+    {"Subcommand", {"bach"}, "batch"},
+    {"SubcommandFarFromAll", {"frobnicate"}, ""},
+    {"Option", {"batch", "a", "b", "--no-recuse"}, "--no-recurse"},
+    {"OptionWithValue", {"batch", "a", "b", "--job=3"}, "--jobs"},
+    {"OptionCutShort", {"batch", "a", "b", "--skip-ex"}, "--skip-existing"},
+    {"Parameter", {"describe", "-s", "PARA_CONTRST=1"}, "PARA_CONTRAST"},
+    {"ParameterInSmallLetters", {"describe", "-s", "para_gamma=1"}, "PARA_GAMMA"},
+    {"ListText", {"describe", "-s", "PARA_COLOR=纯黑"}, "纯黑白"},
+    {"Extension", {"batch", "a", "b", "--ext", "pgn"}, "png"},
+    {"Language", {"info", "x", "--lang", "eng"}, "en"},
+};
+INSTANTIATE_TEST_SUITE_P(CommandLine, Typo, testing::ValuesIn(kTypoCases),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(CommandLine, AnUnknownCommandIsNamed) {
+    EXPECT_EQ(LinesOf(RunProgram({"bach", "a", "b"}).err).front(),
+              "velloran: 没有命令“bach”。是不是“batch”？");
+}
+
+TEST(CommandLine, ErrorsOfUsageAreInTheLanguageInUse) {
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string chinese, english;
+    };
+    const Case cases[] = {
+        {{}, "缺少命令。", "a command is missing."},
+        {{"batch", "a"}, "缺少TARGET。", "TARGET is missing."},
+        {{"enhance", "a", "b", "c"}, "“c”是多余的。", "\"c\" is one word too many."},
+        {{"batch", "a", "b", "--jobs"}, "--jobs后面缺少N。", "--jobs wants N behind it."},
+        {{"batch", "a", "b", "-yj"}, "--jobs后面缺少N。", "--jobs wants N behind it."},
+        {{"info", "a", "--json=1"}, "--json不带值。", "--json takes no value."},
+        {{"batch", "a", "b", "--jobs", "0"},
+         "--jobs: “0”不是1到1048576的整数。",
+         "--jobs: \"0\" is no number from 1 to 1048576."},
+        {{"batch", "a", "b", "--memory", "x"},
+         "--memory: “x”不是大小（如500M、2G）。",
+         "--memory: \"x\" is no size (as 500M, 2G)."},
+        {{"batch", "a", "b", "-0"}, "--null要和--list一起使用。", "--null goes with --list only."},
+        {{"batch", "a", "b", "--json", "--dry-run"},
+         "--dry-run不能和--json一起使用。",
+         "--dry-run and --json exclude each other."},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(LinesOf(RunProgram(c.arguments).err).front(), "velloran: " + c.chinese);
+        std::vector<std::string> english = c.arguments;
+        english.insert(english.begin(), {"--lang", "en"});
+        EXPECT_EQ(LinesOf(RunProgram(english).err).front(), "velloran: " + c.english);
+    }
+}
+
+bool IsAscii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x80; });
+}
+
+TEST(CommandLine, SpeaksOneLanguageAtATime) {
+    const Surroundings english{.variables = {{"VELLORAN_LANG", "en"}}};
+    for (const char* command : {"enhance", "batch", "describe", "params", "info", "detect"}) {
+        const std::string help = RunProgram({command, "--help"}, english).out;
+        EXPECT_TRUE(IsAscii(help)) << help;
+        EXPECT_EQ(RunProgram({command, "--help", "--lang", "en"}).out, help);
+        EXPECT_EQ(RunProgram({"--lang=en", command, "--help"}).out, help);
+        EXPECT_EQ(RunProgram({command, "--help", "--lang", "zh"}, english).out,
+                  RunProgram({command, "--help"}).out);
+        EXPECT_NE(RunProgram({command, "--help"}).out, help);
+    }
+    EXPECT_TRUE(IsAscii(RunProgram({"--help"}, english).out));
+    EXPECT_TRUE(IsAscii(RunProgram({"--print-man"}, english).out));
+}
+
+TEST(CommandLine, QuietKeepsWarningsAwayAndNoFailure) {
+    const Outcome warned = RunProgram({"describe", "-s", "PARA_CONTRAST=300"});
+    EXPECT_EQ(warned.err, "velloran: 警告: PARA_CONTRAST=300超出范围0..200\n");
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"describe", "--quiet", "-s", "PARA_CONTRAST=300"},
+          {"-q", "describe", "-s", "PARA_CONTRAST=300"}}) {
+        const Outcome quiet = RunProgram(words);
+        EXPECT_EQ(quiet.err, "");
+        EXPECT_EQ(quiet.out, warned.out);
+    }
+    EXPECT_NE(RunProgram({"info", "--quiet", "gone.png"}).err, "");
+}
+
+TEST(CommandLine, ControlCharactersOfNamesAreShownOnTerminals) {
+    if (!HasTerminals())
+        GTEST_SKIP() << "no terminals here";
+    const std::string name =
+        "a\x1B[2J\x7F\xC2\x9B"
+        "b\xFF\xE2\x80\xAE.png";
+    const TempFolder folder;
+    WritePage(folder / "page.png");
+    std::filesystem::rename(folder / "page.png", folder / name);
+    const Outcome outcome = RunProgram(
+        {"detect", name, "gone" + name},
+        {.folder = folder.Path(), .variables = {{"NO_COLOR", "1"}}, .terminalAnswer = "\n"});
+    EXPECT_NE(outcome.terminal.find("gonea\\x1B[2J\\x7F\\u009Bb\\xFF\\u202E.png: "),
+              std::string::npos)
+        << outcome.terminal;
+    EXPECT_EQ(outcome.terminal.find('\x1B'), std::string::npos);
 }
 
 TEST(CommandLine, TwoDashesEndTheOptions) {
@@ -117,7 +250,7 @@ TEST(CommandLine, OutputThatCannotBeWrittenIsExitStatus4) {
          {std::vector<std::string>{"params"}, {"params", "--json"}, {"describe"}, {"--version"}}) {
         const Outcome outcome = RunProgram(arguments, {.outputFull = true});
         EXPECT_EQ(outcome.status, 4) << arguments.front();
-        EXPECT_NE(outcome.err.find("standard output"), std::string::npos) << arguments.front();
+        EXPECT_NE(outcome.err.find("标准输出"), std::string::npos) << arguments.front();
     }
 }
 

@@ -4,7 +4,9 @@
 
 #include "cli/Arguments.h"
 #include "cli/Console.h"
+#include "cli/TextWidth.h"
 #include "params/ParaTable.h"
+#include "text/Text.h"
 
 namespace velloran::cli {
 namespace {
@@ -65,8 +67,8 @@ TEST(ParameterOptions, NamesAreExact) {
 TEST(ParameterOptions, WarnsOfWhatTheTableDoesNotAllow) {
     EXPECT_EQ(RangeWarning(PARA_CONTRAST, 0), "");
     EXPECT_EQ(RangeWarning(PARA_CONTRAST, 200), "");
-    EXPECT_EQ(RangeWarning(PARA_CONTRAST, 201), "PARA_CONTRAST=201 is outside its range 0..200");
-    EXPECT_EQ(RangeWarning(PARA_CONTRAST, -1), "PARA_CONTRAST=-1 is outside its range 0..200");
+    EXPECT_EQ(RangeWarning(PARA_CONTRAST, 201), "PARA_CONTRAST=201超出范围0..200");
+    EXPECT_EQ(RangeWarning(PARA_CONTRAST, -1), "PARA_CONTRAST=-1超出范围0..200");
     EXPECT_EQ(RangeWarning(PARA_LEVELS_LIGHT, INT32_MIN), "") << "it has no range";
 }
 
@@ -98,35 +100,63 @@ TEST(ParameterOptions, PathListsAreLinesOrNulSeparated) {
     EXPECT_EQ(SplitPathList("\n\n\r\n", false), Paths{});
 }
 
-TEST(ParameterOptions, ExtensionsStandInListOrder) {
-    EXPECT_EQ(ExtensionPosition("auto"), 0);
-    EXPECT_EQ(ExtensionPosition("JPG"), 1);
-    EXPECT_EQ(ExtensionPosition("webp"), 7);
-    for (const char* text : {"", ".jpg", "jpeg", "tiff"})
-        EXPECT_EQ(ExtensionPosition(text), std::nullopt) << text;
+TEST(Arguments, ComeBackAsTheyWereTyped) {
+    const std::vector<std::string> words = {"[a]", "++", "{}", "%%", "\x01\x01", "", "-s", "x=[1]"};
+    EXPECT_EQ(Unguard(GuardWords(words)), words);
 }
 
-TEST(Arguments, ComeBackAsTheyWereTyped) {
-    const char* words[] = {"velloran", "[a]", "++", "{}", "%%", "\x01\x01", "", "-s", "x=[1]"};
-    const std::vector<std::string> back = Unguard(GuardArguments(9, words));
-    for (std::size_t i = 0; i < back.size(); ++i)
-        EXPECT_EQ(back[i], words[i + 1]);
+TEST(Arguments, AreGuardedBehindAnEqualsSignToo) {
+    EXPECT_EQ(GuardWords({"--log=[a]"}), std::vector<std::string>{"--log=\x01[a]"});
+    EXPECT_EQ(GuardWords({"--log=a"}), std::vector<std::string>{"--log=a"});
+}
+
+TEST(ParameterOptions, AListTextIsItsValueInEitherLanguage) {
+    std::string problem;
+    const auto value = [&](const std::string& text) {
+        const auto setting = ParseParameterSetting(text, problem);
+        return setting ? std::optional(setting->value) : std::nullopt;
+    };
+    EXPECT_EQ(value("PARA_COLOR=纯黑白"), 7);
+    EXPECT_EQ(value("PARA_COLOR=" + ToUtf8(ParaRowOf(PARA_COLOR).list[7].In(Language::kEnglish))),
+              7);
+    EXPECT_EQ(value("PARA_ROATE=(无)"), 0);
+    // A number is the position, also where the texts are numbers.
+    EXPECT_EQ(value("PARA_SURFACE_BLUR_RADIUS=4"), 4);
+    EXPECT_EQ(value("PARA_COLOR=纯黑"), std::nullopt);
+    EXPECT_NE(problem.find("“纯黑白”"), std::string::npos) << problem;
+    EXPECT_EQ(value("PARA_CONTRAST=纯黑白"), std::nullopt) << "it has no list";
 }
 
 TEST(ProgressText, TellsDoneTotalRateTimeLeftAndPath) {
     EXPECT_EQ(BarText({10, 40, 5.0, "a/b.png"}, 0),
-              "[#####...............] 10/40 2.0/s, 0:15 left a/b.png");
+              "[#####...............] 10/40 2.0/秒 剩余0:15 a/b.png");
     EXPECT_EQ(BarText({0, 40, 0.0, ""}, 0), "[....................] 0/40");
-    EXPECT_EQ(BarText({1, 7201, 1.0, ""}, 0), "[....................] 1/7201 1.0/s, 2:00:00 left");
+    EXPECT_EQ(BarText({1, 7201, 1.0, ""}, 0), "[....................] 1/7201 1.0/秒 剩余2:00:00");
+}
+
+std::size_t Columns(const std::string& text) {
+    return WidthOf(ToUtf16(text));
 }
 
 TEST(ProgressText, ALongPathLosesItsFront) {
-    // 34 columns stand before the path; six are left, of which wide characters take two each.
+    // A blank before the path and the last column stay free; six are left for it.
     const std::string whole = BarText({1, 2, 1.0, ""}, 0);
-    const std::size_t columns = whole.size() + 2 + 6;
+    const std::size_t columns = Columns(whole) + 2 + 6;
     EXPECT_EQ(BarText({1, 2, 1.0, "folder/page01"}, columns), whole + " page01");
     EXPECT_EQ(BarText({1, 2, 1.0, "甲乙丙丁"}, columns), whole + " 乙丙丁");
     EXPECT_EQ(BarText({1, 2, 1.0, "x甲乙丙丁"}, columns - 1), whole + " 丙丁");
+}
+
+TEST(ProgressText, NeverReachesTheLastColumn) {
+    for (std::size_t columns = 1; columns <= 100; ++columns)
+        for (const std::size_t total : {std::size_t{2}, std::size_t{123456}}) {
+            const std::string text = BarText({1, total, 1.0, "甲/page.png"}, columns);
+            EXPECT_LT(Columns(text), columns) << text;
+        }
+    EXPECT_EQ(BarText({1, 2, 1.0, "a"}, 40), "[#######.......] 1/2 1.0/秒 剩余0:01")
+        << "the bar gives way before the rate";
+    EXPECT_EQ(BarText({1, 2, 1.0, "a"}, 20), "[######.......] 1/2");
+    EXPECT_EQ(BarText({1, 2, 1.0, "a"}, 5), "1/2");
 }
 
 }  // namespace

@@ -48,6 +48,11 @@ TEST(Params, ListsAll134InOrder) {
     EXPECT_EQ(lines[133].substr(0, 26), "133\tJPG_PROGRESSIVE\t1\t0..1");
 }
 
+TEST(Params, NumberTheTextsOfTheirLists) {
+    const std::vector<std::string> lines = LinesOf(RunProgram({"params"}).out);
+    EXPECT_EQ(lines.at(62), "62\tPARA_PAGE_SIZE_UNIT\t0\t0=厘米, 1=像素\t页面尺寸单位");
+}
+
 TEST(Params, JsonBeginsWithTheSevenKeys) {
     const Json all = Json::parse(RunProgram({"params", "--json"}).out);
     ASSERT_EQ(all.size(), 134U);
@@ -159,6 +164,11 @@ TEST(Info, PathsThatAreNoTextPass) {
     const Json all =
         Json::parse(RunProgram({"info", "--json", name}, {.folder = folder.Path()}).out);
     EXPECT_EQ(all[0]["path"], "b\uFFFD\uFFFD \n\".png");
+    EXPECT_EQ(all[0]["pathBytes"], "b%FF%FE %0A\".png");
+    WritePage(folder / "c.png");
+    const Json text =
+        Json::parse(RunProgram({"info", "--json", "c.png"}, {.folder = folder.Path()}).out);
+    EXPECT_FALSE(text[0].contains("pathBytes"));
 }
 
 TEST(InfoSlow, AThousandFilesTakeTwoSeconds) {

@@ -1,0 +1,58 @@
+#include "cli/Causes.h"
+
+#include "text/CommandLabels.h"
+#include "text/Phrase.h"
+
+namespace velloran::cli {
+
+namespace {
+
+using namespace labels;
+
+Label LabelOf(FileReason reason) {
+    switch (reason) {
+        case FileReason::kNoSpace:
+            return kCauseNoSpace;
+        case FileReason::kNoPermission:
+            return kCauseNoPermission;
+        case FileReason::kNoSuchFile:
+            return kCauseMissing;
+        case FileReason::kIsFolder:
+            return kCauseFolder;
+        case FileReason::kNotPlainFile:
+            return kCauseNoPlainFile;
+        case FileReason::kEmpty:
+            return kCauseEmpty;
+        case FileReason::kDamaged:
+            return kCauseDamaged;
+        case FileReason::kKindNotRead:
+            return kCauseNotRead;
+        case FileReason::kKindNotWritten:
+            return kCauseNotWritten;
+        case FileReason::kTooLarge:
+            return kCauseTooLarge;
+        case FileReason::kNameTooLong:
+            return kCauseLongName;
+        case FileReason::kTooManyFiles:
+            return kCauseTooManyOpen;
+        case FileReason::kNoMemory:
+            return kCauseNoMemory;
+        case FileReason::kInputOutput:
+            return kCauseInputOutput;
+        case FileReason::kUnknown:
+            break;
+    }
+    return {};
+}
+
+}  // namespace
+
+std::string CauseText(FileReason reason) {
+    return Phrase(LabelOf(reason));
+}
+
+std::string CauseOfErrno(int code) {
+    return CauseText(ReasonOfErrno(code));
+}
+
+}  // namespace velloran::cli

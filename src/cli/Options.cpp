@@ -1,0 +1,117 @@
+#include "cli/Options.h"
+
+#include <array>
+#include <cassert>
+
+#include "cli/ParameterOptions.h"
+#include "codecs/Formats.h"
+#include "text/CommandLabels.h"
+
+namespace velloran::cli {
+
+namespace {
+
+using namespace labels;
+using enum Takes;
+using enum OptionGroup;
+
+std::vector<std::string> Languages() {
+    return {"zh", "en"};
+}
+
+std::vector<std::string> Shells() {
+    return {"bash", "zsh"};
+}
+
+std::vector<std::string> StopCodes() {
+    std::vector<std::string> words;
+    for (const int code : StopCodeNumbers())
+        words.push_back(std::to_string(code));
+    return words;
+}
+
+std::vector<std::string> ExtensionWords() {
+    return {TargetExtensionWords().begin(), TargetExtensionWords().end()};
+}
+
+std::vector<std::string> SourceFilterPositions() {
+    std::vector<std::string> words;
+    for (int i = 0; i < SourceFilterCount(); ++i)
+        words.push_back(std::to_string(i));
+    return words;
+}
+
+constexpr int kMostJobs = 1 << 20;
+
+// clang-format off
+const std::array kRows = {
+    OptionRow{Option::kHelp, "--help", "", 'h', kNothing, "", kOptionHelp, kGeneral},
+    OptionRow{Option::kVersion, "--version", "", 0, kNothing, "", kOptionVersion, kGeneral},
+    OptionRow{Option::kLang, "--lang", "", 0, kWord, "LANG", kOptionLang, kGeneral, Completes::kWords, Languages},
+    OptionRow{Option::kQuiet, "--quiet", "", 'q', kNothing, "", kOptionQuiet, kGeneral},
+    OptionRow{Option::kVerbose, "--verbose", "", 'v', kNothing, "", kOptionVerbose, kGeneral},
+    OptionRow{Option::kPrintMan, "--print-man", "", 0, kNothing, "", kOptionPrintMan, kHidden},
+    OptionRow{Option::kPrintCompletion, "--print-completion", "", 0, kWord, "SHELL", kOptionPrintCompletion, kHidden, Completes::kWords, Shells},
+    OptionRow{Option::kSet, "--set", "", 's', kTexts, "NAME=VALUE", kOptionSet, kParameters, Completes::kParameters},
+    OptionRow{Option::kSetting, "--setting", "", 0, kText, "FILE[#SECTION]", kOptionSetting, kParameters, Completes::kFiles},
+    OptionRow{Option::kStore, "--settings-store", "", 0, kText, "FILE", kOptionStore, kParameters, Completes::kFiles},
+    OptionRow{Option::kNamed, "--named", "", 'n', kText, "NAME", kOptionNamed, kParameters, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kSetting},
+    OptionRow{Option::kStop, "--stop", "", 0, kWord, "CODE", kOptionStop, kOwn, Completes::kWords, StopCodes},
+    OptionRow{Option::kPreview, "--preview", "", 0, kNothing, "", kOptionPreview, kOwn},
+    OptionRow{Option::kSaveSetting, "--save-setting", "", 0, kText, "FILE#SECTION", kOptionSaveSetting, kOwn, Completes::kFiles},
+    OptionRow{Option::kKeepDpi, "--keep-dpi", "", 0, kNothing, "", kOptionKeepDpi, kOwn},
+    OptionRow{Option::kExt, "--ext", "", 0, kWord, "EXT", kOptionExt, kOwn, Completes::kWords, ExtensionWords},
+    OptionRow{Option::kFiles, "--files", "", 0, kNumber, "N", kOptionFiles, kOwn, Completes::kWords, SourceFilterPositions, 0, SourceFilterCount() - 1},
+    OptionRow{Option::kNoRecurse, "--no-recurse", "", 0, kNothing, "", kOptionNoRecurse, kOwn},
+    OptionRow{Option::kSkipColor, "--skip-colour", "--skip-color", 0, kNothing, "", kOptionSkipColor, kOwn},
+    OptionRow{Option::kKeepTime, "--keep-time", "", 0, kNothing, "", kOptionKeepTime, kOwn},
+    OptionRow{Option::kSkipExisting, "--skip-existing", "", 0, kNothing, "", kOptionSkipExisting, kOwn},
+    OptionRow{Option::kList, "--list", "", 0, kText, "FILE", kOptionList, kOwn, Completes::kFiles},
+    OptionRow{Option::kNull, "--null", "", '0', kNothing, "", kOptionNull, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kList},
+    OptionRow{Option::kJobs, "--jobs", "", 'j', kNumber, "N", kOptionJobs, kOwn, Completes::kNothing, nullptr, 1, kMostJobs},
+    OptionRow{Option::kMemory, "--memory", "", 0, kSize, "SIZE", kOptionMemory, kOwn},
+    OptionRow{Option::kStrict, "--strict", "", 0, kNothing, "", kOptionStrict, kOwn},
+    OptionRow{Option::kLog, "--log", "", 0, kText, "FILE", kOptionLog, kOwn, Completes::kFiles},
+    OptionRow{Option::kYes, "--yes", "", 'y', kNothing, "", kOptionYes, kOwn},
+    OptionRow{Option::kDryRun, "--dry-run", "", 0, kNothing, "", kOptionDryRun, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kJsonBatch},
+    OptionRow{Option::kJsonBatch, "--json", "", 0, kNothing, "", kOptionJsonBatch, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kDryRun},
+    OptionRow{Option::kProgress, "--progress", "", 0, kNothing, "", kOptionProgress, kOwn},
+    OptionRow{Option::kCropSummary, "--crop-summary", "", 0, kNothing, "", kOptionCropSummary, kOwn},
+    OptionRow{Option::kJson, "--json", "", 0, kNothing, "", kOptionJson, kOwn},
+    OptionRow{Option::kByName, "--by-name", "", 0, kNothing, "", kOptionByName, kOwn},
+};
+// clang-format on
+static_assert(kRows.size() == static_cast<std::size_t>(Option::kNone));
+
+constexpr Option kGeneralOptions[] = {Option::kHelp, Option::kLang, Option::kQuiet,
+                                      Option::kVerbose};
+constexpr Option kProgramOptions[] = {Option::kVersion, Option::kPrintMan,
+                                      Option::kPrintCompletion};
+
+}  // namespace
+
+const OptionRow& RowOf(Option option) {
+    const OptionRow& row = kRows[static_cast<std::size_t>(option)];
+    assert(row.id == option);
+    return row;
+}
+
+std::string OptionHead(const OptionRow& row) {
+    std::string head;
+    if (row.letter != 0)
+        head += std::string("-") + row.letter + ", ";
+    head += row.name;
+    if (row.takes != kNothing)
+        head.append(" ").append(row.argument);
+    return head;
+}
+
+std::span<const Option> GeneralOptions() {
+    return kGeneralOptions;
+}
+
+std::span<const Option> ProgramOptions() {
+    return kProgramOptions;
+}
+
+}  // namespace velloran::cli

@@ -1,0 +1,284 @@
+#pragma once
+
+// Words of the command line: what it says of its own options, and of what went wrong. {0} to {9}
+// are gaps, filled by Phrase.
+
+#include "text/Label.h"
+
+namespace velloran::labels {
+
+// Help.
+inline constexpr Label kProgramSummary{u"整理扫描的漫画和书籍。",
+                                       u"Cleans up scanned comics and books."};
+inline constexpr Label kHelpUsage{u"用法:", u"Usage:"};
+inline constexpr Label kHelpCommands{u"命令:", u"Commands:"};
+inline constexpr Label kHelpOperands{u"操作对象:", u"Operands:"};
+inline constexpr Label kHelpOptions{u"选项:", u"Options:"};
+inline constexpr Label kHelpParameters{u"参数:", u"Parameters:"};
+inline constexpr Label kHelpGeneral{u"通用选项:", u"General options:"};
+inline constexpr Label kHelpOptionWord{u"[选项]", u"[OPTIONS]"};
+inline constexpr Label kHelpCommandWord{u"命令", u"COMMAND"};
+inline constexpr Label kHelpOfCommand{u"“{0} 命令 --help”说明一个命令。",
+                                      u"'{0} COMMAND --help' tells of one command."};
+inline constexpr Label kTryHelp{u"用法见“{0} --help”。", u"Try '{0} --help'."};
+inline constexpr Label kWarning{u"警告:", u"warning:"};
+inline constexpr Label kYesNo{u" [y/N] ", u" [y/N] "};
+inline constexpr Label kNoSuchForm{
+    u"VELLORAN_CPU: 处理器没有这种指令形式，使用最好的。",
+    u"VELLORAN_CPU: the processor has no such form, the best is used."};
+inline constexpr Label kVersionOfLibraries{u"函数库", u"Libraries"};
+inline constexpr Label kVersionOfProcessor{u"处理器指令", u"Processor form"};
+
+// Commands.
+inline constexpr Label kCommandEnhance{u"处理一幅图像", u"Enhance one picture"};
+inline constexpr Label kCommandBatch{u"处理整个文件夹", u"Enhance a folder tree"};
+inline constexpr Label kCommandDescribe{u"用文字说明参数的作用",
+                                        u"Tell in words what the parameters would do"};
+inline constexpr Label kCommandParams{u"列出全部参数", u"List the parameters"};
+inline constexpr Label kCommandInfo{u"显示图像的大小、色深和分辨率",
+                                    u"Tell size, depth and resolution of files"};
+inline constexpr Label kCommandDetect{u"判断文件类型", u"Tell the type of files"};
+inline constexpr Label kDetailsEnhance{
+    u"读取INPUT（类型由内容决定），处理后存为OUTPUT（类型由扩展名决定）。",
+    u"Loads INPUT, whose content decides its type, enhances it and saves OUTPUT, whose extension "
+    u"decides its type."};
+inline constexpr Label kDetailsBatch{
+    u"处理一个文件夹中的图像，结果存入另一个文件夹，保留子文件夹。结果的文件名为源文件名的小写，"
+    u"加上新的扩展名；两个源文件同名时，后一个的名字加~2、~3等，并给出警告。文件按自然顺序处理。",
+    u"Enhances the pictures of a folder tree into another one; subfolders are kept. The name of a "
+    u"result is its source's in lower case with the new extension. Where two sources would meet, "
+    u"the later one gets ~2, ~3 and so on, with a warning. Files are walked in natural order."};
+inline constexpr Label kDetailsDescribe{
+    u"按处理顺序逐行输出参数的作用，没有作用的步骤不出现。",
+    u"A line a step, in the order of the enhancement; a step that would not run has none."};
+inline constexpr Label kDetailsParams{
+    u"每行一个参数：序号、名称、默认值、范围或列表、含义。列表中的文字前是它的值。",
+    u"A line a parameter: index, name, default, range or list, meaning. In a list each text stands "
+    u"behind its value."};
+inline constexpr Label kDetailsInfo{
+    u"每行一个文件：路径、类型号、类型名、宽、高、每像素位数、使用的颜色数、水平和垂直分辨率。",
+    u"A line a file: path, type id, type name, width, height, bits per pixel, colors used, "
+    u"horizontal and vertical resolution."};
+inline constexpr Label kDetailsDetect{u"每行一个文件：类型号和路径。",
+                                      u"A line a file: the type id and the path."};
+
+// Operands.
+inline constexpr Label kOperandInput{u"源图像，类型由内容决定",
+                                     u"The picture; its content decides the type"};
+inline constexpr Label kOperandOutput{u"结果，类型由扩展名决定",
+                                      u"The result; its extension decides the type"};
+inline constexpr Label kOperandSource{u"存放源文件的文件夹", u"The folder of the pages"};
+inline constexpr Label kOperandTarget{u"存放结果的文件夹", u"The folder for the results"};
+inline constexpr Label kOperandFiles{u"文件", u"Files"};
+
+// Options.
+inline constexpr Label kOptionHelp{u"显示说明", u"Print help"};
+inline constexpr Label kOptionVersion{u"显示版本；加-v时还有函数库和处理器指令",
+                                      u"Print the version; with -v libraries and processor too"};
+inline constexpr Label kOptionLang{u"语言: zh（默认）或en", u"Language: zh (default) or en"};
+inline constexpr Label kOptionQuiet{u"不显示警告和进度", u"No warnings and no progress"};
+inline constexpr Label kOptionVerbose{u"显示每个步骤和失败的详细原因",
+                                      u"Tell each step, and failures in detail"};
+inline constexpr Label kOptionPrintMan{u"输出手册页", u"Print the manual page"};
+inline constexpr Label kOptionPrintCompletion{u"输出命令补全脚本: bash或zsh",
+                                              u"Print the completion script: bash or zsh"};
+inline constexpr Label kOptionSet{
+    u"按名称设置一个参数，如PARA_CONTRAST=120或PARA_COLOR=纯黑白；可多次使用，后面的优先",
+    u"Set one parameter by its name, as PARA_CONTRAST=120 or PARA_COLOR=\"Black and white\"; may "
+    u"be repeated, the last one wins"};
+inline constexpr Label kOptionSetting{u"以设置文件的一节为基础",
+                                      u"Start from a section of a settings file"};
+inline constexpr Label kOptionStore{u"命名设置所在的文件", u"Where named settings are looked up"};
+inline constexpr Label kOptionNamed{u"以一个命名设置为基础",
+                                    u"Start from a named setting of the store"};
+inline constexpr Label kOptionStop{
+    u"处理在何处结束: 0不处理，135分页后，97同样但只画出分页，136页面矫正后，74同样但用快速方式，"
+    u"77纠斜后，137或20切边后，14色阶前，91色阶后，134全部（默认）",
+    u"Where the enhancement ends: 0 nothing is done, 135 after the split, 97 the same with the "
+    u"split drawn instead of cut, 136 after the page correction, 74 the same in fast form, 77 "
+    u"after the deskew, 137 or 20 after the content box, 14 before levels, 91 after levels, 134 "
+    u"(the default) the whole"};
+inline constexpr Label kOptionPreview{u"颜色只看上去减少", u"Only make colors look reduced"};
+inline constexpr Label kOptionSaveSetting{
+    u"把运行后的参数（包括找到的值）写入设置文件的一节；文件须是新的、空的或设置文件",
+    u"Write the parameters as they stand after the run, what it found included; the file must be "
+    u"new, empty or a settings file"};
+inline constexpr Label kOptionKeepDpi{u"结果保留源文件的分辨率",
+                                      u"Give results the resolution of their sources"};
+inline constexpr Label kOptionExt{u"结果的类型；auto按每个结果的色深选择",
+                                  u"Type of the results; auto chooses by the depth of each"};
+inline constexpr Label kOptionFiles{
+    u"源文件类型，在列表中的位置: 0全部，1 JPEG，2 GIF，3 UFO，4 BMP，5 PNG，6 TIFF，"
+    u"7图元文件，8 JPEG 2000，9 WebP，10相机原始文件",
+    u"Which sources, by position in the list of file types: 0 all, 1 JPEG, 2 GIF, 3 UFO, 4 BMP, "
+    u"5 PNG, 6 TIFF, 7 metafiles, 8 JPEG 2000, 9 WebP, 10 camera raw"};
+inline constexpr Label kOptionNoRecurse{u"不包括子文件夹", u"Leave out subfolders"};
+inline constexpr Label kOptionSkipColor{u"彩色页面原样复制，扩展名不变",
+                                        u"Copy color pages as they are"};
+inline constexpr Label kOptionKeepTime{u"结果保留源文件的日期和时间",
+                                       u"Give results the times of their sources"};
+inline constexpr Label kOptionSkipExisting{u"结果已有且不比源文件旧时跳过",
+                                           u"Leave sources whose result stands and is not older"};
+inline constexpr Label kOptionList{
+    u"只处理文件中列出的路径，每行一个；-为标准输入。SOURCE之外的文件直接存入TARGET",
+    u"Convert only the paths in a file, one a line; - is standard input. A path outside SOURCE "
+    u"goes into TARGET itself"};
+inline constexpr Label kOptionNull{u"列表中的路径以NUL结尾", u"Paths of the list end in NUL"};
+inline constexpr Label kOptionJobs{u"同时处理的文件数，默认为处理器数；结果不因它而变",
+                                   u"Files in flight, by default the number of processors; the "
+                                   u"results are the same for every number"};
+inline constexpr Label kOptionMemory{u"同时处理的页面合计可用的内存，如2G；默认为空闲内存",
+                                     u"What pages in flight may take together, as 2G; by default "
+                                     u"what is free"};
+inline constexpr Label kOptionStrict{u"损坏的源文件算失败", u"A damaged source counts as failed"};
+inline constexpr Label kOptionLog{
+    u"结果记录，每个失败的文件一行；文件须是新的、空的或旧的记录",
+    u"The run log, a line for each file that failed; the file must be new, empty or an old log"};
+inline constexpr Label kOptionYes{
+    u"允许结果覆盖源文件；不加时在终端上询问，没有终端则为用法错误",
+    u"Let results replace their sources; without it that is asked on a terminal, and is a usage "
+    u"error elsewhere"};
+inline constexpr Label kOptionDryRun{u"只输出每个源文件和结果的路径，不写文件",
+                                     u"Print each source and its target, write nothing"};
+inline constexpr Label kOptionJsonBatch{u"最后输出一个JSON对象，而不是文字",
+                                        u"End with one JSON object instead of the message"};
+inline constexpr Label kOptionJson{u"输出JSON", u"As JSON"};
+inline constexpr Label kOptionProgress{u"没有终端时也显示进度",
+                                       u"Show the progress without a terminal too"};
+inline constexpr Label kOptionCropSummary{u"只输出切边的摘要",
+                                          u"Only the short summary of the crop"};
+inline constexpr Label kOptionByName{u"只看扩展名", u"Look at the extension alone"};
+
+// Wrong usage.
+inline constexpr Label kNoCommand{u"缺少命令。", u"a command is missing."};
+inline constexpr Label kUnknownCommand{u"没有命令“{0}”。", u"there is no command \"{0}\"."};
+inline constexpr Label kUnknownOption{u"没有选项“{0}”。", u"there is no option \"{0}\"."};
+inline constexpr Label kDidYouMean{u"是不是“{0}”？", u" Did you mean \"{0}\"?"};
+inline constexpr Label kMissingOperand{u"缺少{0}。", u"{0} is missing."};
+inline constexpr Label kSurplusOperand{u"“{0}”是多余的。", u"\"{0}\" is one word too many."};
+inline constexpr Label kMissingValue{u"{0}后面缺少{1}。", u"{0} wants {1} behind it."};
+inline constexpr Label kTakesNoValue{u"{0}不带值。", u"{0} takes no value."};
+inline constexpr Label kNotWithin{u"{0}: “{1}”不是{2}到{3}的整数。",
+                                  u"{0}: \"{1}\" is no number from {2} to {3}."};
+inline constexpr Label kNotASize{u"{0}: “{1}”不是大小（如500M、2G）。",
+                                 u"{0}: \"{1}\" is no size (as 500M, 2G)."};
+inline constexpr Label kNeedsOption{u"{0}要和{1}一起使用。", u"{0} goes with {1} only."};
+inline constexpr Label kExcludesOption{u"{0}不能和{1}一起使用。",
+                                       u"{0} and {1} exclude each other."};
+inline constexpr Label kNoneOfWords{u"{0}: “{1}”不是{2}之一。", u"{0}: \"{1}\" is none of {2}."};
+inline constexpr Label kNotFileAndSection{u"{0}: “{1}”不是FILE#SECTION。",
+                                          u"{0}: \"{1}\" is not FILE#SECTION."};
+
+// Parameters and settings.
+inline constexpr Label kNotNameAndValue{u"“{0}”不是NAME=VALUE。", u"\"{0}\" is not NAME=VALUE."};
+inline constexpr Label kUnknownParameter{u"没有参数“{0}”。", u"there is no parameter \"{0}\"."};
+inline constexpr Label kNoParameterValue{u"{0}: “{1}”不是32位整数。",
+                                         u"{0}: \"{1}\" is no number of 32 bits."};
+inline constexpr Label kNoListValue{u"{0}: “{1}”不是32位整数，也不是列表中的文字。",
+                                    u"{0}: \"{1}\" is no number of 32 bits and no text of its "
+                                    u"list."};
+inline constexpr Label kOutsideRange{u"{0}={1}超出范围{2}..{3}",
+                                     u"{0}={1} is outside its range {2}..{3}"};
+inline constexpr Label kInSetting{u"{0} [{1}]: {2}", u"{0} [{1}]: {2}"};
+inline constexpr Label kUnknownKey{u"没有参数“{0}”，不使用。",
+                                   u"there is no parameter \"{0}\", left out."};
+inline constexpr Label kNotANumber{u"{0}=“{1}”不是数，读作{2}",
+                                   u"{0}=\"{1}\" is no number, read as {2}"};
+inline constexpr Label kNoSettingsFile{u"{0}: 没有这个设置文件。",
+                                       u"{0}: there is no such settings file."};
+inline constexpr Label kUnreadableSettings{u"{0}: 设置文件读取失败。",
+                                           u"{0}: the settings file could not be read."};
+inline constexpr Label kNoSetting{u"{0}: 没有设置“{1}”。", u"{0}: there is no setting \"{1}\"."};
+inline constexpr Label kSettingNotNamed{u"{0}: 有{1}个设置，请在#后面写出一个。",
+                                        u"{0}: holds {1} settings; name one behind a #."};
+
+// What a failure was due to, in brackets behind its message.
+inline constexpr Label kCauseNoSpace{u"空间不足", u"no space"};
+inline constexpr Label kCauseNoPermission{u"没有权限", u"no permission"};
+inline constexpr Label kCauseDamaged{u"文件损坏", u"damaged"};
+inline constexpr Label kCauseNotWritten{u"不能写成这种类型", u"kind not written"};
+inline constexpr Label kCauseNotRead{u"不支持的类型", u"kind not read"};
+inline constexpr Label kCauseMissing{u"没有这个文件或文件夹", u"no such file or folder"};
+inline constexpr Label kCauseFolder{u"是文件夹", u"is a folder"};
+inline constexpr Label kCauseNoPlainFile{u"不是普通文件", u"not a plain file"};
+inline constexpr Label kCauseTooLarge{u"太大", u"too large"};
+inline constexpr Label kCauseNoMemory{u"内存不足", u"no memory"};
+inline constexpr Label kCauseInputOutput{u"输入输出错误", u"I/O error"};
+inline constexpr Label kCauseLongName{u"名字太长", u"name too long"};
+inline constexpr Label kCauseEmpty{u"空文件", u"empty"};
+inline constexpr Label kCauseTooManyOpen{u"打开的文件太多", u"too many open files"};
+inline constexpr Label kCauseSource{u"源文件: {0}", u"source: {0}"};
+inline constexpr Label kCauseJoin{u"，", u"; "};
+
+// Progress and the end.
+inline constexpr Label kRateAndRest{u" {0}/秒 剩余{1}", u" {0}/s, {1} left"};
+inline constexpr Label kRunLogAt{u"结果记录: {0}", u"run log: {0}"};
+inline constexpr Label kStandardOutput{u"标准输出", u"standard output"};
+
+// The manual page.
+inline constexpr Label kManName{u"名称", u"NAME"};
+inline constexpr Label kManSynopsis{u"概要", u"SYNOPSIS"};
+inline constexpr Label kManDescription{u"说明", u"DESCRIPTION"};
+inline constexpr Label kManParameters{u"参数", u"PARAMETERS"};
+inline constexpr Label kManGeneral{u"通用选项", u"GENERAL OPTIONS"};
+inline constexpr Label kManStatus{u"退出状态", u"EXIT STATUS"};
+inline constexpr Label kManEnvironment{u"环境变量", u"ENVIRONMENT"};
+inline constexpr Label kManFiles{u"文件", u"FILES"};
+inline constexpr Label kManExamples{u"例子", u"EXAMPLES"};
+inline constexpr Label kManTitle{u"用户命令", u"User Commands"};
+inline constexpr Label kManNameLine{u"整理扫描的漫画和书籍", u"clean up scanned comics and books"};
+inline constexpr Label kManIntro{
+    u"134个编号的参数决定对页面做什么：色调、颜色、清晰度、几何、色深和输出格式。每一页都经过同样"
+    u"顺序的步骤，由参数决定哪些步骤起作用。",
+    u"One block of 134 numbered parameters says what is done to a page: tone, color, sharpness, "
+    u"geometry, color depth and output format. Every page runs through one fixed sequence of "
+    u"steps; a step runs when its parameters say so."};
+inline constexpr Label kManStreams{
+    u"结果写到标准输出，其余写到标准错误。失败的文件写出路径、原因，已知时括号内还有起因。写文件时"
+    u"先写在旁边再改名，因此文件要么完整，要么没有。",
+    u"Results go to standard output, all else to standard error. A failure says which file and "
+    u"what, and in brackets the cause where one is known. A file is written beside its target and "
+    u"renamed over it, so that it appears whole or not at all."};
+inline constexpr Label kManOrder{
+    u"用于enhance、batch和describe，顺序为：默认值，然后--setting或--named，然后从左到右每个--set，"
+    u"最后是代表参数的选项。值为十进制、0x开头的十六进制（32位，0xFFFFFFFF为-"
+    u"1），或者列表中的文字。"
+    u"超出范围的值照用，但给出警告；设置文件中未知的键、不是数的值也给出警告。",
+    u"These are common to enhance, batch and describe. They apply in this order: the defaults, "
+    u"then --setting or --named, then every --set from left to right, then options that stand for "
+    u"a parameter. A value is decimal, 0x hexadecimal (32 bits: 0xFFFFFFFF is -1), or a text of "
+    u"its list. A value outside its range is taken, with a warning; an unknown key and a value "
+    u"that is no number in a settings file are warned of too."};
+inline constexpr Label kStatusDone{u"完成。", u"Done."};
+inline constexpr Label kStatusFileFailed{
+    u"至少一个文件不能读取或转换，每个都写在标准错误上；再试也没有用。",
+    u"At least one file could not be read or converted; each is named on standard error. Another "
+    u"try will not help."};
+inline constexpr Label kStatusWrongUsage{u"用法错误，没有读写任何文件。",
+                                         u"Wrong usage: nothing was read or written."};
+inline constexpr Label kStatusNotWritten{
+    u"至少一个结果因图像以外的原因不能写出（内存、空间、权限、输入输出错误）；再试可能有用。",
+    u"At least one result could not be written for a cause outside the picture (no memory, no "
+    u"space, no permission, I/O error); another try may help."};
+inline constexpr Label kStatusStopped{
+    u"被Ctrl+C、SIGTERM或挂断中止，已写的文件都是完整的。",
+    u"Stopped by Ctrl+C, SIGTERM or a hang-up, with everything written so far whole."};
+inline constexpr Label kEnvLang{u"为en时使用英文。", u"With en every word is English."};
+inline constexpr Label kEnvNoColor{u"不为空时不用颜色。",
+                                   u"When it is not empty, no color is shown."};
+inline constexpr Label kEnvThreads{u"限制使用的处理器数。",
+                                   u"Limits the number of processors used."};
+inline constexpr Label kEnvCpu{u"指定处理器指令的形式，用于报告问题。",
+                               u"Forces a form of the processor, for bug reports."};
+inline constexpr Label kEnvXdg{u"程序自己的文件夹不可写时，设置和记录所在的位置。",
+                               u"Where settings and the run log stand when the program's own "
+                               u"folder cannot be written."};
+inline constexpr Label kFileStore{
+    u"命名设置：程序的文件夹可写时在程序旁边，否则在~/.config/VelloranPro/。",
+    u"Named settings: beside the program when that folder can be "
+    u"written, otherwise in ~/.config/VelloranPro/."};
+inline constexpr Label kFileLog{u"结果记录：同样在程序旁边，否则在~/.local/state/VelloranPro/。",
+                                u"The run log: beside the program likewise, otherwise in "
+                                u"~/.local/state/VelloranPro/."};
+
+}  // namespace velloran::labels
