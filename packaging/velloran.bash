@@ -55,7 +55,7 @@ _velloran() {
             return
             ;;
         --files)
-            COMPREPLY=($(compgen -W "0 1 2 3 4 5 6 7 8 9 10" -- "$current"))
+            COMPREPLY=($(compgen -W "0" -- "$current"))
             return
             ;;
         --list)

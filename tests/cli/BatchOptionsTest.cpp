@@ -305,7 +305,7 @@ TEST_F(Batch, ProgressShowsDoneTotalRateAndTimeLeftWithoutATerminal) {
     const Outcome outcome = Run({"--progress"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.err.find("2/2"), std::string::npos) << outcome.err;
-    EXPECT_NE(outcome.err.find("/s, 0:00 left src/b.png"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("/秒 剩余0:00 src/b.png"), std::string::npos) << outcome.err;
     EXPECT_EQ(outcome.err.find('\x1B'), std::string::npos);
     EXPECT_EQ(outcome.out, "2个文件需要转换，\n2个文件转换成功。\n");
 }

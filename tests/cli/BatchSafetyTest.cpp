@@ -374,7 +374,7 @@ TEST_F(BatchSafety, ALogThatCannotBeWrittenIsAWarning) {
     const Outcome outcome =
         RunProgram({"batch", "src", "out", "--log", "none/log.txt"}, {.folder = folder_.Path()});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.err.find("warning: the run log cannot be written"), std::string::npos);
+    EXPECT_NE(outcome.err.find("警告: "), std::string::npos);
 }
 
 /// Forty pages that take a while together.
