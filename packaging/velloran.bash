@@ -55,7 +55,7 @@ _velloran() {
             return
             ;;
         --files)
-            COMPREPLY=($(compgen -W "0" -- "$current"))
+            COMPREPLY=($(compgen -W "0 1 2 3 4 5 6 7 8 9 10" -- "$current"))
             return
             ;;
         --list)
@@ -87,7 +87,7 @@ _velloran() {
     fi
 
     case $command in
-        enhance) options="--stop --preview --save-setting -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
+        enhance) options="--stop --preview --keep-dpi --save-setting -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
         batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
         describe) options="--crop-summary -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
         params) options="--json -h --help --lang -q --quiet -v --verbose" ;;

@@ -43,8 +43,10 @@ std::vector<std::string> SourceFilterPositions() {
 
 constexpr int kMostJobs = 1 << 20;
 
-// clang-format off
-const std::array kRows = {
+/// Made at the first call: other tables, as that of the formats, are asked.
+const auto& Rows() {
+    // clang-format off
+static const std::array rows = {
     OptionRow{Option::kHelp, "--help", "", 'h', kNothing, "", kOptionHelp, kGeneral},
     OptionRow{Option::kVersion, "--version", "", 0, kNothing, "", kOptionVersion, kGeneral},
     OptionRow{Option::kLang, "--lang", "", 0, kWord, "LANG", kOptionLang, kGeneral, Completes::kWords, Languages},
@@ -80,8 +82,10 @@ const std::array kRows = {
     OptionRow{Option::kJson, "--json", "", 0, kNothing, "", kOptionJson, kOwn},
     OptionRow{Option::kByName, "--by-name", "", 0, kNothing, "", kOptionByName, kOwn},
 };
-// clang-format on
-static_assert(kRows.size() == static_cast<std::size_t>(Option::kNone));
+    // clang-format on
+    static_assert(rows.size() == static_cast<std::size_t>(Option::kNone));
+    return rows;
+}
 
 constexpr Option kGeneralOptions[] = {Option::kHelp, Option::kLang, Option::kQuiet,
                                       Option::kVerbose};
@@ -91,7 +95,7 @@ constexpr Option kProgramOptions[] = {Option::kVersion, Option::kPrintMan,
 }  // namespace
 
 const OptionRow& RowOf(Option option) {
-    const OptionRow& row = kRows[static_cast<std::size_t>(option)];
+    const OptionRow& row = Rows()[static_cast<std::size_t>(option)];
     assert(row.id == option);
     return row;
 }

@@ -185,7 +185,7 @@ TEST_F(BatchSafety, AFullDiskIsExitStatus4NamesTheFileAndTheOthersGoOn) {
     WriteAll(Source() / "c.png", "nonsense");
     const Outcome outcome = Run({"src", "out", "--ext", "png"}, {.fileSizeLimit = 8192});
     EXPECT_EQ(outcome.status, 4) << "it wins over 1";
-    EXPECT_EQ(LinesOf(outcome.err).at(0), "out/a.png: 写入失败 (src/a.png)");
+    EXPECT_EQ(LinesOf(outcome.err).at(0), "out/a.png: 写入失败 (空间不足，源文件: src/a.png)");
     EXPECT_EQ(LinesOf(outcome.err).at(1), "src/c.png: 读取失败");
     EXPECT_EQ(FilesIn(Target()), Names{"b.png"});
     EXPECT_EQ(outcome.out, "3个文件需要转换，\n1个文件转换成功。\n");
@@ -238,7 +238,7 @@ TEST_F(BatchSafety, AFolderThatCannotBeListedIsExitStatus1) {
     fs::permissions(folder_.Path(), fs::perms::all);
     const Outcome outcome = Run({"src", "out"}, {.asNobody = true});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(LinesOf(outcome.err).at(0), "src/closed: 打开失败");
+    EXPECT_EQ(LinesOf(outcome.err).at(0), "src/closed: 打开失败 (没有权限)");
     EXPECT_EQ(FilesIn(Target()), Names{"a.jpg"});
 }
 

@@ -96,8 +96,8 @@ TEST(Enhance, FailuresSayTheirMessageBehindThePath) {
         {{"missing.png", "b.png"}, 1, "missing.png: 文件读取失败。\n"},
         {{"empty.png", "b.png"}, 1, "empty.png: 文件读取失败。\n"},
         {{"folder.png", "b.png"}, 1, "folder.png: 文件读取失败。\n"},
-        {{"a.png", "none/b.png"}, 4, "none/b.png: 文件存盘失败。\n"},
-        {{"a.png", "folder.png"}, 4, "folder.png: 文件存盘失败。\n"},
+        {{"a.png", "none/b.png"}, 4, "none/b.png: 文件存盘失败。 (没有这个文件或文件夹，源文件: a.png)\n"},
+        {{"a.png", "folder.png"}, 4, "folder.png: 文件存盘失败。 (是文件夹，源文件: a.png)\n"},
         {{"a.png", "b.xyz"},
          1,
          "b.xyz: 抱歉，保存的文件名只能以jpg、jp2、png、bmp或tif为扩展名，请更正。\n"},
@@ -133,7 +133,7 @@ TEST(Enhance, AFullDiskIsExitStatus4AndLeavesNothing) {
     const Outcome outcome =
         RunProgram({"enhance", "a.png", "b.png"}, {.folder = folder.Path(), .fileSizeLimit = 4096});
     EXPECT_EQ(outcome.status, 4);
-    EXPECT_EQ(outcome.err, "b.png: 文件存盘失败。\n");
+    EXPECT_EQ(outcome.err, "b.png: 文件存盘失败。 (空间不足，源文件: a.png)\n");
     EXPECT_EQ(ReadAll(folder / "b.png"), "the file before");
     EXPECT_EQ(folder.AllNames(), (std::vector<std::string>{"a.png", "b.png"}));
 }
@@ -145,7 +145,7 @@ TEST(Enhance, AFolderWithoutPermissionIsExitStatus4) {
     const Outcome outcome =
         RunProgram({"enhance", "a.png", "b.png"}, {.folder = folder.Path(), .asNobody = true});
     EXPECT_EQ(outcome.status, 4);
-    EXPECT_EQ(outcome.err, "b.png: 文件存盘失败。\n");
+    EXPECT_EQ(outcome.err, "b.png: 文件存盘失败。 (没有权限，源文件: a.png)\n");
 }
 
 TEST(Enhance, OutputMayReplaceInput) {
