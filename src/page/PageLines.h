@@ -1,0 +1,26 @@
+#pragma once
+
+// The lines that bound the pages of a scan: its left and right edge, and the gutter of a spread.
+
+#include <cstdint>
+
+namespace velloran {
+
+class CDibImage;
+
+/// What findPageLines is asked for.
+enum PageLinesMode : int {
+    kLeftAndRight = 1,
+    kLeftRightMid = 2,
+    kFourCorners = 3,
+};
+
+/// Packed lines (PackedLine.h): out[0] left, out[1] right, with kLeftRightMid out[2] mid; lines
+/// that are not seen stand at the edges and in the middle. With kFourCorners the packed corners
+/// left top, right top, right bottom, left bottom, x low: the right ones relative to width - 1, the
+/// bottom ones to height - 1, and 0 where lines do not cross. The limits are packed lines between
+/// which is searched, 0 for none. 0, `out` unchanged, for sides below 10 pixels and without memory.
+int findPageLines(const CDibImage& image, int mode, std::int32_t* out, std::int32_t leftLimit,
+                  std::int32_t rightLimit);
+
+}  // namespace velloran
