@@ -5,7 +5,7 @@
 
 #include "core/ExactMath.h"
 #include "core/Threads.h"
-#include "imaging/CubicWeights.h"
+#include "imaging/CubicSample.h"
 
 namespace velloran {
 namespace {
@@ -84,27 +84,8 @@ void NearestRow(ConstPlaneView source, Place place, Place step, Piece piece, std
     }
 }
 
-/// Sums of products are kept to 31 bits: 3 of the 24 fraction bits go between the two directions.
-constexpr int kBetween = 3, kShift = 21;
-
-template <int kChannels>
-void CubicPixel(const std::uint8_t* const* rows, const std::ptrdiff_t* columns,
-                const std::int16_t* across, const std::int16_t* down, std::uint8_t* out) {
-    for (int c = 0; c < kChannels; ++c) {
-        std::int32_t sum = 1 << (kShift - 1);
-        for (int j = 0; j < 4; ++j) {
-            const std::uint8_t* row = rows[j] + c;
-            const std::int32_t line = across[0] * row[columns[0]] + across[1] * row[columns[1]] +
-                                      across[2] * row[columns[2]] + across[3] * row[columns[3]];
-            sum += down[j] * (line >> kBetween);
-        }
-        out[c] = static_cast<std::uint8_t>(std::clamp(sum >> kShift, 0, 255));
-    }
-}
-
 template <int kChannels>
 void CubicRow(ConstPlaneView source, Place place, Place step, Piece piece, std::uint8_t* out) {
-    const int lastX = source.width - 1, lastY = source.height - 1;
     constexpr int kToStep = kFractionBits - 8;
     place = At(place, step, piece.first);
     out += std::ptrdiff_t{piece.first} * kChannels;
@@ -112,15 +93,7 @@ void CubicRow(ConstPlaneView source, Place place, Place step, Piece piece, std::
         // Rounded to a step, so that a place halfway between two steps takes the nearer sample.
         const std::int64_t xSteps = (place.x + (std::int64_t{1} << (kToStep - 1))) >> kToStep;
         const std::int64_t ySteps = (place.y + (std::int64_t{1} << (kToStep - 1))) >> kToStep;
-        const int left = static_cast<int>(xSteps >> 8), top = static_cast<int>(ySteps >> 8);
-        const std::uint8_t* rows[4];
-        std::ptrdiff_t columns[4];
-        for (int i = 0; i < 4; ++i) {
-            rows[i] = source.first + std::clamp(top - 1 + i, 0, lastY) * source.stride;
-            columns[i] = std::ptrdiff_t{std::clamp(left - 1 + i, 0, lastX)} * kChannels;
-        }
-        CubicPixel<kChannels>(rows, columns, kCubicWeights[xSteps & 255].data(),
-                              kCubicWeights[ySteps & 255].data(), out);
+        CubicSample<kChannels>(source, xSteps, ySteps, out);
     }
 }
 

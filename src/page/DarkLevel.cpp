@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
 #include "core/Rounding.h"
 
 namespace velloran {
@@ -26,9 +27,8 @@ void CountRow(const CDibImage& image, int y, Counts& counts) {
                 ++counts[row[x]];
             break;
         default:
-            for (int x = 0; x < width; ++x)
-                ++counts[static_cast<std::size_t>(row[x * bits / 8] >> (8 - bits - x * bits % 8) &
-                                                  ((1 << bits) - 1))];
+            ForEachIndex(row, width, bits,
+                         [&](int, int index) { ++counts[static_cast<std::size_t>(index)]; });
             break;
     }
 }

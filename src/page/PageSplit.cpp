@@ -10,6 +10,7 @@
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "core/Threads.h"
+#include "page/FillColor.h"
 #include "page/PackedLine.h"
 
 namespace velloran {
@@ -32,23 +33,6 @@ RowBounds BoundsOf(const PageLine& a, const PageLine& b, const CDibImage& image)
     lineTable(bounds.first, a.top, a.bottom, image.GetWidth(), image.GetHeight());
     lineTable(bounds.last, b.top, b.bottom, image.GetWidth(), image.GetHeight());
     return bounds;
-}
-
-void FillPage(std::uint32_t fill, CDibImage& page) {
-    const auto red = static_cast<std::uint8_t>(fill), green = static_cast<std::uint8_t>(fill >> 8),
-               blue = static_cast<std::uint8_t>(fill >> 16);
-    if (page.GetBpp() == 8) {
-        page.Clear(LumaOf(blue, green, red));
-        return;
-    }
-    for (int y = 0; y < page.GetHeight(); ++y) {
-        std::uint8_t* pixel = page.GetBits(y);
-        for (int x = 0; x < page.GetWidth(); ++x, pixel += 3) {
-            pixel[0] = blue;
-            pixel[1] = green;
-            pixel[2] = red;
-        }
-    }
 }
 
 /// Copies what lies between the bounds to columns that begin `left` earlier; `bytes` a pixel.
@@ -78,7 +62,7 @@ int keepBetweenLines(CDibImage& image, std::int32_t lineA, std::int32_t lineB, s
             (image.GetAlpha() != nullptr && !page.CreateAlpha()))
             return 0;
         page.SetGrayPalette();
-        FillPage(fill, page);
+        FillWithColor(page, fill);
         const int width = page.GetWidth(), bytes = page.GetBpp() / 8;
 #pragma omp parallel for schedule( \
     static) if (IsWorthThreads(std::int64_t{width} * page.GetHeight()))

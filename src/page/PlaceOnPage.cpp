@@ -1,10 +1,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <optional>
 
 #include "core/DibImage.h"
+#include "core/IndexRows.h"
+#include "core/PaletteSearch.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "core/Threads.h"
@@ -185,21 +186,9 @@ void Clip(Extent& extent) {
                                              std::max<std::int64_t>(extent.length, 0));
 }
 
-int SquaredDistance(const PaletteEntry& entry, std::uint32_t color) {
-    const int red = entry.red - static_cast<int>(color & 255);
-    const int green = entry.green - static_cast<int>(color >> 8 & 255);
-    const int blue = entry.blue - static_cast<int>(color >> 16 & 255);
-    return red * red + green * green + blue * blue;
-}
-
-int NearestIndex(const CDibImage& image, std::uint32_t color) {
-    int nearest = 0, least = std::numeric_limits<int>::max();
-    for (int i = 0; i < image.GetPaletteCount() && least > 0; ++i)
-        if (const int distance = SquaredDistance(image.GetPalette()[i], color); distance < least) {
-            least = distance;
-            nearest = i;
-        }
-    return nearest;
+PaletteEntry EntryOf(std::uint32_t color) {
+    return {static_cast<std::uint8_t>(color >> 16), static_cast<std::uint8_t>(color >> 8),
+            static_cast<std::uint8_t>(color), 0};
 }
 
 /// A whole stored row of the fill colour.
@@ -217,24 +206,12 @@ void FillRow(std::uint8_t* row, const CDibImage& page, std::uint32_t color, int 
             break;
         default: {
             const int bits = page.GetBpp(), byte = bits == 1 ? index * 255 : index * 17;
-            const std::int64_t used = std::int64_t{page.GetWidth()} * bits;
-            std::memset(row, byte, static_cast<std::size_t>((used + 7) / 8));
-            if (used % 8 != 0)
-                row[used / 8] = static_cast<std::uint8_t>(row[used / 8] & 0xFF00 >> used % 8);
+            const std::int64_t bytes = (std::int64_t{page.GetWidth()} * bits + 7) / 8;
+            std::memset(row, byte, static_cast<std::size_t>(bytes));
+            row[bytes - 1] &= LastByteMask(page.GetWidth(), bits);
             break;
         }
     }
-}
-
-int IndexIn(const std::uint8_t* row, std::int64_t x, int bits) {
-    const int perByte = 8 / bits;
-    return row[x / perByte] >> (8 - bits - x % perByte * bits) & ((1 << bits) - 1);
-}
-
-void PutIndexIn(std::uint8_t* row, std::int64_t x, int bits, int index) {
-    const int perByte = 8 / bits, shift = static_cast<int>(8 - bits - x % perByte * bits);
-    const int mask = ((1 << bits) - 1) << shift;
-    row[x / perByte] = static_cast<std::uint8_t>((row[x / perByte] & ~mask) | index << shift);
 }
 
 /// The content's columns into a row of the page.
@@ -245,12 +222,14 @@ void CopyColumns(const std::uint8_t* from, std::uint8_t* to, const Extent& acros
                     static_cast<std::size_t>(across.length * bytes));
         return;
     }
-    for (std::int64_t x = 0; x < across.length; ++x)
-        PutIndexIn(to, across.at + x, bits, IndexIn(from, across.from + x, bits));
+    ForEachIndex(from, static_cast<int>(across.from + across.length), bits, [&](int x, int index) {
+        if (x >= across.from)
+            PutIndex(to, static_cast<int>(x - across.from + across.at), bits, index);
+    });
 }
 
 void Compose(const CDibImage& image, const Placement& place, std::uint32_t color, CDibImage& page) {
-    const int bits = page.GetBpp(), index = NearestIndex(page, color);
+    const int bits = page.GetBpp(), index = NearestIndex(PaletteOf(page), EntryOf(color));
     const Extent &across = place.across, &upward = place.upward;
     std::uint8_t* alpha = page.GetAlpha();
 #pragma omp parallel for schedule( \
