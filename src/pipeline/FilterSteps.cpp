@@ -4,7 +4,6 @@
 #include "filters/Morphology.h"
 #include "filters/Resample.h"
 #include "filters/UnsharpMask.h"
-#include "pipeline/Layout.h"
 #include "pipeline/RunState.h"
 
 namespace velloran {
@@ -21,17 +20,8 @@ float RadiusOf(std::int32_t tenths) {
 
 }  // namespace
 
-void MeasureContent(RunState& state) {
-    ScaleContent(state.layout);
-}
-
 StepResult ResizeToContent(RunState& state) {
     return ResultOf(ResizeTo(*state.image, state.layout.contentWidth, state.layout.contentHeight));
-}
-
-StepResult ShowContent(RunState& state) {
-    MeasureContent(state);
-    return ResizeToContent(state);
 }
 
 StepResult ChangeStrokes(RunState& state) {

@@ -8,14 +8,8 @@ namespace velloran {
 
 struct RunState;
 
-/// Before step 13, and where a run ends with the content box: the size that the content is to have.
-void MeasureContent(RunState& state);
-
 /// Steps 13 and 25: to the size of the content.
 StepResult ResizeToContent(RunState& state);
-
-/// Where a run ends with the content box: the content in its size, enlarged or reduced or both.
-StepResult ShowContent(RunState& state);
 
 /// Step 21: thicker, thinner, opened or closed strokes, four strengths each.
 StepResult ChangeStrokes(RunState& state);

@@ -11,8 +11,4 @@ namespace velloran {
 /// cut yet, and the computed fields are 0.
 LayoutRequest MakeLayoutRequest(const ParaValues& values, int imageWidth, int imageHeight);
 
-/// The size of the content on a page of free size: what the cut left, in percent, truncated and
-/// limited to what an int holds. 0 by 0 for a record without an image.
-void ScaleContent(LayoutRequest& request);
-
 }  // namespace velloran

@@ -2,6 +2,7 @@
 
 #include "pipeline/Describe.h"
 #include "pipeline/FilterSteps.h"
+#include "pipeline/GeometrySteps.h"
 #include "pipeline/RunState.h"
 #include "pipeline/Split.h"
 #include "pipeline/Steps.h"
@@ -64,16 +65,15 @@ using namespace labels;
 using enum Told;
 using enum Poll;
 
-// A step whose work is PassOn has its place and its label, and leaves the image as it is.
 // clang-format off
 constexpr Step kSteps[] = {
     // number, label, told, runs, run, describe, cancel polled behind it, stops, before, at a stop
     {1, kStepRotate, kAlways, ByTable<1>, RotatePage, DescribeRotate},
-    {2, kStepSplit, kAlways, HasSplit, PassOn, DescribeSplit,
+    {2, kStepSplit, kAlways, HasSplit, SplitPage, DescribeSplit,
         kAfter, {kStopSplitDrawn, kStopSplit}},
-    {3, kStepCorrection, kWhenRun, ByTable<3>, PassOn, DescribeCorrection,
+    {3, kStepCorrection, kWhenRun, ByTable<3>, CorrectPage, DescribeCorrection,
         kAfter, {kStopPageCorrectionFast, kStopPageCorrection}},
-    {4, kStepDeskew, kWhenRun, ByTable<4>, PassOn, DescribeDeskew,
+    {4, kStepDeskew, kWhenRun, ByTable<4>, DeskewPage, DescribeDeskew,
         kAfter, {kStopDeskew}, StartLayout},
     {5, kStepCrop, kWhenRun, ByTable<5>, CropPage, DescribeCrop,
         kAfter, {kStopContentBox, kStopContentBoxLayout}, nullptr, DescribeLayout, ShowContent},
@@ -115,7 +115,7 @@ constexpr Step kSteps[] = {
         DescribeAdjustSharpen},
     {28, kStepUsm, kWhenRun, ByTable<28>, SharpenByMask, DescribeUsm},
     {29, kStepColorReduction, kAlways, Always, ReduceColors, DescribeColorReduction},
-    {30, kStepPlaceOnPage, kAlways, Always, PassOn, DescribeNothing,
+    {30, kStepPlaceOnPage, kAlways, Always, PlacePage, DescribeNothing,
         kAfter, {}, nullptr, DescribeOutput},
 };
 // clang-format on

@@ -5,7 +5,6 @@
 #include "filters/MultiScaleDetail.h"
 #include "filters/SurfaceBlur.h"
 #include "pipeline/Layout.h"
-#include "pipeline/MaskFill.h"
 #include "pipeline/ReduceRequest.h"
 #include "pipeline/RunState.h"
 #include "reduce/DecreaseBpp.h"
@@ -18,22 +17,6 @@ namespace {
 
 /// Positions in the list of PARA_ROATE.
 enum Rotation : int { kLeft = 1, kRight, kHalfTurn, kMirrored, kFlipped };
-
-struct Margins {
-    int left, top, right, bottom;  // per mille
-};
-
-/// True, with the pixels in the layout, when something was cut off.
-bool CutMargins(CDibImage& image, const Margins& margins, LayoutRequest& layout) {
-    const int width = image.GetWidth(), height = image.GetHeight();
-    if (!image.CropPerMille(margins.left, margins.top, margins.right, margins.bottom))
-        return false;
-    layout.cutLeft = PerMilleToPixels(width, margins.left);
-    layout.cutTop = PerMilleToPixels(height, margins.top);
-    layout.cutRight = PerMilleToPixels(width, margins.right);
-    layout.cutBottom = PerMilleToPixels(height, margins.bottom);
-    return true;
-}
 
 /// Non-zero when a stage changed the map. The order of the stages is fixed: each works on what the
 /// one before it left.
@@ -56,10 +39,6 @@ int Scaled(std::int32_t value, int factor, int offset) {
 
 }  // namespace
 
-StepResult PassOn(RunState&) {
-    return StepResult::kLeft;
-}
-
 StepResult RotatePage(RunState& state) {
     switch (state.Value(PARA_ROATE)) {
         case kLeft:
@@ -80,22 +59,6 @@ StepResult RotatePage(RunState& state) {
 void StartLayout(RunState& state) {
     state.layout =
         MakeLayoutRequest(state.values, state.image->GetWidth(), state.image->GetHeight());
-}
-
-StepResult CropPage(RunState& state) {
-    int ran = 0;
-    if (state.Value(PARA_FIND_CNT_BOX) == 0) {
-        const Margins margins{state.Value(PARA_CROPPING_P_LEFT), state.Value(PARA_CROPPING_P_TOP),
-                              state.Value(PARA_CROPPING_P_RIGHT),
-                              state.Value(PARA_CROPPING_P_BOTTOM)};
-        if (CutMargins(*state.image, margins, state.layout)) {
-            ran = 1;
-            state.mask.CropPerMille(margins.left, margins.top, margins.right, margins.bottom);
-        }
-    }
-    ran |= FillOutsideMask(*state.image, state.mask,
-                           static_cast<std::uint32_t>(state.Value(PARA_FILL_BLANK_COLOR)));
-    return ResultOf(ran);
 }
 
 StepResult AdjustLevels(RunState& state) {

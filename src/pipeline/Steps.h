@@ -11,19 +11,11 @@ namespace velloran {
 struct GateInput;
 struct RunState;
 
-/// Passes the image on as it is.
-StepResult PassOn(RunState& state);
-
 /// Step 1: a quarter turn to the left or right, a half turn, mirrored or flipped.
 StepResult RotatePage(RunState& state);
 
 /// Before step 4: the layout record, with the size that the page has after its correction.
 void StartLayout(RunState& state);
-
-/// Step 5: cuts image and mask by the four margins, keeps in the layout what was cut, and fills
-/// what the mask marks. With the search for the content box set the margins are only the frame of
-/// that search, and nothing is cut by them.
-StepResult CropPage(RunState& state);
 
 /// Step 14: automatic levels where they are set, else the manual ones.
 StepResult AdjustLevels(RunState& state);

@@ -12,6 +12,7 @@
 #include "filters/Morphology.h"
 #include "filters/Resample.h"
 #include "filters/UnsharpMask.h"
+#include "page/PageLayout.h"
 #include "params/ParaBlock.h"
 #include "pipeline/Layout.h"
 #include "pipeline/RunRecord.h"
@@ -69,8 +70,11 @@ TEST(ResizeStep, MorePercentEnlargeAndLessReduce) {
 
 TEST(ResizeStep, CountsFromWhatTheCutLeaves) {
     const CDibImage page = test::Noise(50, 40, 24);
-    const CDibImage image = After(
-        {{PARA_CROPPING_P_LEFT, 200}, {PARA_CROPPING_P_BOTTOM, 500}, {PARA_RESIZE, 200}}, page);
+    const CDibImage image = After({{PARA_CROPPING_P_LEFT, 200},
+                                   {PARA_CROPPING_P_BOTTOM, 500},
+                                   {PARA_RESIZE, 200},
+                                   {PARA_PAGE_SIZE, 1}},
+                                  page);
     EXPECT_EQ(image.GetWidth(), 80);
     EXPECT_EQ(image.GetHeight(), 40);
 }
@@ -116,7 +120,7 @@ TEST(ResizeStep, AStopAfterTheContentBoxShowsTheContentInItsSize) {
         test::ExpectSamePixels(After({{PARA_RESIZE, 200}, {PARA_BLUR, 3}}, page, stop), larger);
 }
 
-TEST(ScaleContent, IsThePercentOfWhatWasNotCutTruncated) {
+TEST(ContentOfAFreePage, IsThePercentOfWhatWasNotCutTruncated) {
     LayoutRequest request;
     request.imageWidth = 101;
     request.imageHeight = 57;
@@ -124,24 +128,24 @@ TEST(ScaleContent, IsThePercentOfWhatWasNotCutTruncated) {
     request.cutRight = 2;
     request.cutTop = 7;
     request.resizePercent = 33;
-    ScaleContent(request);
+    computeContentSize(request);
     EXPECT_EQ(request.contentWidth, 29);   // 29.37
     EXPECT_EQ(request.contentHeight, 16);  // 16.5
     request.imageWidth = 0;
-    ScaleContent(request);
+    computeContentSize(request);
     EXPECT_EQ(request.contentWidth, 0);
     EXPECT_EQ(request.contentHeight, 0);
 }
 
-TEST(ScaleContent, IsLimitedToWhatAnIntHolds) {
+TEST(ContentOfAFreePage, IsLimitedToWhatAnIntHolds) {
     LayoutRequest request;
     request.imageWidth = 2000000000;
     request.imageHeight = 10;
     request.resizePercent = std::numeric_limits<int>::max();
-    ScaleContent(request);
+    computeContentSize(request);
     EXPECT_EQ(request.contentWidth, std::numeric_limits<int>::max());
     request.resizePercent = std::numeric_limits<int>::min();
-    ScaleContent(request);
+    computeContentSize(request);
     EXPECT_EQ(request.contentWidth, std::numeric_limits<int>::min());
     EXPECT_EQ(request.contentHeight, std::numeric_limits<int>::min() / 10);
 }

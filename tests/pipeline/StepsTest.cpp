@@ -77,7 +77,8 @@ TEST(CropStep, CutsTheFourMargins) {
     const CDibImage image = After(With({{PARA_CROPPING_P_LEFT, 100},
                                         {PARA_CROPPING_P_TOP, 100},
                                         {PARA_CROPPING_P_RIGHT, 200},
-                                        {PARA_CROPPING_P_BOTTOM, 500}}),
+                                        {PARA_CROPPING_P_BOTTOM, 500},
+                                        {PARA_PAGE_SIZE, 1}}),
                                   page);
     ASSERT_EQ(image.GetWidth(), 35);
     ASSERT_EQ(image.GetHeight(), 16);
@@ -89,8 +90,8 @@ TEST(CropStep, CutsTheFourMargins) {
 TEST(CropStep, MarginsBelowThreePixelsAreDropped) {
     // 60 per mille of 50 are 3 pixels, 40 are 2.
     const CDibImage page = test::Noise(50, 50, 8);
-    EXPECT_EQ(After(With({{PARA_CROPPING_P_LEFT, 60}}), page).GetWidth(), 47);
-    EXPECT_EQ(After(With({{PARA_CROPPING_P_LEFT, 40}}), page).GetWidth(), 50);
+    EXPECT_EQ(After(With({{PARA_CROPPING_P_LEFT, 60}, {PARA_PAGE_SIZE, 1}}), page).GetWidth(), 47);
+    EXPECT_EQ(After(With({{PARA_CROPPING_P_LEFT, 40}, {PARA_PAGE_SIZE, 1}}), page).GetWidth(), 50);
 }
 
 TEST(CropStep, KeepsInTheLayoutWhatWasCut) {
@@ -135,8 +136,9 @@ TEST(CropStep, CutsTheMaskWithThePageAndFillsWhatItMarks) {
 
 TEST(CropStep, WithoutAMaskNothingIsFilled) {
     const CDibImage page = test::Filled(50, 40, 24, 10);
-    const CDibImage image =
-        After(With({{PARA_CROPPING_P_LEFT, 100}, {PARA_FILL_BLANK_COLOR, 0x0000FF}}), page);
+    const CDibImage image = After(
+        With({{PARA_CROPPING_P_LEFT, 100}, {PARA_FILL_BLANK_COLOR, 0x0000FF}, {PARA_PAGE_SIZE, 1}}),
+        page);
     test::ExpectSamePixels(image, test::Filled(45, 40, 24, 10));
 }
 
@@ -147,12 +149,6 @@ TEST(CropStep, WithoutACropAMaskIsNotFilled) {
     state.mask = test::Filled(50, 40, 8, 0);
     TakeSteps(state, 30);
     test::ExpectSamePixels(image, test::Filled(50, 40, 24, 10));
-}
-
-TEST(CropStep, WithTheSearchSetTheMarginsAloneCutNothing) {
-    const CDibImage page = test::Noise(50, 40, 24);
-    test::ExpectSamePixels(After(With({{PARA_FIND_CNT_BOX, 1}, {PARA_CROPPING_P_LEFT, 100}}), page),
-                           page);
 }
 
 TEST(LevelsStep, RunsTheModeOnceBeforeAndOnceBehindTheMapping) {

@@ -1,0 +1,268 @@
+#include "pipeline/GeometrySteps.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include "core/Rounding.h"
+#include "core/StepContext.h"
+#include "filters/Resample.h"
+#include "page/ContentBox.h"
+#include "page/DarkLevel.h"
+#include "page/Deskew.h"
+#include "page/PackedLine.h"
+#include "page/PageLayout.h"
+#include "page/PageLines.h"
+#include "page/PageSplit.h"
+#include "page/Trapezoid.h"
+#include "pipeline/MaskFill.h"
+#include "pipeline/RunState.h"
+#include "pipeline/Split.h"
+
+namespace velloran {
+namespace {
+
+constexpr double kLeastConfidence = 2.0;
+constexpr int kNearest = 1, kCubic = 0;
+enum CorrectionType : std::int32_t { kPlaceCorners = 1, kCutPage = 2 };
+
+std::uint32_t Background(RunState& state) {
+    if (state.background == RunState::kUnknownBackground)
+        state.background = static_cast<std::uint32_t>(findDarkLevel(*state.image)) * 0x010101U;
+    return state.background;
+}
+
+/// The mask of the run, all page where there is none yet. 0 without memory.
+int EnsureMask(RunState& state) {
+    if (state.mask.IsValid())
+        return 1;
+    if (state.mask.Create(state.image->GetWidth(), state.image->GetHeight(), 8) == nullptr)
+        return 0;
+    state.mask.SetGrayPalette();
+    state.mask.Clear(255);
+    return 1;
+}
+
+/// The two lines between which a kind of split keeps the page.
+struct LinePair {
+    std::int32_t first = 0, second = 0;
+};
+
+LinePair LinesOfSplit(const RunState& state) {
+    const std::int32_t left = state.Value(PARA_PAGE_SPLIT_LEFT);
+    const std::int32_t mid = state.Value(PARA_PAGE_SPLIT_MID);
+    const std::int32_t right = state.Value(PARA_PAGE_SPLIT_RIGHT);
+    switch (effectiveSplit(state.Value(PARA_PAGE_SPLIT_TYPE))) {
+        case kKeepLeftToRight:
+            return {left, right};
+        case kKeepLeftToMid:
+            return {left, mid};
+        case kKeepMidToRight:
+            return {mid, right};
+        default:
+            return {};
+    }
+}
+
+void FindSplitLines(RunState& state) {
+    if (state.Value(PARA_PAGE_SPLIT_RIGHT) != 0 && state.Value(PARA_PAGE_SPLIT_MID) != 0)
+        return;
+    std::array<std::int32_t, 3> lines{};  // left, right, mid
+    if (findPageLines(*state.image, kLeftRightMid, lines.data(), 0, 0) == 0)
+        return;
+    state.found.splitLines = lines;
+    state.found.ApplyTo(state.values);
+}
+
+/// The lines as they lie in the page that the split has cut out; 0 where there was no split.
+LinePair splitLinesForCorrection(const RunState& state) {
+    const LinePair lines = LinesOfSplit(state);
+    if (lines.first == 0 && lines.second == 0)
+        return {};
+    const PageLine first = UnpackLine(lines.first), second = UnpackLine(lines.second);
+    const int shift = std::min(first.top, first.bottom);
+    return {PackLine({first.top - shift, first.bottom - shift}),
+            PackLine({second.top - shift, second.bottom - shift})};
+}
+
+PackedCorners CornersOf(const RunState& state) {
+    return {state.Value(PARA_CRT_PT_LT), state.Value(PARA_CRT_PT_RT), state.Value(PARA_CRT_PT_RB),
+            state.Value(PARA_CRT_PT_LB)};
+}
+
+void FindPageCorners(RunState& state, std::int32_t type) {
+    PackedCorners corners = CornersOf(state);
+    if (corners != kUnknownCorners)
+        return;
+    const LinePair lines = splitLinesForCorrection(state);
+    if (findCorners(type == kCutPage ? 1 : 0, *state.image, corners, lines.first, lines.second) ==
+        0)
+        return;
+    state.found.corners = corners;
+    state.found.ApplyTo(state.values);
+}
+
+int WarpPage(const RunState& state, std::int32_t type, CDibImage& image, int nearest,
+             std::uint32_t color) {
+    const PackedCorners corners = CornersOf(state);
+    return type == kCutPage ? warpToRectangle(image, corners, nearest, state.Value(PARA_CRT_CROP),
+                                              state.Value(PARA_CRT_SIZE), color)
+                            : warpToBoundingBox(image, corners, nearest, color);
+}
+
+bool IsFastCorrection(const RunState& state) {
+    return state.stop == kStopPageCorrectionFast || state.stop == kStopPageCorrection;
+}
+
+bool IsQuickTurn(const RunState& state) {
+    return state.stop == kStopContentBox || state.stop == kStopContentBoxLayout;
+}
+
+/// Hundredths of a degree; 0 when the page is not sure to be crooked.
+std::int32_t FindAngle(const RunState& state) {
+    const std::int32_t mode = state.Value(PARA_DESKEW);
+    if (mode == kDeskewManual)
+        return state.Value(PARA_DESKEW_ANGLE);
+    const SkewRegion region{state.Value(PARA_CROPPING_P_LEFT), state.Value(PARA_CROPPING_P_TOP),
+                            state.Value(PARA_CROPPING_P_RIGHT),
+                            state.Value(PARA_CROPPING_P_BOTTOM)};
+    double angle = 0, confidence = 0;
+    findSkew(*state.image, angle, confidence, region, mode);
+    return confidence < kLeastConfidence ? 0 : TruncToInt(angle * 100);
+}
+
+double TurnOf(const RunState& state) {
+    return -(state.pendingAngle / 100.0);
+}
+
+std::uint32_t FillColor(const RunState& state) {
+    return static_cast<std::uint32_t>(state.Value(PARA_FILL_BLANK_COLOR));
+}
+
+/// The margins in pixels as a rectangle.
+PageBox WithinMargins(const RunState& state) {
+    const int width = state.image->GetWidth(), height = state.image->GetHeight();
+    int left = 0, top = 0, right = 0, bottom = 0;
+    marginsToPixels(width, height, state.Value(PARA_CROPPING_P_LEFT),
+                    state.Value(PARA_CROPPING_P_TOP), state.Value(PARA_CROPPING_P_RIGHT),
+                    state.Value(PARA_CROPPING_P_BOTTOM), left, top, right, bottom);
+    return {left, top, width - right, height - bottom};
+}
+
+PageBox FindBox(RunState& state) {
+    ContentBoxRequest request;
+    request.removeBlackEdge = state.Value(PARA_CBF_REMOVE_BLACK_EDGE) != 0;
+    request.speckle = state.Value(PARA_CBF_SPECKLE_SIZE);
+    request.compensation = state.Value(PARA_CBF_SPECKLE_COMPENSATION) != 0;
+    request.bkMore = state.Value(PARA_CBF_BK_MORE) != 0;
+    request.searchRect = WithinMargins(state);
+    PageBox box = request.searchRect;
+    if (!state.deferRotation || state.pendingAngle == 0) {
+        findContentBox(*state.image, request, box);
+        return box;
+    }
+    {
+        // The search is content with a quick turn; the page itself is turned once, carefully.
+        CDibImage turned = *state.image;
+        if (rotateKeepSize(turned, TurnOf(state), kNearest, kFillEdge, Background(state)) != 0)
+            findContentBox(turned, request, box);
+    }
+    rotateKeepSize(*state.image, TurnOf(state), kCubic, kFillEdge, Background(state));
+    return box;
+}
+
+/// 1 when anything was cut, which then stands in the layout.
+int CutTo(const PageBox& box, RunState& state) {
+    const int right = state.image->GetWidth() - box.right;
+    const int bottom = state.image->GetHeight() - box.bottom;
+    if (box.left == 0 && box.top == 0 && right == 0 && bottom == 0)
+        return 0;
+    if (trimImage(*state.image, box.left, box.top, right, bottom) == 0)
+        return 0;
+    if (state.mask.IsValid())
+        trimImage(state.mask, box.left, box.top, right, bottom);
+    state.layout.cutLeft = box.left;
+    state.layout.cutTop = box.top;
+    state.layout.cutRight = right;
+    state.layout.cutBottom = bottom;
+    return 1;
+}
+
+}  // namespace
+
+StepResult SplitPage(RunState& state) {
+    FindSplitLines(state);
+    const LinePair lines = LinesOfSplit(state);
+    if (state.stop == kStopSplitDrawn)
+        return ResultOf(shadeOutsideLines(*state.image, lines.first, lines.second));
+    const std::uint32_t fill = Background(state);
+    if (keepBetweenLines(*state.image, lines.first, lines.second, fill) == 0)
+        return StepResult::kLeft;
+    return ResultOf(maskBetweenLines(*state.image, state.mask, lines.first, lines.second));
+}
+
+StepResult CorrectPage(RunState& state) {
+    const std::int32_t type = state.Value(PARA_CRT_TYPE);
+    if (type != kPlaceCorners && type != kCutPage)
+        return StepResult::kLeft;
+    const std::uint32_t fill = Background(state);
+    if (IsFastCorrection(state))
+        state.mask.Destroy();
+    else if (EnsureMask(state) == 0)
+        return StepResult::kLeft;
+    FindPageCorners(state, type);
+    const int nearest = state.stop != kStopWhole ? kNearest : kCubic;
+    if (WarpPage(state, type, *state.image, nearest, fill) == 0)
+        return StepResult::kLeft;
+    if (state.mask.IsValid())
+        WarpPage(state, type, state.mask, kNearest, 0);
+    return StepResult::kRan;
+}
+
+StepResult DeskewPage(RunState& state) {
+    state.pendingAngle = FindAngle(state);
+    if (state.pendingAngle == 0 || EnsureMask(state) == 0)
+        return StepResult::kLeft;
+    const bool quick = IsQuickTurn(state);
+    int ran = 1;
+    if (state.Value(PARA_FIND_CNT_BOX) != 0 && state.Value(PARA_CBF_REMOVE_BLACK_EDGE) != 0) {
+        const std::uint32_t dark = Background(state);
+        if (quick)
+            ran = rotateKeepSize(*state.image, TurnOf(state), kNearest, kFillEdge, dark);
+        else
+            state.deferRotation = true;
+    } else {
+        ran = rotateKeepSize(*state.image, TurnOf(state), quick ? kNearest : kCubic,
+                             state.deskewEdge, FillColor(state));
+    }
+    if (ran != 0)
+        rotateKeepSize(state.mask, TurnOf(state), kNearest, kFillEdge, 0);
+    return ResultOf(ran);
+}
+
+StepResult CropPage(RunState& state) {
+    const PageBox box = state.Value(PARA_FIND_CNT_BOX) != 0 ? FindBox(state) : WithinMargins(state);
+    int ran = CutTo(box, state);
+    if (state.mask.IsValid())
+        ran |= FillOutsideMask(*state.image, state.mask, FillColor(state));
+    return ResultOf(ran);
+}
+
+void MeasureContent(RunState& state) {
+    computeContentSize(state.layout);
+}
+
+StepResult ShowContent(RunState& state) {
+    MeasureContent(state);
+    const int width = state.layout.contentWidth, height = state.layout.contentHeight;
+    if ((width != state.image->GetWidth() || height != state.image->GetHeight()) &&
+        ResizeTo(*state.image, width, height) == 0)
+        return StepResult::kLeft;
+    return ResultOf(placeOnPage(*state.image, state.layout));
+}
+
+StepResult PlacePage(RunState& state) {
+    return ResultOf(placeOnPage(*state.image, state.layout));
+}
+
+}  // namespace velloran
