@@ -93,10 +93,12 @@ TEST(Enhance, FailuresSayTheirMessageBehindThePath) {
         std::string message;
     };
     const Case cases[] = {
-        {{"missing.png", "b.png"}, 1, "missing.png: 文件读取失败。\n"},
+        {{"missing.png", "b.png"}, 1, "missing.png: 文件读取失败。 (没有这个文件或文件夹)\n"},
         {{"empty.png", "b.png"}, 1, "empty.png: 文件读取失败。\n"},
-        {{"folder.png", "b.png"}, 1, "folder.png: 文件读取失败。\n"},
-        {{"a.png", "none/b.png"}, 4, "none/b.png: 文件存盘失败。 (没有这个文件或文件夹，源文件: a.png)\n"},
+        {{"folder.png", "b.png"}, 1, "folder.png: 文件读取失败。 (是文件夹)\n"},
+        {{"a.png", "none/b.png"},
+         4,
+         "none/b.png: 文件存盘失败。 (没有这个文件或文件夹，源文件: a.png)\n"},
         {{"a.png", "folder.png"}, 4, "folder.png: 文件存盘失败。 (是文件夹，源文件: a.png)\n"},
         {{"a.png", "b.xyz"},
          1,

@@ -153,7 +153,7 @@ TEST(ProgressText, NeverReachesTheLastColumn) {
             const std::string text = BarText({1, total, 1.0, "甲/page.png"}, columns);
             EXPECT_LT(Columns(text), columns) << text;
         }
-    EXPECT_EQ(BarText({1, 2, 1.0, "a"}, 40), "[#######.......] 1/2 1.0/秒 剩余0:01")
+    EXPECT_EQ(BarText({1, 2, 1.0, "a"}, 40), "[########.........] 1/2 1.0/秒 剩余0:01")
         << "the bar gives way before the rate";
     EXPECT_EQ(BarText({1, 2, 1.0, "a"}, 20), "[######.......] 1/2");
     EXPECT_EQ(BarText({1, 2, 1.0, "a"}, 5), "1/2");
