@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <regex>
 
 #include "architecture/SourceTree.h"
 
@@ -37,6 +38,28 @@ TEST(Words, OfOtherScriptsStandInTheLabelsAndTheParameterTableAlone) {
             for (const std::string& line : file.lines)
                 EXPECT_TRUE(IsAscii(WithoutComment(line))) << file.name << ": " << line;
         }
+}
+
+TEST(Words, OfTheLabelsAreEnglishWhereTheyAreNotChinese) {
+    int labels = 0;
+    for (const SourceFile& file : ReadSourceTree()) {
+        if (!file.name.ends_with("Labels.h"))
+            continue;
+        std::string text;
+        for (const std::string& line : file.lines)
+            text += WithoutComment(line) + "\n";
+        // Literals side by side are one text; a comma divides the languages.
+        text = std::regex_replace(text, std::regex("\"\\s+u\""), "");
+        const std::regex label(
+            "\\{\\s*u\"((?:[^\"\\\\]|\\\\.)*)\"\\s*(?:,\\s*u\"((?:[^\"\\\\]|\\\\.)*)\"\\s*)?\\}");
+        for (std::sregex_iterator at(text.begin(), text.end(), label), end; at != end; ++at) {
+            ++labels;
+            EXPECT_TRUE((*at)[2].matched || IsAscii((*at)[1])) << file.name << ": " << at->str();
+            EXPECT_TRUE(IsAscii((*at)[2])) << file.name << ": " << at->str();
+            EXPECT_FALSE((*at)[2].matched && (*at)[2].length() == 0) << at->str();
+        }
+    }
+    EXPECT_GT(labels, 300) << "they were found";
 }
 
 /// The files that include a header, by its name as it stands between the marks.

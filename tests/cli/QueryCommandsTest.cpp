@@ -41,6 +41,34 @@ TEST(Describe, CropSummaryIsOneLine) {
     EXPECT_EQ(outcome.out, "左1.5%, 自动裁边\n");
 }
 
+bool IsAscii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x80; });
+}
+
+TEST(Describe, SpeaksEnglishWhenAsked) {
+    std::vector<std::string> words = {"describe", "--lang", "en"};
+    for (const char* set :
+         {"PARA_CONTRAST=120", "PARA_ROATE=1", "PARA_COLOR=7", "PARA_DESKEW=4", "PARA_SHARPEN=3",
+          "PARA_AUTO_LEVELS=9", "PARA_LUM_CORRECT=2", "PARA_PAGE_SIZE=3", "PARA_FIND_CNT_BOX=1",
+          "PARA_ERODE=2", "PARA_USM_TIMES=1", "JPG_PROGRESSIVE=0", "PARA_ADJUST_UNSHADOW=-10"})
+        words.insert(words.end(), {"-s", set});
+    const Outcome outcome = RunProgram(words);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(IsAscii(outcome.out)) << outcome.out;
+    EXPECT_NE(outcome.out.find("Contrast: 120\n"), std::string::npos) << outcome.out;
+    EXPECT_EQ(LinesOf(outcome.out).front(), "Rotate left");
+    EXPECT_NE(outcome.out.find("Colors: Black and white, Threshold by: Otsu\n"), std::string::npos)
+        << outcome.out;
+}
+
+TEST(Params, SpeakEnglishWhenAsked) {
+    for (const char* form : {"--verbose", "--json"}) {
+        const std::string out = RunProgram({"params", "--lang", "en", form}).out;
+        EXPECT_TRUE(IsAscii(out)) << out;
+        EXPECT_NE(out.find("Illumination correction"), std::string::npos);
+    }
+}
+
 TEST(Params, ListsAll134InOrder) {
     const std::vector<std::string> lines = LinesOf(RunProgram({"params"}).out);
     ASSERT_EQ(lines.size(), 134U);
@@ -149,8 +177,8 @@ TEST(Info, EachUnreadableFileIsNamedAndTheOthersAreTold) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(LinesOf(outcome.out).size(), 1U);
     EXPECT_EQ(outcome.err,
-              "missing.png: 文件读取失败。\nempty.png: 文件读取失败。\nfolder.png: "
-              "文件读取失败。\n");
+              "missing.png: 文件读取失败。 (没有这个文件或文件夹)\nempty.png: 文件读取失败。\n"
+              "folder.png: 文件读取失败。 (是文件夹)\n");
 }
 
 TEST(Info, PathsThatAreNoTextPass) {
@@ -200,7 +228,9 @@ TEST(Detect, AFileThatCannotBeOpenedIsKnownByItsName) {
         RunProgram({"detect", "gone.png", "gone.xyz"}, {.folder = folder.Path()});
     EXPECT_EQ(outcome.out, "5\tgone.png\n0\tgone.xyz\n");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "gone.png: 打开失败\ngone.xyz: 打开失败\n");
+    EXPECT_EQ(outcome.err,
+              "gone.png: 打开失败 (没有这个文件或文件夹)\n"
+              "gone.xyz: 打开失败 (没有这个文件或文件夹)\n");
     EXPECT_EQ(RunProgram({"detect", "--by-name", "gone.png"}).status, 0);
 }
 

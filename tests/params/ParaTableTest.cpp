@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
 #include <string>
 
 #include "text/Text.h"
@@ -240,6 +242,35 @@ TEST(ParaTable, KindsFitRangesAndLists) {
     EXPECT_EQ(ParaRowOf(PARA_LEVELS_LIGHT).kind, ParaKind::kPacked);
     EXPECT_EQ(ParaRowOf(PARA_CROPPING).kind, ParaKind::kKept);
     EXPECT_EQ(ParaRowOf(PARA_PREVIEW_FILE_OPEN).kind, ParaKind::kKept);
+}
+
+bool IsEnglish(const Label& text) {
+    return std::ranges::all_of(text.In(Language::kEnglish),
+                               [](char16_t unit) { return unit < 0x80; });
+}
+
+TEST(ParaTable, EveryTextIsThereInEnglish) {
+    for (int i = 0; i < kParaCount; ++i) {
+        const ParaRow& row = ParaRowOf(i);
+        EXPECT_TRUE(IsEnglish(row.label)) << row.name;
+        EXPECT_TRUE(IsEnglish(row.meaning)) << row.name;
+        EXPECT_EQ(row.label.empty(), row.label.In(Language::kEnglish).empty()) << row.name;
+        EXPECT_FALSE(row.meaning.In(Language::kEnglish).empty()) << row.name;
+        for (const Label& text : row.list) {
+            EXPECT_TRUE(IsEnglish(text)) << row.name << ": " << ToUtf8(text);
+            EXPECT_FALSE(text.In(Language::kEnglish).empty()) << row.name;
+        }
+    }
+}
+
+TEST(ParaTable, TextsOfAListDifferInEachLanguage) {
+    for (int i = 0; i < kParaCount; ++i)
+        for (const Language language : {Language::kChinese, Language::kEnglish}) {
+            std::set<std::u16string_view> texts;
+            for (const Label& text : ParaRowOf(i).list)
+                EXPECT_TRUE(texts.insert(text.In(language)).second)
+                    << ParaRowOf(i).name << ": " << ToUtf8(text.In(language));
+        }
 }
 
 }  // namespace
