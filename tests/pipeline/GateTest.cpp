@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/DibImage.h"
+#include "page/PageLayout.h"
 #include "params/ParaBlock.h"
 #include "pipeline/Layout.h"
 #include "pipeline/Run.h"
@@ -46,7 +47,7 @@ CDibImage Page() {
 bool WouldRun(const Step& step, const ParaValues& values, CDibImage& page) {
     RunState state{.image = &page, .values = values};
     state.layout = MakeLayoutRequest(values, page.GetWidth(), page.GetHeight());
-    ScaleContent(state.layout);
+    computeContentSize(state.layout);
     return step.runs(state.Known());
 }
 
