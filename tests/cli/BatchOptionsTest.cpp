@@ -209,7 +209,7 @@ TEST_F(Batch, MissingFilesOfAListFailAndTheOthersGoOn) {
     const Outcome outcome = Run({"--list", "list"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err.substr(0, outcome.err.find("velloran:")),
-              "src/gone.png: 读取失败\nsrc: 读取失败\n");
+              "src/gone.png: 读取失败 (没有这个文件或文件夹)\nsrc: 读取失败 (是文件夹)\n");
     EXPECT_EQ(outcome.out, "3个文件需要转换，\n1个文件转换成功。\n");
 }
 

@@ -186,7 +186,7 @@ TEST_F(BatchSafety, AFullDiskIsExitStatus4NamesTheFileAndTheOthersGoOn) {
     const Outcome outcome = Run({"src", "out", "--ext", "png"}, {.fileSizeLimit = 8192});
     EXPECT_EQ(outcome.status, 4) << "it wins over 1";
     EXPECT_EQ(LinesOf(outcome.err).at(0), "out/a.png: 写入失败 (空间不足，源文件: src/a.png)");
-    EXPECT_EQ(LinesOf(outcome.err).at(1), "src/c.png: 读取失败");
+    EXPECT_EQ(LinesOf(outcome.err).at(1), "src/c.png: 读取失败 (文件损坏)");
     EXPECT_EQ(FilesIn(Target()), Names{"b.png"});
     EXPECT_EQ(outcome.out, "3个文件需要转换，\n1个文件转换成功。\n");
     EXPECT_EQ(LogText(folder_ / "log.txt"), "out/a.png\t写入失败\r\nsrc/c.png\t读取失败\r\n");
@@ -224,10 +224,10 @@ TEST_F(BatchSafety, SourcesThatCannotBeReadAreNamedInTheOrderOfTheWalk) {
     EXPECT_EQ(outcome.status, 1);
     const Names lines = LinesOf(outcome.err);
     ASSERT_GE(lines.size(), 4U);
-    EXPECT_EQ(lines[0], "src/a.png: 读取失败");
-    EXPECT_EQ(lines[1], "src/b.png: 读取失败");
-    EXPECT_EQ(lines[2], "src/d.png: 读取失败");
-    EXPECT_EQ(lines[3], "src/f.png: 读取失败");
+    EXPECT_EQ(lines[0], "src/a.png: 读取失败 (空文件)");
+    EXPECT_EQ(lines[1], "src/b.png: 读取失败 (没有这个文件或文件夹)");
+    EXPECT_EQ(lines[2], "src/d.png: 读取失败 (没有权限)");
+    EXPECT_EQ(lines[3], "src/f.png: 读取失败 (文件损坏)");
     EXPECT_EQ(outcome.out, "5个文件需要转换，\n1个文件转换成功。\n");
 }
 
@@ -301,7 +301,7 @@ TEST_F(BatchSafety, FailuresComeInTheOrderOfTheWalkForAnyNumberOfJobs) {
             continue;
         }
         WriteAll(Source() / name, "nonsense");
-        expected.append("src/").append(name).append(": 读取失败\n");
+        expected.append("src/").append(name).append(": 读取失败 (文件损坏)\n");
     }
     const Outcome outcome = Run({"src", "out", "--jobs", "8"});
     EXPECT_EQ(outcome.err.substr(0, expected.size()), expected);

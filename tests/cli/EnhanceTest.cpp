@@ -94,7 +94,7 @@ TEST(Enhance, FailuresSayTheirMessageBehindThePath) {
     };
     const Case cases[] = {
         {{"missing.png", "b.png"}, 1, "missing.png: 文件读取失败。 (没有这个文件或文件夹)\n"},
-        {{"empty.png", "b.png"}, 1, "empty.png: 文件读取失败。\n"},
+        {{"empty.png", "b.png"}, 1, "empty.png: 文件读取失败。 (空文件)\n"},
         {{"folder.png", "b.png"}, 1, "folder.png: 文件读取失败。 (是文件夹)\n"},
         {{"a.png", "none/b.png"},
          4,

@@ -164,7 +164,7 @@ TEST(Info, JsonHasTheElevenKeys) {
     EXPECT_EQ(all[1]["colours"], 0);
     EXPECT_EQ(all[1]["grey"], false);
     EXPECT_EQ(all[2]["error"], "文件读取失败。");
-    EXPECT_EQ(outcome.err, "broken.png: 文件读取失败。\n");
+    EXPECT_EQ(outcome.err, "broken.png: 文件读取失败。 (文件损坏)\n");
 }
 
 TEST(Info, EachUnreadableFileIsNamedAndTheOthersAreTold) {
@@ -176,9 +176,10 @@ TEST(Info, EachUnreadableFileIsNamedAndTheOthersAreTold) {
                                        {.folder = folder.Path()});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(LinesOf(outcome.out).size(), 1U);
-    EXPECT_EQ(outcome.err,
-              "missing.png: 文件读取失败。 (没有这个文件或文件夹)\nempty.png: 文件读取失败。\n"
-              "folder.png: 文件读取失败。 (是文件夹)\n");
+    EXPECT_EQ(
+        outcome.err,
+        "missing.png: 文件读取失败。 (没有这个文件或文件夹)\nempty.png: 文件读取失败。 (空文件)\n"
+        "folder.png: 文件读取失败。 (是文件夹)\n");
 }
 
 TEST(Info, PathsThatAreNoTextPass) {

@@ -43,8 +43,11 @@ CDibImage Page() {
     return test::Noise(120, 110, 24, 3);
 }
 
-/// As a run would ask: with the sizes of this page.
-bool WouldRun(const Step& step, const ParaValues& values, CDibImage& page) {
+/// As a run would ask: with the sizes of this page. How the content grows or shrinks to its page is
+/// told by the lines of the page; those of the two steps that resize tell of the percentage.
+bool WouldRun(const Step& step, ParaValues values, CDibImage& page) {
+    if (step.number == 13 || step.number == 25)
+        values[PARA_PAGE_SIZE] = 0;
     RunState state{.image = &page, .values = values};
     state.layout = MakeLayoutRequest(values, page.GetWidth(), page.GetHeight());
     computeContentSize(state.layout);
