@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "batch/MemoryGate.h"
+#include "core/PixelMemory.h"
 #include "core/ProcessorCount.h"
 
 namespace velloran {
@@ -59,9 +60,16 @@ class Workers {
             const PageWork work = request_.begin(index);
             hold.lock();
             // In order, so that small files do not keep a large one waiting for ever.
-            changed_.wait(hold, [&] {
+            const auto mayEnter = [&] {
                 return (index == entering_ && gate_.MayEnter(work.need)) || request_.stop->load();
-            });
+            };
+            if (!mayEnter()) {
+                // What this thread keeps for its next page is memory that the others may need.
+                hold.unlock();
+                ReleaseFreedMemory();
+                hold.lock();
+                changed_.wait(hold, mayEnter);
+            }
             ++entering_;
             gate_.Enter(work.need);
             changed_.notify_all();

@@ -136,6 +136,13 @@ void ReleaseKeptPixels() noexcept {
     }
 }
 
+void ReleaseFreedMemory() noexcept {
+    ReleaseKeptPixels();
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
+
 void KeepFreedMemory() noexcept {
 #ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, 32 << 20);  // the largest that the library takes

@@ -19,6 +19,10 @@ void FreePixels(void* block) noexcept;
 /// Gives the blocks that the calling thread keeps back to the system.
 void ReleaseKeptPixels() noexcept;
 
+/// The same, and what the C library keeps of freed memory for the whole process: for a thread that
+/// is going to wait for memory that others are to use.
+void ReleaseFreedMemory() noexcept;
+
 struct PixelDeleter {
     void operator()(void* block) const noexcept { FreePixels(block); }
 };
