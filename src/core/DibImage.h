@@ -21,7 +21,7 @@ struct ImageSource {
     std::string sourceName;        // path, as the bytes of the disk
     std::uint32_t sourceInfo = 0;  // file type id of sourceName
     /// What a new JPEG may inherit of the source; null where that is no JPEG.
-    std::shared_ptr<const JpegSourceHead> jpegHead;
+    std::shared_ptr<const JpegSourceHead> jpegHead = nullptr;
 };
 
 class CDibImage : public CBaseImage {

@@ -109,19 +109,29 @@ namespace {
 
 HWY_EXPORT(FilterLines);
 
-Poles MakePoles(double sigma) {
-    using Complex = std::complex<double>;
+using Complex = std::complex<double>;
+
+/// The poles alone, as floats. Apart from what is worked out of them: g++ 12 forgets the rounding
+/// where it makes vectors of the two poles, and the weights would no longer add up to 1.
+[[gnu::noinline]] Poles RoundedPoles(double sigma) {
     constexpr std::array<Complex, 2> kRates = {Complex{-1.783, 0.6318}, Complex{-1.723, 1.997}};
-    constexpr std::array<Complex, 2> kAmplitudes = {Complex{1.680, -3.735},
-                                                    Complex{-0.6803, 0.2598}};
     Poles poles{};
-    std::array<Complex, 2> rounded;  // as the floats will hold them: the sum is of these
-    double sum = 0;
     for (std::size_t i = 0; i < poles.size(); ++i) {
         const Complex rate = kRates[i] / sigma;
         const double size = Exp(rate.real());
         poles[i].re = static_cast<float>(size * Cos(rate.imag()));
         poles[i].im = static_cast<float>(size * Sin(rate.imag()));
+    }
+    return poles;
+}
+
+Poles MakePoles(double sigma) {
+    constexpr std::array<Complex, 2> kAmplitudes = {Complex{1.680, -3.735},
+                                                    Complex{-0.6803, 0.2598}};
+    Poles poles = RoundedPoles(sigma);
+    std::array<Complex, 2> rounded;
+    double sum = 0;
+    for (std::size_t i = 0; i < poles.size(); ++i) {
         rounded[i] = {static_cast<double>(poles[i].re), static_cast<double>(poles[i].im)};
         sum += (kAmplitudes[i] * (1.0 + rounded[i]) / (1.0 - rounded[i])).real();
     }
