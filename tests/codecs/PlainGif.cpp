@@ -71,6 +71,9 @@ void PutFrame(GifFileType* gif, const PlainGifFrame& frame) {
     for (int pass = 0; frame.interlaced && pass < 4; ++pass)
         for (int y = kFirst[pass]; y < frame.height; y += kStep[pass])
             putRow(y);
+    // The library forgets its copy of the map when the next frame has none.
+    GifFreeMapObject(gif->Image.ColorMap);
+    gif->Image.ColorMap = nullptr;
 }
 
 }  // namespace
