@@ -77,6 +77,11 @@ class Workers {
             SetInnerThreads(alone ? request_.aloneThreads : request_.innerThreads);
             FileOutcome outcome = work.run();
             hold.lock();
+            if (gate_.IsTight()) {
+                hold.unlock();
+                ReleaseFreedMemory();
+                hold.lock();
+            }
             --running_;
             gate_.Leave(work.need);
             done_.emplace(index, std::move(outcome));

@@ -25,6 +25,8 @@ class MemoryGate {
         used_ -= bytes;
     }
     std::int64_t Used() const { return used_; }
+    /// Whether those inside take more than half of the limit, so that others may soon wait.
+    bool IsTight() const { return limit_ > 0 && used_ > limit_ / 2; }
 
  private:
     std::int64_t limit_ = 0, used_ = 0;

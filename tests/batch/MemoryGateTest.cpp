@@ -37,6 +37,17 @@ TEST(MemoryGate, APageThatWouldNeverFitRunsAlone) {
     EXPECT_FALSE(gate.MayEnter(1000));
 }
 
+TEST(MemoryGate, IsTightAboveHalfOfItsLimit) {
+    MemoryGate gate(100);
+    gate.Enter(50);
+    EXPECT_FALSE(gate.IsTight());
+    gate.Enter(1);
+    EXPECT_TRUE(gate.IsTight());
+    MemoryGate open(0);
+    open.Enter(1'000'000);
+    EXPECT_FALSE(open.IsTight());
+}
+
 TEST(MemoryGate, WithoutALimitAllEnter) {
     MemoryGate gate(0);
     gate.Enter(INT64_MAX / 2);
