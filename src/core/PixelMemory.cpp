@@ -139,7 +139,9 @@ void ReleaseKeptPixels() noexcept {
 void ReleaseFreedMemory() noexcept {
     ReleaseKeptPixels();
 #ifdef __GLIBC__
-    malloc_trim(0);
+    // Under a sanitizer the C library's own memory is not in use, and must not be woken.
+    if constexpr (kKeepBlocks)
+        malloc_trim(0);
 #endif
 }
 
