@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/CubicSample.h"
 
@@ -50,8 +51,11 @@ using PixelKernel = void (*)(ConstPlaneView, double, double, std::uint8_t*);
 template <int kChannels, PixelKernel kPixel>
 void WarpRows(ConstPlaneView source, const PerspectiveMap& toSource, PlaneView target) {
     const Coefficients m = toSource.Values();
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
     for (int y = 0; y < target.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         std::uint8_t* out = target.Row(y).data();
         const double x0 = m[1] * y + m[2], y0 = m[4] * y + m[5], w0 = m[7] * y + m[8];
         for (int x = 0; x < target.width; ++x, out += kChannels) {

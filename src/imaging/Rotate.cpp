@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "core/ExactMath.h"
+#include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/CubicSample.h"
 
@@ -103,8 +104,11 @@ void RotateRows(ConstPlaneView source, const Rotation& rotation, PlaneView targe
                 RowKernel kernel) {
     const Inverse inverse(rotation);
     const Place step = inverse.Step();
+    const CancelToken cancel = CurrentCancel();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(source))
     for (int y = 0; y < target.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
         const Place start = inverse.RowStart(y);
         const Piece piece = PieceInside(start, step, source.width, source.height);
         kernel(source, start, step, piece, target.Row(y).data());

@@ -19,7 +19,7 @@ struct ContentBoxRequest {
 
 /// 1 with the box in pixels of the image, which stays as it is; it never leaves searchRect, and a
 /// page without content gives searchRect. 0 with searchRect for an empty image or a search
-/// rectangle without pixels, and without memory. Throws what the binary toolkit throws.
+/// rectangle without pixels, without memory, and where the binary toolkit fails.
 int findContentBox(const CDibImage& image, const ContentBoxRequest& request, PageBox& box);
 
 }  // namespace velloran

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 
 #include "core/DibImage.h"
+#include "core/StepContext.h"
 #include "page/Deskew.h"
 #include "support/Images.h"
 #include "support/Threads.h"
@@ -156,6 +158,16 @@ TEST(RotateKeepSize, ThreadsChangeNoByte) {
     }
     ExpectSamePixels(results[1], results[0]);
     ExpectSamePixels(results[2], results[0]);
+}
+
+TEST(RotateKeepSize, ATurnThatIsCancelledLeavesItsRows) {
+    CDibImage image = Filled(400, 300, 8, 90);
+    const std::atomic<bool> stop{true};
+    const StepContext context{CancelToken(stop)};
+    EXPECT_EQ(rotateKeepSize(image, 3, 2, kFillEdge, 0x110000), 1);
+    for (int y = 0; y < 300; ++y)
+        for (int x = 0; x < 400; ++x)
+            ASSERT_EQ(image.GetBits(y)[x], 0x11);  // the fill, which no row was turned over
 }
 
 TEST(RotateKeepSize, SmallAndThinPagesTurn) {
