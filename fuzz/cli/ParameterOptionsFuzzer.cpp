@@ -8,9 +8,11 @@
 #include <string>
 #include <string_view>
 
-#include "cli/Arguments.h"
 #include "cli/Console.h"
+#include "cli/OptionParser.h"
+#include "codecs/Formats.h"
 #include "params/ParaTable.h"
+#include "text/Labels.h"
 
 namespace {
 
@@ -43,11 +45,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const bool nulSeparated : {false, true})
         for (const std::string& path : SplitPathList(text, nulSeparated))
             Require(!path.empty() && path.find('\0') == std::string::npos);
-    ExtensionPosition(text);
+    velloran::FormatOfExtension(text);
 
     const std::string word = text.substr(0, text.find('\0'));
-    const char* words[] = {"velloran", word.c_str()};
-    Require(Unguard(GuardArguments(2, words)).front() == word);
+    // Whatever a name holds, the parser hands it on as it was typed.
+    const Operand operands[] = {{"FILE", false, Completes{}, velloran::labels::kLoadFailed}};
+    ParsedWords parsed;
+    Require(word.empty() || (ParseWords({}, operands, {"--", word}, parsed).empty() &&
+                             parsed.operands.front() == word));
+    ParsedWords judged;
+    ParseWords({}, operands, {word}, judged);
 
     const std::size_t columns = size % 200;
     BarText({size, size * 2, static_cast<double>(size), text}, columns);
