@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "BatchFolder.h"
+#include "support/Sanitized.h"
 
 namespace velloran::test {
 namespace {
@@ -127,9 +128,8 @@ TEST_F(BatchEnds, SlowAHangUpIs129) {
 }
 
 TEST_F(BatchEnds, APageWithoutMemoryIsNotWrittenAndIsRow6) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
-#endif
+    if (test::kSanitized)
+        GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
     WritePage(Source() / "a.bmp", 1500, 2000, /*color=*/true);
     const std::vector<std::string> arguments = {"src",   "out",
                                                 "--ext", "png",

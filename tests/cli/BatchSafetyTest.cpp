@@ -16,6 +16,7 @@
 #include "files/ImageFiles.h"
 #include "params/ParaBlock.h"
 #include "support/Images.h"
+#include "support/Sanitized.h"
 #include "support/TempFolder.h"
 #include "text/Text.h"
 
@@ -308,9 +309,8 @@ TEST_F(BatchSafety, FailuresComeInTheOrderOfTheWalkForAnyNumberOfJobs) {
 }
 
 TEST_F(BatchSafety, MemoryDoesNotGrowWithTheNumberOfFiles) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer keeps freed memory";
-#endif
+    if (test::kSanitized)
+        GTEST_SKIP() << "the sanitizer keeps freed memory";
     constexpr int kSide = 1500;
     WritePage(Source() / "0.bmp", kSide, kSide, /*color=*/true);
     const auto peak = [&] {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "RunProgram.h"
+#include "support/Sanitized.h"
 #include "support/TempFolder.h"
 
 namespace velloran::test {
@@ -51,9 +52,8 @@ class OutOfMemory : public testing::Test {
 };
 
 TEST_F(OutOfMemory, EnhanceWritesTheWholeResultOrNone) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
-#endif
+    if (test::kSanitized)
+        GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
     int short_ = 0, done = 0;
     for (long limit = 40; limit <= 400; limit += 8) {
         fs::remove(folder_ / "out.bmp");
@@ -74,9 +74,8 @@ TEST_F(OutOfMemory, EnhanceWritesTheWholeResultOrNone) {
 }
 
 TEST_F(OutOfMemory, BatchDoesNotCountSuchAPageAsConverted) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
-#endif
+    if (test::kSanitized)
+        GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
     int short_ = 0;
     for (long limit = 40; limit <= 400 && short_ < 3; limit += 8) {
         fs::remove_all(folder_ / "out");

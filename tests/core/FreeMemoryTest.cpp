@@ -5,6 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "support/Sanitized.h"
+
 namespace velloran::test {
 namespace {
 
@@ -27,9 +29,8 @@ TEST(FreeMemory, AContainerLeavesItsLimitWithoutWhatIsUsed) {
 }
 
 TEST(FreeMemory, TheOwnAddressSpaceIsALimitToo) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
-#endif
+    if (test::kSanitized)
+        GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
     const pid_t child = fork();
     if (child == 0) {
         constexpr rlim_t kBytes = rlim_t{900} << 20;

@@ -11,17 +11,15 @@
 
 #include "core/BaseImage.h"
 #include "support/FailingAllocator.h"
+#include "support/Sanitized.h"
 
 namespace velloran {
 namespace {
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kBlocksAreKept = false;
-#else
-constexpr bool kBlocksAreKept = true;
-#endif
+// The sanitizers must see each block freed.
+constexpr bool kBlocksAreKept = !test::kSanitized;
 
 TEST(PixelMemory, BlocksAreWritableToTheLastByteAndAligned) {
     for (std::size_t bytes :

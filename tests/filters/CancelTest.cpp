@@ -20,6 +20,7 @@
 #include "filters/SurfaceBlur.h"
 #include "filters/UnsharpMask.h"
 #include "support/Images.h"
+#include "support/Sanitized.h"
 
 namespace velloran {
 namespace {
@@ -120,8 +121,11 @@ TEST(Cancel, WithoutAContextNothingIsLeftOut) {
     test::ExpectSamePixels(inContext, alone);
 }
 
-/// The time is that of the processors, on which other programs do not count.
-TEST(CancelSlow, EachFamilyEndsWithinAQuarterOfASecond) {
+/// In seconds of the processors, on which other programs do not count. Instrumented code takes
+/// several times as long between two questions.
+constexpr double kLateAtMost = test::kSanitized ? 2.0 : 0.25;
+
+TEST(CancelSlow, EachFamilyEndsSoon) {
     // Larger ones would measure how long the system takes to hand out memory.
     const CDibImage page = test::Noise(3000, 4200, 24);
     for (const Family& family : kFamilies) {
@@ -140,7 +144,7 @@ TEST(CancelSlow, EachFamilyEndsWithinAQuarterOfASecond) {
         const std::clock_t end = std::clock();
         other.join();
         const double late = static_cast<double>(end - cancelled) / CLOCKS_PER_SEC;
-        EXPECT_LT(late, 0.25) << family.name;
+        EXPECT_LT(late, kLateAtMost) << family.name;
     }
 }
 
