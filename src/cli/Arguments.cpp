@@ -16,8 +16,14 @@ bool NeedsGuard(std::string_view word) {
 }  // namespace
 
 std::vector<std::string> GuardWords(std::vector<std::string> words) {
+    bool optionsEnded = false;
     for (std::string& word : words) {
-        const std::size_t value = word.starts_with("--") ? word.find('=') : std::string::npos;
+        if (!optionsEnded && word == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        const bool isOption = !optionsEnded && word.starts_with("--");
+        const std::size_t value = isOption ? word.find('=') : std::string::npos;
         const std::size_t at = value == std::string::npos ? 0 : value + 1;
         if (NeedsGuard(std::string_view(word).substr(at)))
             word.insert(at, 1, kGuard);

@@ -10,7 +10,7 @@
 
 namespace velloran::cli {
 
-/// The words, guarded; of --option=value the value.
+/// The words, guarded; of --option=value the value. Behind "--" all words are names.
 std::vector<std::string> GuardWords(std::vector<std::string> words);
 
 /// The word as it was typed.

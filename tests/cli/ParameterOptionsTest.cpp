@@ -110,6 +110,13 @@ TEST(Arguments, AreGuardedBehindAnEqualsSignToo) {
     EXPECT_EQ(GuardWords({"--log=a"}), std::vector<std::string>{"--log=a"});
 }
 
+TEST(Arguments, BehindTheEndOfTheOptionsAreNamesWhole) {
+    const std::vector<std::string> words = {"--", "--a=", "--a=[1]", "[b]", "--"};
+    EXPECT_EQ(GuardWords(words),
+              (std::vector<std::string>{"--", "--a=", "--a=[1]", "\x01[b]", "--"}));
+    EXPECT_EQ(Unguard(GuardWords(words)), words);
+}
+
 TEST(ParameterOptions, AListTextIsItsValueInEitherLanguage) {
     std::string problem;
     const auto value = [&](const std::string& text) {
