@@ -1,97 +1,116 @@
 // velloran-accuracy: draws pages of known truth, lets the automatic steps search them, and tells
-// how far what they find lies from the truth.
+// how far what they find lies from the truth, and what their confidence is worth.
+
+#include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "page/ContentBox.h"
-#include "page/Deskew.h"
-#include "page/PackedLine.h"
-#include "page/PageLines.h"
-#include "samples/SamplePage.h"
+#include "samples/Accuracy.h"
 
 namespace {
 
-using namespace velloran;
 using namespace velloran::samples;
 
-/// Errors of one finding over pages, and how many of them lie within the tolerance.
-class Tally {
- public:
-    explicit Tally(double tolerance) : tolerance_(tolerance) {}
-    void Add(double error) { errors_.push_back(error); }
-    void Print(const char* name) {
-        if (errors_.empty())
-            return;
-        std::sort(errors_.begin(), errors_.end());
-        const auto within = std::count_if(errors_.begin(), errors_.end(),
-                                          [this](double e) { return e <= tolerance_; });
-        const auto at = [this](double share) {
-            return errors_[static_cast<std::size_t>(share * double(errors_.size() - 1))];
-        };
-        std::printf("| %s | %zu | %.3f | %.3f | %.1f %% |\n", name, errors_.size(), at(0.5),
-                    at(0.95), 100.0 * double(within) / double(errors_.size()));
-    }
-
- private:
-    double tolerance_;
-    std::vector<double> errors_;
-};
-
 struct Options {
-    int count = 25;
-    int dpi = 150;
+    int share = 1;
     std::uint64_t seed = 1;
+    std::string group;
     bool verbose = false;
 };
 
-SampleRequest RequestOf(const Options& options, int index) {
-    SampleRequest request;
-    request.kind = static_cast<PageKind>(index % kPageKindCount);
-    request.dpi = options.dpi;
-    request.width = 2480 * options.dpi / 300;
-    request.height = 3508 * options.dpi / 300;
-    if (IsTwoPages(request.kind))
-        std::swap(request.width, request.height);
-    request.seed = options.seed + static_cast<std::uint64_t>(index);
-    return request;
+double Quantile(std::vector<double> values, double share) {
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(share * double(values.size() - 1))];
 }
 
-bool IsUpright(const Truth& truth) {
-    return truth.pages.size() == 1 && truth.pages[0].uprightContentBox.has_value();
+double Percent(std::size_t part, std::size_t whole) {
+    return whole == 0 ? 0 : 100.0 * double(part) / double(whole);
 }
 
-double SkewError(const SamplePage& page, double& confidence) {
-    const bool vertical = !page.truth.lines.empty() && page.truth.lines[0].vertical;
-    double angle = 0;
-    findSkew(page.image, angle, confidence, {}, vertical ? kDeskewColumns : kDeskewRows);
-    return angle - page.truth.angleDegrees;
+/// Scores of one row of the table, and how they are told.
+void PrintRows(const std::vector<AccuracyScore>& scores) {
+    fmt::print(
+        "| finding | on | pages | tolerance | median | 95 % | within | wanted |\n"
+        "|---|---|---|---|---|---|---|---|\n");
+    for (int i = 0; i < kAccuracyRows; ++i) {
+        const AccuracyRowText& text = TextOf(static_cast<AccuracyRow>(i));
+        std::vector<double> errors;
+        std::size_t good = 0;
+        for (const AccuracyScore& score : scores)
+            if (score.row && static_cast<int>(*score.row) == i) {
+                errors.push_back(score.error);
+                good += score.isGood ? 1 : 0;
+            }
+        if (errors.empty())
+            continue;
+        fmt::print("| {} | {} | {} | {:g} {} | {:.3g} | {:.3g} | {:.1f} % | {:g} % |\n",
+                   text.finding, text.pages, errors.size(), text.tolerance * text.scale, text.unit,
+                   Quantile(errors, 0.5) * text.scale, Quantile(errors, 0.95) * text.scale,
+                   Percent(good, errors.size()), text.wantedPercent);
+    }
 }
 
-/// The largest distance of a side.
-double BoxError(const SamplePage& page, PageBox& box) {
-    ContentBoxRequest request;
-    request.searchRect = {0, 0, page.image.GetWidth(), page.image.GetHeight()};
-    request.compensation = false;
-    if (findContentBox(page.image, request, box) == 0)
-        return 1e9;
-    const Box& truth = *page.truth.contentBox;
-    return std::max({std::fabs(box.left - truth.left), std::fabs(box.top - truth.top),
-                     std::fabs(box.right - truth.right), std::fabs(box.bottom - truth.bottom)});
+/// The findings that are no good, by what is hard about their pages.
+void PrintMisses(const std::vector<AccuracyScore>& scores) {
+    std::map<std::string, std::pair<std::size_t, std::size_t>> groups;
+    for (const AccuracyScore& score : scores)
+        if (score.row) {
+            auto& [all, bad] = groups[score.finding + " | " + score.group];
+            ++all;
+            bad += score.isGood ? 0 : 1;
+        }
+    fmt::print("\n| finding | pages | outside tolerance | of |\n|---|---|---|---|\n");
+    for (const auto& [name, counts] : groups)
+        if (counts.second > 0)
+            fmt::print("| {} | {} | {} |\n", name, counts.second, counts.first);
 }
 
-double GutterError(const SamplePage& page, PageLine& mid) {
-    std::int32_t lines[3] = {};
-    findPageLines(page.image, kLeftRightMid, lines, 0, 0);
-    mid = UnpackLine(lines[2]);
-    const GutterTruth& gutter = *page.truth.gutter;
-    return std::max(std::fabs(mid.top - gutter.top.x), std::fabs(mid.bottom - gutter.bottom.x)) /
-           page.image.GetWidth();
+/// What a confidence is worth: over all findings the share of the wrong ones below the value that
+/// nine tenths of the good ones reach, and for each tenth the share of good ones at or above it.
+void PrintSure(const std::vector<AccuracyScore>& scores) {
+    std::vector<double> good, bad;
+    std::map<std::string, std::vector<std::pair<double, bool>>> byFinding;
+    for (const AccuracyScore& score : scores) {
+        if (!score.sure)
+            continue;
+        (score.isGood ? good : bad).push_back(*score.sure);
+        byFinding[score.finding].emplace_back(*score.sure, score.isGood);
+    }
+    if (good.empty() || bad.empty())
+        return;
+    const double bar = Quantile(good, 0.1);
+    const auto below = std::count_if(bad.begin(), bad.end(), [&](double s) { return s < bar; });
+    fmt::print(
+        "\nNine tenths of the {} good findings are at least {:.3f} sure; of the {} wrong ones "
+        "and those where nothing is to be found {:.1f} % lie below.\n",
+        good.size(), bar, bad.size(), Percent(static_cast<std::size_t>(below), bad.size()));
+    fmt::print("\n| good at or above | 0.0 |");
+    for (int tenth = 1; tenth < 10; ++tenth)
+        fmt::print(" 0.{} |", tenth);
+    fmt::print("\n|---|");
+    for (int tenth = 0; tenth < 10; ++tenth)
+        fmt::print("---|");
+    for (const auto& [finding, sures] : byFinding) {
+        fmt::print("\n| {} |", finding);
+        for (int tenth = 0; tenth < 10; ++tenth) {
+            std::size_t all = 0, right = 0;
+            for (const auto& [sure, isGood] : sures)
+                if (sure >= tenth / 10.0) {
+                    ++all;
+                    right += isGood ? 1 : 0;
+                }
+            if (all == 0)
+                fmt::print(" - |");
+            else
+                fmt::print(" {:.0f} % of {} |", Percent(right, all), all);
+        }
+    }
+    fmt::print("\n");
 }
 
 }  // namespace
@@ -100,45 +119,30 @@ int main(int argc, char** argv) {
     CLI::App app("Measures what the automatic steps find on pages of known truth.",
                  "velloran-accuracy");
     Options options;
-    app.add_option("--count", options.count, "Number of pages")->capture_default_str();
-    app.add_option("--dpi", options.dpi, "Dots per inch")->capture_default_str();
+    app.add_option("--share", options.share, "Every n-th page of the whole")->capture_default_str();
     app.add_option("--seed", options.seed, "Another seed gives other pages")->capture_default_str();
-    app.add_flag("-v,--verbose", options.verbose, "A line a page");
+    app.add_option("--group", options.group, "Only pages of this group");
+    app.add_flag("-v,--verbose", options.verbose, "A line a finding");
     CLI11_PARSE(app, argc, argv);
-    Tally skew(0.1), box(4.0 * options.dpi / 300), gutter(0.01);
-    for (int i = 0; i < options.count; ++i) {
-        const SamplePage page = MakeSamplePage(RequestOf(options, i));
-        const char* name = page.truth.kind.c_str();
-        if (IsUpright(page.truth) && page.truth.lines.size() >= 8) {
-            double confidence = 0;
-            const double error = SkewError(page, confidence);
-            skew.Add(std::fabs(error));
+    std::vector<AccuracyScore> scores;
+    std::size_t pages = 0;
+    for (const CorpusPage& page : AccuracyCorpus(options.seed, options.share)) {
+        if (!options.group.empty() && page.group != options.group)
+            continue;
+        ++pages;
+        for (AccuracyScore& score : ScorePage(page)) {
             if (options.verbose)
-                std::printf("skew %s true %.2f error %.3f confidence %.2f\n", name,
-                            page.truth.angleDegrees, error, confidence);
-        }
-        if (page.truth.contentBox && page.truth.pages.size() == 1) {
-            PageBox found;
-            const double error = BoxError(page, found);
-            box.Add(error);
-            const Box& b = *page.truth.contentBox;
-            if (options.verbose)
-                std::printf("box %s error %.1f: %d %d %d %d true %.1f %.1f %.1f %.1f\n", name,
-                            error, found.left, found.top, found.right, found.bottom, b.left, b.top,
-                            b.right, b.bottom);
-        }
-        if (page.truth.gutter && page.truth.pages.size() == 2) {
-            PageLine mid;
-            const double error = GutterError(page, mid);
-            gutter.Add(error);
-            if (options.verbose)
-                std::printf("gutter %s error %.4f: %d %d true %.1f %.1f\n", name, error, mid.top,
-                            mid.bottom, page.truth.gutter->top.x, page.truth.gutter->bottom.x);
+                fmt::print("{}\t{}\tdpi {}\tangle {:.2f}\terror {:.5f}\t{}\tsure {:.3f}\n",
+                           score.finding, score.group, page.request.dpi,
+                           page.request.angleDegrees.value_or(0), score.error,
+                           score.isGood ? "good" : (score.row ? "BAD" : "nothing"),
+                           score.sure.value_or(-1));
+            scores.push_back(std::move(score));
         }
         std::fflush(stdout);
     }
-    std::printf("| finding | pages | median | 95 %% | within |\n|---|---|---|---|---|\n");
-    skew.Print("skew, degrees");
-    box.Print("content box, pixels");
-    gutter.Print("gutter, of the width");
+    fmt::print("{} pages, seed {}.\n\n", pages, options.seed);
+    PrintRows(scores);
+    PrintMisses(scores);
+    PrintSure(scores);
 }

@@ -38,15 +38,16 @@ void AddBlackEdges(Scene& scene, Truth& truth, Random& random) {
     truth.blackEdgeColor = scene.blackEdgeColor;
 }
 
-Light MakeLight(LightKind kind, const PagePlaces& places, const Frame& frame, Random& random) {
+Light MakeLight(const PageRecipe& recipe, const PagePlaces& places, const Frame& frame,
+                Random& random) {
     Light light;
-    if (kind == LightKind::kUneven) {
+    if (recipe.light == LightKind::kUneven) {
         light.base = 0.93;
         light.slopeX = random.Sign() * random.Between(0.06, 0.13);
         light.slopeY = random.Sign() * random.Between(0.04, 0.1);
         light.falloff = random.Between(0.02, 0.07);
     }
-    if (kind == LightKind::kCorner) {
+    if (recipe.light == LightKind::kCorner) {
         const double shorter = std::min(frame.width, frame.height);
         light.corner = Light::Corner{
             {random.Chance(0.5) ? 0.0 : frame.width, random.Chance(0.5) ? 0.0 : frame.height},
@@ -55,7 +56,8 @@ Light MakeLight(LightKind kind, const PagePlaces& places, const Frame& frame, Ra
     }
     if (places.gutter)
         light.gutter = Light::Gutter{places.gutter->top, places.gutter->bottom,
-                                     std::max(3.0, frame.width * 0.02), random.Between(0.55, 0.7)};
+                                     std::max(3.0, frame.width * 0.02),
+                                     random.Between(recipe.gutterDepthFrom, recipe.gutterDepthTo)};
     return light;
 }
 

@@ -13,7 +13,8 @@ namespace velloran::samples {
 void AddSpecks(Scene& scene, Truth& truth, Random& random);
 /// Black bars along two or three edges of the picture, whole pixels wide.
 void AddBlackEdges(Scene& scene, Truth& truth, Random& random);
-Light MakeLight(LightKind kind, const PagePlaces& places, const Frame& frame, Random& random);
+Light MakeLight(const PageRecipe& recipe, const PagePlaces& places, const Frame& frame,
+                Random& random);
 PaperStock MakeStock(StockKind kind);
 
 }  // namespace velloran::samples

@@ -52,6 +52,8 @@ enum class Lie {
     kPhoto,       // on a table, in perspective
 };
 enum class LightKind { kEven, kUneven, kCorner };
+/// How much stands on a book page.
+enum class BookFill { kFull, kFewLines, kNumberOnly, kPictures };
 enum class StockKind { kWhite, kCream, kNewsprint, kOld };
 
 struct PageRecipe {
@@ -66,6 +68,14 @@ struct PageRecipe {
     Depth depth = Depth::kColor;
     double noise = 1.2;  // standard deviation, levels
     bool bleedThrough = false, specks = false, blackEdges = false, inverted = false;
+    BookFill fill = BookFill::kFull;
+    /// Where the gutter of two pages lies and how dark its valley is: ranges, as shares of the
+    /// width and of the light.
+    double gutterFrom = 0.48, gutterTo = 0.52;
+    double gutterDepthFrom = 0.55, gutterDepthTo = 0.7;
+    /// How far a corner of a photographed page may lie off its place, as a share of the picture.
+    double photoShake = 0.02;
+    double photoFarFrom = 0.05, photoFarTo = 0.09;  // how much narrower its far edge is, a side
 };
 
 const PageRecipe& RecipeOf(PageKind kind);

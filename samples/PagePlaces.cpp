@@ -38,11 +38,13 @@ GutterTruth GutterThrough(Point a, Point b, const Frame& frame) {
     return {at(0), at(frame.height)};
 }
 
-PagePlaces PlaceBesideGutter(const Frame& frame, double angle, Random& random, bool twoPages) {
+PagePlaces PlaceBesideGutter(const PageRecipe& recipe, const Frame& frame, double angle,
+                             Random& random) {
+    const bool twoPages = recipe.lie == Lie::kSpread;
     PagePlaces places;
     const double w = frame.width, h = frame.height;
-    const double middle =
-        twoPages ? w * random.Between(0.48, 0.52) : w * random.Between(0.05, 0.07);
+    const double middle = twoPages ? w * random.Between(recipe.gutterFrom, recipe.gutterTo)
+                                   : w * random.Between(0.05, 0.07);
     if (twoPages)
         AddTurned(places, frame, {0, 0, middle, h}, angle);
     AddTurned(places, frame, {middle, 0, w, h}, angle);
@@ -73,14 +75,16 @@ PagePlaces PlaceOpenBook(const Frame& frame, Random& random, bool twoPages) {
     return places;
 }
 
-PagePlaces PlacePhoto(const Frame& frame, Random& random) {
+PagePlaces PlacePhoto(const PageRecipe& recipe, const Frame& frame, Random& random) {
     PagePlaces places;
     const double w = frame.width, h = frame.height;
     const auto corner = [&](double x, double y) {
-        return Point{w * (x + random.Between(-0.02, 0.02)), h * (y + random.Between(-0.02, 0.02))};
+        const double shake = recipe.photoShake;
+        return Point{w * (x + random.Between(-shake, shake)),
+                     h * (y + random.Between(-shake, shake))};
     };
     // Seen from the reader's side: the far edge is the shorter one.
-    const double far = random.Between(0.05, 0.09);
+    const double far = random.Between(recipe.photoFarFrom, recipe.photoFarTo);
     const std::array<Point, 4> corners = {corner(0.08 + far, 0.09), corner(0.92 - far, 0.08),
                                           corner(0.94, 0.93), corner(0.06, 0.92)};
     Warp warp;
@@ -109,12 +113,12 @@ PagePlaces PlacePages(const PageRecipe& recipe, const Frame& frame, double angle
             return places;
         case Lie::kRightPage:
         case Lie::kSpread:
-            return PlaceBesideGutter(frame, angleDegrees, random, recipe.lie == Lie::kSpread);
+            return PlaceBesideGutter(recipe, frame, angleDegrees, random);
         case Lie::kOpenSpread:
         case Lie::kOpenPage:
             return PlaceOpenBook(frame, random, recipe.lie == Lie::kOpenSpread);
         case Lie::kPhoto:
-            return PlacePhoto(frame, random);
+            return PlacePhoto(recipe, frame, random);
     }
     return places;
 }

@@ -48,9 +48,9 @@ void DrawContent(Sheet& sheet, const PageRecipe& recipe, int pageNumber, const S
                  Random& random) {
     switch (recipe.content) {
         case Content::kLatin:
-            return DrawBookPage(sheet, Language::kLatin, pageNumber, random);
+            return DrawBookPage(sheet, Language::kLatin, recipe.fill, pageNumber, random);
         case Content::kChinese:
-            return DrawBookPage(sheet, Language::kChinese, pageNumber, random);
+            return DrawBookPage(sheet, Language::kChinese, recipe.fill, pageNumber, random);
         case Content::kVertical:
             return DrawVerticalPage(sheet, random);
         case Content::kTable:
@@ -181,7 +181,7 @@ Plane AllInk(const Inks& inks) {
 SamplePage MakeSamplePage(const SampleRequest& request) {
     CheckRequest(request);
     thread_local FontBook fonts;  // opening fonts costs more than a small page
-    const PageRecipe& recipe = RecipeOf(request.kind);
+    const PageRecipe recipe = request.recipe.value_or(RecipeOf(request.kind));
     Random random(request.seed);
     // Branches are taken in this order whatever the kind, so that what one part draws does not
     // move the others.
@@ -211,7 +211,7 @@ SamplePage MakeSamplePage(const SampleRequest& request) {
         AddSpecks(scene, page.truth, aging);
     if (recipe.blackEdges)
         AddBlackEdges(scene, page.truth, aging);
-    scene.light = MakeLight(recipe.light, places, frame, aging);
+    scene.light = MakeLight(recipe, places, frame, aging);
     page.image = ScanScene(scene, recipe.depth, recipe.inverted);
     if (request.wantInkMask)
         page.inkMask = PlaneToImage(AllInk(scene.inks), frame.dpi);

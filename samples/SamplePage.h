@@ -20,6 +20,8 @@ struct SampleRequest {
     std::optional<double> angleDegrees = std::nullopt;
     /// Also makes SamplePage::inkMask.
     bool wantInkMask = false;
+    /// Instead of the one of the kind.
+    std::optional<PageRecipe> recipe = std::nullopt;
 };
 
 struct SamplePage {

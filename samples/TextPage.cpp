@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "samples/ComicScenes.h"
 #include "samples/TextFlow.h"
 #include "text/Text.h"
 
@@ -55,6 +56,23 @@ double WriteParagraph(Sheet& sheet, std::u16string_view text, const FlowStyle& s
     return baseline;
 }
 
+/// A picture across a part of the column; returns where the next baseline lies.
+double DrawPicture(Sheet& sheet, const Box& free, double em, Random& random) {
+    const double height = std::min(em * random.Between(7, 14), free.Height() - em);
+    if (height < em * 4)
+        return free.top;
+    const double width = free.Width() * random.Between(0.4, 1);
+    const double left = free.left + (free.Width() - width) * random.Unit();
+    const Box panel{left, free.top - em * 0.6, left + width, free.top - em * 0.6 + height};
+    ComicPen pen(sheet, ComicStyle::kScreen);
+    sheet.ClipTo(RectangleContour(panel));
+    DrawScene(random.Below(kSceneCount), pen, panel, random);
+    sheet.ClipTo({});
+    pen.Stroke(RectangleContour(panel), 1, /*closed=*/true);
+    pen.FinishNotes();
+    return panel.bottom + em * 1.4;
+}
+
 FlowStyle StyleOf(const Sheet& sheet, Language language, const Box& area) {
     const BookType& type = language == Language::kChinese ? kChineseType : kLatinType;
     FlowStyle style{language, type.body, BodySize(sheet, type.bodyPoints), area.Width(), 0};
@@ -66,12 +84,18 @@ FlowStyle StyleOf(const Sheet& sheet, Language language, const Box& area) {
 
 }  // namespace
 
-void DrawBookPage(Sheet& sheet, Language language, int pageNumber, Random& random) {
+void DrawBookPage(Sheet& sheet, Language language, BookFill fill, int pageNumber, Random& random) {
     const BookType& type = language == Language::kChinese ? kChineseType : kLatinType;
     const Box area = TextArea(sheet);
     const FlowStyle style = StyleOf(sheet, language, area);
     const double em = style.size, lineHeight = em * type.lineHeight;
     const double middle = area.left + style.width / 2;
+    const auto writeNumber = [&] {
+        WriteCentered(sheet, ToUtf16(std::to_string(pageNumber)), Font::kSerif, em * 0.9, middle,
+                      area.bottom);
+    };
+    if (fill == BookFill::kNumberOnly)
+        return writeNumber();
 
     const std::u16string title = Title(language, random);
     sheet.WriteLine(title, type.body, em * 0.8, {area.left, area.top});
@@ -82,14 +106,18 @@ void DrawBookPage(Sheet& sheet, Language language, int pageNumber, Random& rando
     WriteCentered(sheet, title, type.title, em * 1.6, middle, baseline);
     baseline += em * 2.6;
 
-    const double bottom = area.bottom - em * 2;
+    double bottom = area.bottom - em * 2;
+    if (fill == BookFill::kFewLines)
+        bottom = baseline + lineHeight * (1 + random.Below(4));
     TextPile sentences = TextPile::Sentences(language, random);
     while (baseline <= bottom) {
         const std::u16string text = sentences.Paragraph(3 + random.Below(4));
         baseline = WriteParagraph(sheet, text, style, area.left, baseline, lineHeight, bottom);
+        if (fill == BookFill::kPictures)
+            baseline = DrawPicture(sheet, {area.left, baseline, area.left + style.width, bottom},
+                                   em, random);
     }
-    WriteCentered(sheet, ToUtf16(std::to_string(pageNumber)), Font::kSerif, em * 0.9, middle,
-                  area.bottom);
+    writeNumber();
 }
 
 void DrawVerticalPage(Sheet& sheet, Random& random) {
