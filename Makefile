@@ -86,5 +86,10 @@ sizes: build/release/build.ninja
 	@cmake --build --preset release -j $(JOBS) --target velloran velloran-samples
 	@tools/measure-sizes build/release
 
+## How right the automatic steps are, on pages of known truth; docs/accuracy.md tells the figures.
+accuracy: build/release/build.ninja
+	@cmake --build --preset release -j $(JOBS) --target velloran_accuracy
+	@build/release/samples/velloran-accuracy 
+
 clean:
 	rm -rf build out

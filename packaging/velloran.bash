@@ -10,7 +10,7 @@ _velloran() {
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-            enhance | batch | describe | params | info | detect)
+            enhance | batch | describe | params | info | detect | measure)
                 command=$word
                 break
                 ;;
@@ -74,10 +74,18 @@ _velloran() {
             COMPREPLY=($(compgen -f -- "$current"))
             return
             ;;
+        --review)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --only)
+            return
+            ;;
     esac
 
     if [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "enhance batch describe params info detect -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
+        COMPREPLY=($(compgen -W "enhance batch describe params info detect measure -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
         return
     fi
     if [[ $current != -* ]]; then
@@ -88,11 +96,12 @@ _velloran() {
 
     case $command in
         enhance) options="--stop --preview --keep-dpi --save-setting -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
-        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
+        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress --review -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
         describe) options="--crop-summary -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
         params) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         info) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         detect) options="--by-name -h --help --lang -q --quiet -v --verbose" ;;
+        measure) options="--only --json -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
     esac
     COMPREPLY=($(compgen -W "$options" -- "$current"))
 }

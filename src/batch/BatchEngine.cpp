@@ -13,6 +13,7 @@
 #include "batch/BatchRules.h"
 #include "batch/BatchWorkers.h"
 #include "batch/ConvertFile.h"
+#include "batch/ReviewList.h"
 #include "batch/RunLog.h"
 #include "batch/RunSettings.h"
 #include "batch/TargetFolders.h"
@@ -74,7 +75,7 @@ class BatchRun {
 
     BatchResult Convert() {
         const Clock::time_point start = Clock::now();
-        if (Check() && Plan() && CheckLog() && AskToReplace())
+        if (Check() && Plan() && CheckLog() && CheckReview() && AskToReplace())
             ConvertAll();
         result_.seconds = SecondsSince(start);
         result_.settings = settings_.Get();
@@ -144,6 +145,14 @@ class BatchRun {
             return true;
         result_.path = request_.log.native();
         return End(BatchResult::End::kRefused, labels::kIsNoLog);
+    }
+
+    bool CheckReview() {
+        const fs::path& review = request_.review;
+        if (review.empty() || (CanBeReview(review) && !plan_.IsSource(review)))
+            return true;
+        result_.path = review.native();
+        return End(BatchResult::End::kRefused, labels::kIsNoReview);
     }
 
     bool AskToReplace() {
@@ -247,6 +256,7 @@ class BatchRun {
         convert.names = names_;
         convert.skipColor = request_.skipColor;
         convert.skipExisting = request_.skipExisting;
+        convert.wantsSure = !request_.review.empty();
         convert.stop = &Stop();
         convert.stage = [this](std::string_view path, std::u16string_view stage) {
             stages_.Tell(path, stage);
@@ -302,6 +312,7 @@ class BatchRun {
             Warn(Phrase(labels::kEvadesSource, {file.source, outcome.evadedTo}));
         if (outcome.timesLost)
             Warn(Phrase(labels::kTimesNotCopied, {file.source}));
+        review_.Add(file.source, outcome.sure);
         if (outcome.end == FileOutcome::End::kConverted)
             ++result_.converted;
         else
@@ -361,7 +372,22 @@ class BatchRun {
         result_.message += labels::kFilesConverted;
     }
 
+    /// Also of a run that was stopped: what was done is judged.
+    void WriteReview() {
+        FileError error;
+        if (request_.review.empty() || review_.Write(request_.review, &error))
+            return;
+        Fail({request_.review.native(),
+              {},
+              labels::kSaveFailed,
+              error.detail,
+              error.cause == FileError::Cause::kStorage,
+              error.reason},
+             /*isTold=*/true);
+    }
+
     void Finish() {
+        WriteReview();
         // A stop that came behind the last file changes nothing.
         const bool stopped = Stop().load() && done_ < plan_.Size();
         result_.end = stopped ? BatchResult::End::kStopped : BatchResult::End::kDone;
@@ -383,6 +409,7 @@ class BatchRun {
     BatchPlan plan_;
     StageBoard stages_;
     std::unique_ptr<RunLog> log_;
+    ReviewList review_;
     bool ownLog_ = false, logLost_ = false;
     std::unordered_set<std::string> toldFolders_;
     std::size_t done_ = 0;

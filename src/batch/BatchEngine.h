@@ -25,14 +25,15 @@ struct BatchRequest {
     /// first file is taken; the result of a file from outside it goes into the target folder.
     std::vector<std::filesystem::path> list;
     bool useList = false;
-    Settings settings;                  // what to do with each page, which files, and their names
-    bool skipColor = false;             // colour pages are copied
-    bool keepDpi = false;               // results take the resolution of their sources
-    bool skipExisting = false;          // leaves sources whose targets stand and are not older
-    bool strict = false;                // damaged sources count as failed
-    int jobs = 0;                       // files in flight; 0: the number of processors
-    std::int64_t memory = 0;            // bytes that pages in flight may take; 0: what is free
-    std::filesystem::path log;          // empty: the program's own
+    Settings settings;             // what to do with each page, which files, and their names
+    bool skipColor = false;        // colour pages are copied
+    bool keepDpi = false;          // results take the resolution of their sources
+    bool skipExisting = false;     // leaves sources whose targets stand and are not older
+    bool strict = false;           // damaged sources count as failed
+    int jobs = 0;                  // files in flight; 0: the number of processors
+    std::int64_t memory = 0;       // bytes that pages in flight may take; 0: what is free
+    std::filesystem::path log;     // empty: the program's own
+    std::filesystem::path review;  // list of findings, least sure first (ReviewList.h); or empty
     std::atomic<bool>* stop = nullptr;  // may be set by anyone at any time; null for none
 };
 

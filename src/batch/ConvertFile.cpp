@@ -197,8 +197,10 @@ class Conversion {
         run.cancel = CancelToken(*request_.stop);
         run.label = [this](std::u16string_view label) { Stage(label); };
         run.deskewEdge = settings_[PARA_DESKEW_EDGE];
+        run.wantsSure = request_.wantsSure;
         const RunReport report = EnhancePage(load_, page_, std::move(run));
         request_.settings->Take(report.found);
+        outcome_.sure = report.sure;
         return report.end == RunEnd::kDone && IsWhole(report);
     }
 

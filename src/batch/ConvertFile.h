@@ -11,6 +11,7 @@
 
 #include "batch/BatchPlan.h"
 #include "io/FileError.h"
+#include "pipeline/Findings.h"
 
 namespace velloran {
 
@@ -26,6 +27,7 @@ struct ConvertRequest {
     bool skipColor = false;
     bool strict = false;        // a damaged source fails
     bool skipExisting = false;  // a page that would replace its own source stays as it is
+    bool wantsSure = false;     // what is found is also judged
     bool isAlone = false;       // one file at a time: what a page takes in memory is not asked for
     const std::atomic<bool>* stop = nullptr;  // looked at between steps
     /// Told the stage of the file as it changes, on the thread that converts; may be empty.
@@ -41,6 +43,7 @@ struct FileOutcome {
     bool writeFailed = false;
     std::string failedFolder;  // to which nothing can be written; empty where the file failed
     std::string evadedTo;      // the result's path, when its name turned out to be another source's
+    FoundSure sure;            // of what was searched, where that is wanted
     std::string damage;        // why the source could be read in part only; empty for a whole one
     int pictures = 1;          // pages or frames in the source, of which the first was converted
     bool timesLost = false;    // the times could not be set

@@ -96,6 +96,7 @@ class BatchCommand {
         request_.skipColor = words_.Has(Option::kSkipColor);
         request_.jobs = words_.Number(Option::kJobs).value_or(0);
         request_.log = words_.Text(Option::kLog).value_or("");
+        request_.review = words_.Text(Option::kReview).value_or("");
         request_.keepDpi = words_.Has(Option::kKeepDpi);
         request_.skipExisting = words_.Has(Option::kSkipExisting);
         request_.strict = words_.Has(Option::kStrict);

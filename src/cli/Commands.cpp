@@ -21,17 +21,19 @@ constexpr Operand kFileOperands[] = {{"FILE", /*isMany=*/true, Completes::kFiles
 constexpr Option kEnhanceOptions[] = {Option::kStop,        Option::kPreview, Option::kKeepDpi,
                                       Option::kSaveSetting, Option::kSet,     Option::kSetting,
                                       Option::kStore,       Option::kNamed};
-constexpr Option kBatchOptions[] = {Option::kExt,          Option::kFiles,    Option::kNoRecurse,
-                                    Option::kSkipColor,    Option::kKeepTime, Option::kKeepDpi,
-                                    Option::kSkipExisting, Option::kList,     Option::kNull,
-                                    Option::kJobs,         Option::kMemory,   Option::kStrict,
-                                    Option::kLog,          Option::kYes,      Option::kDryRun,
-                                    Option::kJsonBatch,    Option::kProgress, Option::kSet,
-                                    Option::kSetting,      Option::kStore,    Option::kNamed};
+constexpr Option kBatchOptions[] = {
+    Option::kExt,      Option::kFiles,   Option::kNoRecurse,    Option::kSkipColor,
+    Option::kKeepTime, Option::kKeepDpi, Option::kSkipExisting, Option::kList,
+    Option::kNull,     Option::kJobs,    Option::kMemory,       Option::kStrict,
+    Option::kLog,      Option::kYes,     Option::kDryRun,       Option::kJsonBatch,
+    Option::kProgress, Option::kReview,  Option::kSet,          Option::kSetting,
+    Option::kStore,    Option::kNamed};
 constexpr Option kDescribeOptions[] = {Option::kCropSummary, Option::kSet, Option::kSetting,
                                        Option::kStore, Option::kNamed};
 constexpr Option kParamsOptions[] = {Option::kJson};
 constexpr Option kInfoOptions[] = {Option::kJson};
+constexpr Option kMeasureOptions[] = {Option::kOnly,    Option::kJson,  Option::kSet,
+                                      Option::kSetting, Option::kStore, Option::kNamed};
 constexpr Option kDetectOptions[] = {Option::kByName};
 
 constexpr Command kCommands[] = {
@@ -41,6 +43,7 @@ constexpr Command kCommands[] = {
     {"params", kCommandParams, kDetailsParams, {}, kParamsOptions, RunParams},
     {"info", kCommandInfo, kDetailsInfo, kFileOperands, kInfoOptions, RunInfo},
     {"detect", kCommandDetect, kDetailsDetect, kFileOperands, kDetectOptions, RunDetect},
+    {"measure", kCommandMeasure, kDetailsMeasure, kFileOperands, kMeasureOptions, RunMeasure},
 };
 
 }  // namespace

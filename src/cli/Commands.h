@@ -31,5 +31,6 @@ int RunDescribe(const ParsedWords& words);
 int RunParams(const ParsedWords& words);
 int RunInfo(const ParsedWords& words);
 int RunDetect(const ParsedWords& words);
+int RunMeasure(const ParsedWords& words);
 
 }  // namespace velloran::cli

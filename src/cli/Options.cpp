@@ -78,9 +78,11 @@ static const std::array rows = {
     OptionRow{Option::kDryRun, "--dry-run", "", 0, kNothing, "", kOptionDryRun, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kJsonBatch},
     OptionRow{Option::kJsonBatch, "--json", "", 0, kNothing, "", kOptionJsonBatch, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kDryRun},
     OptionRow{Option::kProgress, "--progress", "", 0, kNothing, "", kOptionProgress, kOwn},
+    OptionRow{Option::kReview, "--review", "", 0, kText, "FILE", kOptionReview, kOwn, Completes::kFiles, nullptr, 0, 0, Option::kNone, Option::kDryRun},
     OptionRow{Option::kCropSummary, "--crop-summary", "", 0, kNothing, "", kOptionCropSummary, kOwn},
     OptionRow{Option::kJson, "--json", "", 0, kNothing, "", kOptionJson, kOwn},
     OptionRow{Option::kByName, "--by-name", "", 0, kNothing, "", kOptionByName, kOwn},
+    OptionRow{Option::kOnly, "--only", "", 0, kText, "LIST", kOptionOnly, kOwn},
 };
     // clang-format on
     static_assert(rows.size() == static_cast<std::size_t>(Option::kNone));

@@ -44,9 +44,11 @@ enum class Option {
     kDryRun,
     kJsonBatch,
     kProgress,
+    kReview,
     kCropSummary,
     kJson,
     kByName,
+    kOnly,
     kNone,  // no option
 };
 

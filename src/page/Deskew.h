@@ -33,7 +33,11 @@ struct SkewRegion {
 /// mean of all (2 and more is worth a turn). A page without lines has confidence 0.
 struct Skew {
     double angle = 0, confidence = 0;
+    int mode = kDeskewRows;  // kDeskewRows or kDeskewColumns, whose angle it is
 };
+
+/// Pages below it in a direction are not measured.
+inline constexpr int kSmallestSkewSide = 100;
 
 /// Measures the page, which stays as it is. With all four sides of the region set only what lies
 /// between them is looked at. 0 for an empty image, modes outside kDeskewRows to kDeskewBoth, and
@@ -42,10 +46,14 @@ struct Skew {
 int findSkew(const CDibImage& image, double& angle, double& confidence, const SkewRegion& region,
              int mode);
 
-/// The best angle of a black-and-white 8-bit page by rows or columns (kDeskewRows or
-/// kDeskewColumns): whole degrees on a quarter of its size, then halving steps on half. Throws
+/// The best angle of a black-and-white 8-bit page: whole degrees on a quarter of its size, then
+/// halving steps on half. With kDeskewBoth that of the columns unless the rows' is smaller. Throws
 /// std::bad_alloc.
 Skew searchAngle(const CDibImage& gray, int mode);
+
+/// The turn that a search is worth, in hundredths of a degree as PARA_DESKEW_ANGLE counts them: 0
+/// when the page is not sure to be crooked.
+int turnOfSkew(const Skew& skew);
 
 /// Turns about the middle; the size stays. The image becomes grey or 24-bit first. `interpolation`
 /// 1 takes the nearest pixel, any other value a cubic. A positive angle turns clockwise. `color`

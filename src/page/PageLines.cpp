@@ -7,50 +7,16 @@
 #include <vector>
 
 #include "core/DibImage.h"
-#include "core/GrayDepth.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
-#include "filters/FitIntoBox.h"
-#include "filters/Resample.h"
-#include "imageproc/GrayMorphology.h"
+#include "page/EdgeImage.h"
 #include "page/HoughLines.h"
 #include "page/PackedLine.h"
-#include "tone/AutoLevels.h"
 
 namespace velloran {
 namespace {
 
-constexpr int kSmallestSide = 10, kSmallSide = 700;
-constexpr int kContrastLevels = 5;  // position in the list of automatic levels
-
-/// A small grey copy; empty without memory.
-CDibImage SmallGray(const CDibImage& image) {
-    const BoxSize fitted =
-        FitIntoBox({image.GetWidth(), image.GetHeight()}, {kSmallSide, kSmallSide});
-    CDibImage small = image;
-    small.DeleteAlpha();
-    if (!small.IsValid() || ResizeTo(small, fitted.width, fitted.height) == 0 ||
-        ConvertToGray(small) == 0)
-        return {};
-    return small;
-}
-
-/// What stands out from left to right and runs from top to bottom becomes bright: the darkest of
-/// seven samples above each other less the darkest of seven beside each other, joined over gaps.
-void edgeImage(CDibImage& gray) {
-    using imageproc::Brick;
-    CDibImage upright = imageproc::erodeGray(gray, Brick(QT::QSize{1, 7}), 0);
-    CDibImage flat = imageproc::erodeGray(gray, Brick(QT::QSize{7, 1}), 0);
-    AutoLevels(upright, kContrastLevels);
-    AutoLevels(flat, kContrastLevels);
-    for (int y = 0; y < gray.GetHeight(); ++y) {
-        std::uint8_t* row = upright.GetBits(y);
-        const std::uint8_t* other = flat.GetBits(y);
-        for (int x = 0; x < gray.GetWidth(); ++x)
-            row[x] = static_cast<std::uint8_t>(std::max(0, row[x] - other[x]));
-    }
-    gray = imageproc::closeGray(upright, {1, 19}, 0);
-}
+constexpr int kSmallestSide = 10;
 
 /// What one search sees; lines that it does not see are absent.
 struct SeenLines {
@@ -127,11 +93,7 @@ void SearchFromTheRight(const LineSearch& search, CDibImage& edges, SeenLines& s
         seen.mid = Mirrored(*again.mid, search.width);
 }
 
-struct FoundLines {
-    PageLine left, right, mid;
-};
-
-FoundLines findVerticalLines(const LineSearch& search, CDibImage& edges) {
+UprightLines findVerticalLines(const LineSearch& search, CDibImage& edges) {
     SeenLines seen = SortLines(search, edges);
     if (seen.right)
         SearchFromTheRight(search, edges, seen);
@@ -141,7 +103,10 @@ FoundLines findVerticalLines(const LineSearch& search, CDibImage& edges) {
     const int middle = search.width >> 1;
     return {orLimit(seen.left, search.limits.left, 0),
             orLimit(seen.right, search.limits.right, search.width - 1),
-            seen.mid.value_or(PageLine{middle, middle})};
+            seen.mid.value_or(PageLine{middle, middle}),
+            seen.left.has_value(),
+            seen.right.has_value(),
+            seen.mid.has_value()};
 }
 
 /// Columns become rows: the top row of the picture becomes its left column.
@@ -170,14 +135,14 @@ Corner Crossing(const PageLine& upright, const PageLine& flat, int width, int he
     return corner;
 }
 
-void FindCorners(const LineSearch& search, const CDibImage& small, const FoundLines& upright,
+void FindCorners(const LineSearch& search, const CDibImage& small, const UprightLines& upright,
                  std::int32_t* out) {
     CDibImage turned = Transposed(small);
     if (!turned.IsValid())
         throw std::bad_alloc();
     edgeImage(turned);
     LineSearch across{search.height, search.width, search.strict, {}};
-    const FoundLines flat = findVerticalLines(across, turned);
+    const UprightLines flat = findVerticalLines(across, turned);
     const int width = search.width, height = search.height;
     const auto pack = [](const Corner& corner, int fromX, int fromY) {
         return PackLine({corner.x - fromX, corner.y - fromY});
@@ -190,19 +155,23 @@ void FindCorners(const LineSearch& search, const CDibImage& small, const FoundLi
 
 }  // namespace
 
+UprightLines findSpreadLines(CDibImage& edges, int pageWidth, int pageHeight) {
+    return findVerticalLines({pageWidth, pageHeight, /*strict=*/false, {}}, edges);
+}
+
 int findPageLines(const CDibImage& image, int mode, std::int32_t* out, std::int32_t leftLimit,
                   std::int32_t rightLimit) {
     if (!image.IsValid() || image.GetWidth() < kSmallestSide || image.GetHeight() < kSmallestSide)
         return 0;
     return RefuseWhenOutOfMemory([&] {
-        const CDibImage small = SmallGray(image);
+        const CDibImage small = smallGray(image);
         CDibImage edges = small;
         if (!edges.IsValid())
             return 0;
         edgeImage(edges);
         const LineSearch search{
             image.GetWidth(), image.GetHeight(), mode != kLeftRightMid, {leftLimit, rightLimit}};
-        const FoundLines lines = findVerticalLines(search, edges);
+        const UprightLines lines = findVerticalLines(search, edges);
         if (mode == kFourCorners) {
             FindCorners(search, small, lines, out);
             return 1;

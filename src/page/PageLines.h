@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "page/PackedLine.h"
+
 namespace velloran {
 
 class CDibImage;
@@ -22,5 +24,16 @@ enum PageLinesMode : int {
 /// which is searched, 0 for none. 0, `out` unchanged, for sides below 10 pixels and without memory.
 int findPageLines(const CDibImage& image, int mode, std::int32_t* out, std::int32_t leftLimit,
                   std::int32_t rightLimit);
+
+/// Left edge, right edge and gutter of a page. A line that was not seen stands at the edge of the
+/// picture, the gutter in its middle.
+struct UprightLines {
+    PageLine left, right, mid;
+    bool seesLeft = false, seesRight = false, seesMid = false;
+};
+
+/// The search of findPageLines with kLeftRightMid and no limits on an image of edges (EdgeImage.h)
+/// of a page of that size; the image may be mirrored on the way. Throws std::bad_alloc.
+UprightLines findSpreadLines(CDibImage& edges, int pageWidth, int pageHeight);
 
 }  // namespace velloran

@@ -15,6 +15,7 @@
 #include "page/PageLines.h"
 #include "page/PageSplit.h"
 #include "page/Trapezoid.h"
+#include "pipeline/Findings.h"
 #include "pipeline/MaskFill.h"
 #include "pipeline/RunState.h"
 #include "pipeline/Split.h"
@@ -22,7 +23,6 @@
 namespace velloran {
 namespace {
 
-constexpr double kLeastConfidence = 2.0;
 constexpr int kNearest = 1, kCubic = 0;
 enum CorrectionType : std::int32_t { kPlaceCorners = 1, kCutPage = 2 };
 
@@ -68,6 +68,8 @@ void FindSplitLines(RunState& state) {
     if (state.Value(PARA_PAGE_SPLIT_RIGHT) != 0 && state.Value(PARA_PAGE_SPLIT_MID) != 0)
         return;
     std::array<std::int32_t, 3> lines{};  // left, right, mid
+    if (SplitFinding finding; state.wantsSure && measureSplit(*state.image, finding) != 0)
+        state.NoteSure(Finding::kSplit, finding.sure);
     if (findPageLines(*state.image, kLeftRightMid, lines.data(), 0, 0) == 0)
         return;
     state.found.splitLines = lines;
@@ -95,6 +97,9 @@ void FindPageCorners(RunState& state, std::int32_t type) {
     if (corners != kUnknownCorners)
         return;
     const LinePair lines = splitLinesForCorrection(state);
+    CornersFinding finding;
+    if (state.wantsSure && measureCorners(*state.image, lines.first, lines.second, finding) != 0)
+        state.NoteSure(Finding::kCorners, finding.sure);
     if (findCorners(type == kCutPage ? 1 : 0, *state.image, corners, lines.first, lines.second) ==
         0)
         return;
@@ -119,16 +124,20 @@ bool IsQuickTurn(const RunState& state) {
 }
 
 /// Hundredths of a degree; 0 when the page is not sure to be crooked.
-std::int32_t FindAngle(const RunState& state) {
+std::int32_t FindAngle(RunState& state) {
     const std::int32_t mode = state.Value(PARA_DESKEW);
     if (mode == kDeskewManual)
         return state.Value(PARA_DESKEW_ANGLE);
-    const SkewRegion region{state.Value(PARA_CROPPING_P_LEFT), state.Value(PARA_CROPPING_P_TOP),
-                            state.Value(PARA_CROPPING_P_RIGHT),
-                            state.Value(PARA_CROPPING_P_BOTTOM)};
-    double angle = 0, confidence = 0;
-    findSkew(*state.image, angle, confidence, region, mode);
-    return confidence < kLeastConfidence ? 0 : TruncToInt(angle * 100);
+    const SkewRegion region = SkewRegionOf(state.values);
+    if (state.wantsSure) {
+        SkewFinding finding;
+        measureSkew(*state.image, region, mode, finding);
+        state.NoteSure(Finding::kSkew, finding.sure);
+        return turnOfSkew(finding.skew);
+    }
+    Skew skew;
+    findSkew(*state.image, skew.angle, skew.confidence, region, mode);
+    return turnOfSkew(skew);
 }
 
 double TurnOf(const RunState& state) {
@@ -139,33 +148,34 @@ std::uint32_t FillColor(const RunState& state) {
     return static_cast<std::uint32_t>(state.Value(PARA_FILL_BLANK_COLOR));
 }
 
-/// The margins in pixels as a rectangle.
-PageBox WithinMargins(const RunState& state) {
-    const int width = state.image->GetWidth(), height = state.image->GetHeight();
-    int left = 0, top = 0, right = 0, bottom = 0;
-    marginsToPixels(width, height, state.Value(PARA_CROPPING_P_LEFT),
-                    state.Value(PARA_CROPPING_P_TOP), state.Value(PARA_CROPPING_P_RIGHT),
-                    state.Value(PARA_CROPPING_P_BOTTOM), left, top, right, bottom);
-    return {left, top, width - right, height - bottom};
+ContentBoxRequest BoxRequest(const RunState& state) {
+    return BoxRequestOf(state.values, state.image->GetWidth(), state.image->GetHeight());
+}
+
+void SearchBox(RunState& state, const CDibImage& image, const ContentBoxRequest& request,
+               PageBox& box) {
+    if (!state.wantsSure) {
+        findContentBox(image, request, box);
+        return;
+    }
+    BoxFinding finding;
+    measureContentBox(image, request, finding);
+    state.NoteSure(Finding::kBox, finding.sure);
+    box = finding.box;
 }
 
 PageBox FindBox(RunState& state) {
-    ContentBoxRequest request;
-    request.removeBlackEdge = state.Value(PARA_CBF_REMOVE_BLACK_EDGE) != 0;
-    request.speckle = state.Value(PARA_CBF_SPECKLE_SIZE);
-    request.compensation = state.Value(PARA_CBF_SPECKLE_COMPENSATION) != 0;
-    request.bkMore = state.Value(PARA_CBF_BK_MORE) != 0;
-    request.searchRect = WithinMargins(state);
+    const ContentBoxRequest request = BoxRequest(state);
     PageBox box = request.searchRect;
     if (!state.deferRotation || state.pendingAngle == 0) {
-        findContentBox(*state.image, request, box);
+        SearchBox(state, *state.image, request, box);
         return box;
     }
     {
         // The search is content with a quick turn; the page itself is turned once, carefully.
         CDibImage turned = *state.image;
         if (rotateKeepSize(turned, TurnOf(state), kNearest, kFillEdge, Background(state)) != 0)
-            findContentBox(turned, request, box);
+            SearchBox(state, turned, request, box);
     }
     rotateKeepSize(*state.image, TurnOf(state), kCubic, kFillEdge, Background(state));
     return box;
@@ -241,7 +251,8 @@ StepResult DeskewPage(RunState& state) {
 }
 
 StepResult CropPage(RunState& state) {
-    const PageBox box = state.Value(PARA_FIND_CNT_BOX) != 0 ? FindBox(state) : WithinMargins(state);
+    const PageBox box =
+        state.Value(PARA_FIND_CNT_BOX) != 0 ? FindBox(state) : BoxRequest(state).searchRect;
     int ran = CutTo(box, state);
     if (state.mask.IsValid())
         ran |= FillOutsideMask(*state.image, state.mask, FillColor(state));

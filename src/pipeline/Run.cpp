@@ -23,11 +23,13 @@ class PipelineRun {
         state_.stop = request.stop;
         state_.isPreview = request.mode == RunMode::kPreview;
         state_.deskewEdge = request.deskewEdge;
+        state_.wantsSure = request.wantsSure;
     }
 
     RunReport Go() {
         TakeSteps();
         report_.found = state_.found;
+        report_.sure = state_.sure;
         return std::move(report_);
     }
 

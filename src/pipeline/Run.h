@@ -15,6 +15,7 @@
 #include "core/CancelToken.h"
 #include "core/Pipeline.h"
 #include "params/Settings.h"
+#include "pipeline/Findings.h"
 #include "pipeline/FoundValues.h"
 #include "pipeline/StepResult.h"
 
@@ -41,6 +42,8 @@ struct RunRequest {
     LabelFunction label;
     /// What a rotation does at the edges (PARA_DESKEW_EDGE), which need not be that of `settings`.
     std::int32_t deskewEdge = 0;
+    /// The automatic searches also tell how sure they are, which takes them several times as long.
+    bool wantsSure = false;
 };
 
 enum class RunEnd {
@@ -61,6 +64,7 @@ class RunReport {
  public:
     RunEnd end = RunEnd::kDone;
     FoundValues found;
+    FoundSure sure;       // of what was searched, where the request wants it
     std::u16string text;  // of a describing run
 
     /// In the order of the run. Kept without an allocation, since memory may be short.

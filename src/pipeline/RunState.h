@@ -7,6 +7,7 @@
 #include "core/DibImage.h"
 #include "core/Pipeline.h"
 #include "params/Settings.h"
+#include "pipeline/Findings.h"
 #include "pipeline/FoundValues.h"
 #include "pipeline/StepTable.h"
 
@@ -23,6 +24,8 @@ struct RunState {
     /// The values of the run, with what its steps found so far.
     ParaValues values{};
     FoundValues found{};
+    bool wantsSure = false;  // the searches also tell how sure they are
+    FoundSure sure{};
 
     /// Empty, or 8 bits in the size of the page: 255 where the page is, 0 where a geometry step
     /// left nothing of it.
@@ -41,6 +44,10 @@ struct RunState {
             return {values, {}};
         return {values, ContentSizes{image->GetWidth(), image->GetHeight(), layout.contentWidth,
                                      layout.contentHeight}};
+    }
+
+    void NoteSure(Finding finding, double value) {
+        sure[static_cast<std::size_t>(finding)] = value;
     }
 
     std::int32_t Value(ParaIndex index) const { return values[static_cast<std::size_t>(index)]; }

@@ -38,6 +38,9 @@ inline constexpr Label kCommandParams{u"列出全部参数", u"List the paramete
 inline constexpr Label kCommandInfo{u"显示图像的大小、色深和分辨率",
                                     u"Tell size, depth and resolution of files"};
 inline constexpr Label kCommandDetect{u"判断文件类型", u"Tell the type of files"};
+inline constexpr Label kCommandMeasure{
+    u"测量倾斜、内容框、中缝、四角，并给出把握",
+    u"Tell what the automatic steps find on pages, and how sure they are"};
 inline constexpr Label kDetailsEnhance{
     u"读取INPUT（类型由内容决定），处理后存为OUTPUT（类型由扩展名决定）。",
     u"Loads INPUT, whose content decides its type, enhances it and saves OUTPUT, whose extension "
@@ -61,6 +64,14 @@ inline constexpr Label kDetailsInfo{
     u"horizontal and vertical resolution."};
 inline constexpr Label kDetailsDetect{u"每行一个文件：类型号和路径。",
                                       u"A line a file: the type id and the path."};
+
+inline constexpr Label kDetailsMeasure{
+    u"每个结果一行：路径、项目、把握（0到1）、数值。不修改任何文件。项目：skew（倾斜）、box（内容框"
+    u"）、"
+    u"split（中缝）、corners（四角）、dark（暗部亮度）。",
+    u"A line a finding: path, finding, how sure (0 to 1), values. Nothing is changed. The "
+    u"findings: "
+    u"skew, box (of the content), split (gutter), corners, dark (level)."};
 
 // Operands.
 inline constexpr Label kOperandInput{u"源图像，类型由内容决定",
@@ -145,6 +156,13 @@ inline constexpr Label kOptionJsonBatch{u"最后输出一个JSON对象，而不�
 inline constexpr Label kOptionJson{u"输出JSON", u"As JSON"};
 inline constexpr Label kOptionProgress{u"没有终端时也显示进度",
                                        u"Show the progress without a terminal too"};
+inline constexpr Label kOptionReview{
+    u"写出自动步骤的结果和把握，每行一个，把握小的在前；文件须是新的、空的或旧的清单",
+    u"Write what automatic steps found and how sure they are, a line each, least sure first; the "
+    u"file must be new, empty or an old list"};
+inline constexpr Label kOptionOnly{
+    u"只测这些项目，用逗号分隔：skew、box、split、corners、dark",
+    u"Only these findings, by comma: skew, box, split, corners, dark"};
 inline constexpr Label kOptionCropSummary{u"只输出切边的摘要",
                                           u"Only the short summary of the crop"};
 inline constexpr Label kOptionByName{u"只看扩展名", u"Look at the extension alone"};

@@ -63,6 +63,8 @@ inline constexpr Label kInPlacePictures{u"源文件含有多幅图像，不能�
                                         u"replace it."};
 inline constexpr Label kIsNoLog{u"不是转换记录文件，不能用作记录。",
                                 u"This is no run log and is not replaced by one."};
+inline constexpr Label kIsNoReview{u"不是检查清单，不会被清单替换。",
+                                   u"This is no review list and is not replaced by one."};
 inline constexpr Label kIsNoSettingsFile{u"不是参数设置文件，不能写入。",
                                          u"This is no settings file and is not written to."};
 inline constexpr Label kSharesTargetName{u"{0}: 结果与{1}的同名，存为{2}",

@@ -1,0 +1,76 @@
+#include "page/SkewImage.h"
+
+#include "core/GrayDepth.h"
+#include "filters/FitIntoBox.h"
+#include "filters/Resample.h"
+#include "imageproc/BinaryMorphology.h"
+#include "imageproc/RasterOp.h"
+#include "imageproc/ReduceThreshold.h"
+#include "imageproc/SeedFill.h"
+#include "imageproc/Upscale.h"
+#include "page/BinaryPage.h"
+#include "reduce/DecreaseBpp.h"
+
+namespace velloran {
+namespace {
+
+constexpr int kMeasuredSide = 1600;
+
+/// The part of the page that is looked at, as an image of its own; empty without memory.
+CDibImage MeasuredPart(const CDibImage& image, const SkewRegion& region) {
+    CDibImage part = image;
+    const bool narrowed =
+        region.left != 0 && region.top != 0 && region.right != 0 && region.bottom != 0;
+    if (narrowed && (image.GetBpp() == 24 || image.IsGrayScale()))
+        part.CropPerMille(region.left, region.top, region.right, region.bottom);
+    return part;
+}
+
+void ReduceToMeasure(CDibImage& page) {
+    const BoxSize size{page.GetWidth(), page.GetHeight()};
+    const BoxSize fitted = FitIntoBox(size, {kMeasuredSide, kMeasuredSide});
+    if (size.width > fitted.width && size.height > fitted.height)
+        ResizeTo(page, fitted.width, fitted.height);
+}
+
+/// Black and white by a local threshold, without specks and without what touches the edge.
+DecreaseBppRequest CleanBlackAndWhite() {
+    DecreaseBppRequest request;
+    request.color = 7;
+    request.quantize = 0;
+    request.thresholdMethod = 2;
+    request.windowSize = 30;
+    request.balance = 0.0F;
+    request.despeckleSize = 6;
+    request.deBlack = 1;
+    return request;
+}
+
+/// Rules and borders would outweigh the text.
+void RemoveLongObjects(imageproc::BinaryImage& page) {
+    using namespace imageproc;
+    ReduceThreshold reduced(page);
+    while (reduced.image().width() >= 2000 && reduced.image().height() >= 2000)
+        reduced.reduce(2);
+    const BinaryImage opened = openBrick(reduced, {200, 14});
+    const BinaryImage seed = upscaleIntegerTimes(opened, page.size(), BwColor::kWhite);
+    subtract(page, seedFill(seed, page, Connectivity::k8));
+}
+
+}  // namespace
+
+bool prepareSkewImage(const CDibImage& image, const SkewRegion& region, CDibImage& page) {
+    page = MeasuredPart(image, region);
+    if (!page.IsValid())
+        return false;
+    ReduceToMeasure(page);
+    if (!DecreaseBpp(page, /*previewing=*/false, CleanBlackAndWhite()) ||
+        EnsureGrayOrRgb(page) == 0 || page.GetBpp() != 8)
+        return false;
+    imageproc::BinaryImage binary = BinaryOf(page);
+    RemoveLongObjects(binary);
+    PaintBinary(binary, page);
+    return true;
+}
+
+}  // namespace velloran
