@@ -6,6 +6,10 @@
 
 #include "core/Rounding.h"
 #include "core/StepContext.h"
+#include "dewarping/CurvePoints.h"
+#include "dewarping/Dewarp.h"
+#include "dewarping/FindCurves.h"
+#include "dewarping/ResampleFlat.h"
 #include "filters/Resample.h"
 #include "page/ContentBox.h"
 #include "page/DarkLevel.h"
@@ -24,7 +28,7 @@ namespace velloran {
 namespace {
 
 constexpr int kNearest = 1, kCubic = 0;
-enum CorrectionType : std::int32_t { kPlaceCorners = 1, kCutPage = 2 };
+enum CorrectionType : std::int32_t { kPlaceCorners = 1, kCutPage = 2, kFlattenCurves = 3 };
 
 std::uint32_t Background(RunState& state) {
     if (state.background == RunState::kUnknownBackground)
@@ -115,8 +119,57 @@ int WarpPage(const RunState& state, std::int32_t type, CDibImage& image, int nea
                             : warpToBoundingBox(image, corners, nearest, color);
 }
 
+/// Eight points of the top curve, then eight below.
+using CurvePointGroup = std::array<std::int32_t, 2 * dewarping::kCurvePoints>;
+
+CurvePointGroup CurvesOf(const RunState& state) {
+    CurvePointGroup points;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        points[i] = state.Value(static_cast<ParaIndex>(PARA_CRT_DEWARPING_TOP_1 + i));
+    return points;
+}
+
+/// Searches the curves where they are unset. 0 when memory was refused meanwhile: then nothing is
+/// known of the page.
+int FindPageCurves(RunState& state) {
+    CurvePointGroup points = CurvesOf(state);
+    std::int32_t *top = points.data(), *bottom = top + dewarping::kCurvePoints;
+    if (dewarping::classifyCurves(top, bottom, dewarping::kCurvePoints) >= dewarping::kFlatCurves)
+        return 1;
+    bool isOutOfMemory = false;
+    {
+        const StepContext search(CurrentCancel());
+        dewarping::findCurves(state.Value(PARA_CRT_DEWARPING_TYPE), *state.image, top, bottom,
+                              dewarping::kCurvePoints, state.Value(PARA_CRT_DEWARPING_ILLUM));
+        isOutOfMemory = search.IsOutOfMemory();
+        search.PassFailureOn();
+    }
+    if (isOutOfMemory) {
+        NoteOutOfMemory();
+        return 0;
+    }
+    state.found.curvePoints = points;
+    state.found.ApplyTo(state.values);
+    return 1;
+}
+
+int FlattenPage(const RunState& state, CDibImage& image, int mode, std::uint32_t color) {
+    const CurvePointGroup points = CurvesOf(state);
+    return dewarping::dewarp(mode, image, points.data(), points.data() + dewarping::kCurvePoints,
+                             dewarping::kCurvePoints, color);
+}
+
 bool IsFastCorrection(const RunState& state) {
     return state.stop == kStopPageCorrectionFast || state.stop == kStopPageCorrection;
+}
+
+StepResult FlattenCurves(RunState& state, std::uint32_t fill) {
+    const int mode = IsFastCorrection(state) ? dewarping::kNearestPixel : dewarping::kCubic;
+    if (FindPageCurves(state) == 0 || FlattenPage(state, *state.image, mode, fill) == 0)
+        return StepResult::kLeft;
+    if (state.mask.IsValid())
+        FlattenPage(state, state.mask, dewarping::kNearestPixel, 0);
+    return StepResult::kRan;
 }
 
 bool IsQuickTurn(const RunState& state) {
@@ -213,13 +266,15 @@ StepResult SplitPage(RunState& state) {
 
 StepResult CorrectPage(RunState& state) {
     const std::int32_t type = state.Value(PARA_CRT_TYPE);
-    if (type != kPlaceCorners && type != kCutPage)
+    if (type != kPlaceCorners && type != kCutPage && type != kFlattenCurves)
         return StepResult::kLeft;
     const std::uint32_t fill = Background(state);
     if (IsFastCorrection(state))
         state.mask.Destroy();
     else if (EnsureMask(state) == 0)
         return StepResult::kLeft;
+    if (type == kFlattenCurves)
+        return FlattenCurves(state, fill);
     FindPageCorners(state, type);
     const int nearest = state.stop != kStopWhole ? kNearest : kCubic;
     if (WarpPage(state, type, *state.image, nearest, fill) == 0)

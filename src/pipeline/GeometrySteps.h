@@ -13,7 +13,8 @@ struct RunState;
 /// shaded instead.
 StepResult SplitPage(RunState& state);
 
-/// Step 3: a photographed page becomes a rectangle. Four corners of -1 are searched first.
+/// Step 3: a photographed page becomes a rectangle, a curved one flat. Four corners of -1 and
+/// curves that are unset are searched first.
 StepResult CorrectPage(RunState& state);
 
 /// Step 4: turns the page straight, or only notes the angle where black edges are going to be
