@@ -26,7 +26,7 @@ using namespace velloran::samples;
 constexpr double kTolerance = 0.15;
 
 struct Options {
-    int count = 40, dpi = 150, method = 0, illum = 1, only = -1;
+    int count = 40, dpi = 150, method = 0, illum = 1, only = -1, strength = -1;
     std::uint64_t seed = 1;
     bool verbose = false;
     std::filesystem::path pictures;
@@ -106,6 +106,7 @@ int main(int argc, char** argv) {
     app.add_option("--illum", options.illum, "As PARA_CRT_DEWARPING_ILLUM")->capture_default_str();
     app.add_option("--seed", options.seed, "Another seed gives other pages")->capture_default_str();
     app.add_option("--only", options.only, "One page of the corpus");
+    app.add_option("--strength", options.strength, "Pages of one strength alone, 0 to 3");
     app.add_option("--pictures", options.pictures, "Folder for the pages before and after");
     app.add_flag("-v,--verbose", options.verbose, "A line a page");
     app.add_option("FILES", options.files, "Pictures to try instead of the corpus");
@@ -119,6 +120,8 @@ int main(int argc, char** argv) {
         if (options.only >= 0 && i != options.only)
             continue;
         const CurvedRequest request = CurvedRequestAt(i, options.dpi, options.seed);
+        if (options.strength >= 0 && options.strength != static_cast<int>(request.strength))
+            continue;
         const SamplePage page = MakeCurvedPage(request);
         const auto finding = dewarping::measureCurves(options.method, page.image, options.illum);
         const std::vector<double> before = BentLines(page.truth);

@@ -66,9 +66,11 @@ double LinePitchOf(const Truth& truth) {
         if (nearest > 0)
             distances.push_back(nearest);
     }
-    if (!distances.empty())
-        return Middle(distances);
-    return sizes.empty() ? 0 : 1.5 * Middle(sizes);
+    if (sizes.empty())
+        return 0;
+    // Lines far apart are no measure of what a reader sees as crooked.
+    const double size = Middle(sizes);
+    return distances.empty() ? 1.5 * size : std::min(Middle(distances), 2.5 * size);
 }
 
 std::vector<double> BentLines(const Truth& truth, const std::function<Point(Point)>& toFlat) {

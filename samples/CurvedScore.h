@@ -12,8 +12,8 @@ namespace velloran::samples {
 /// How far the points leave the straight line of least squares through them, at most; in pixels.
 double LeavesStraight(const std::vector<Point>& points);
 
-/// The usual distance of neighbouring horizontal lines of the truth, in pixels; from the size of
-/// their letters where there is one line only, 0 where there is none.
+/// The usual distance of neighbouring horizontal lines of the truth, in pixels, at most 2.5 times
+/// the size of their letters; 1.5 times that where no lines lie over each other, 0 without lines.
 double LinePitchOf(const Truth& truth);
 
 /// For each horizontal line of the truth that is four pitches long or more, how far its baseline

@@ -205,7 +205,10 @@ class Search {
         const DistortionModel model = builder.tryBuildModel();
         if (!model.isValid())
             return false;
-        packBoth(coverPage(model, width_, height_), points_);
+        const auto curves = coverPage(model, trace.content, width_, height_);
+        if (!curves)
+            return false;
+        packBoth(*curves, points_);
         const auto surface = surfaceOf(points_.top, points_.bottom, points_.n);
         if (!surface)
             return false;

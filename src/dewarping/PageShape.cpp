@@ -14,7 +14,7 @@ using QT::QPointF;
 
 constexpr std::size_t kPieces = 8, kShares = kPieces + 3, kUnknowns = 2 * kShares;
 constexpr double kAgreeing = 0.15;  // rms in pitches up to which a line agrees
-constexpr double kEase = 0.15;      // of the text's width: how far its slope goes on beyond it
+constexpr double kEase = 0.6;       // of the text's width: how far its slope goes on beyond it
 
 /// The cubic B-splines that are not 0 at a place: `first` and the three behind it.
 struct Shares {
@@ -190,20 +190,37 @@ void PageShape::settlePlaces(std::span<const LineTrack* const> tracks, const Ben
     }
 }
 
-double PageShape::apartOf(const Bend& a, const Bend& b) const {
-    constexpr int kNodes = 13;
-    double most = 0;
-    for (const double u : {-0.5, 0.0, 0.5}) {
-        std::array<double, kNodes> apart;
-        double mean = 0;
-        for (int i = 0; i < kNodes; ++i) {
-            const double x = frame_.left + (frame_.right - frame_.left) * i / (kNodes - 1);
-            apart[static_cast<std::size_t>(i)] = riseAt(a, x, u) - riseAt(b, x, u);
-            mean += apart[static_cast<std::size_t>(i)] / kNodes;
+double PageShape::apartOf(const std::vector<const LineTrack*> (&halves)[2],
+                          const std::vector<double> (&places)[2], double pitch) const {
+    Bend bends[2];
+    double left = frame_.left, right = frame_.right;  // where both halves hold lines
+    for (int half = 0; half < 2; ++half) {
+        if (halves[half].empty())
+            return pitch;
+        bends[half] = solve(halves[half], places[half], pitch);
+        double first = frame_.right, last = frame_.left;
+        for (const LineTrack* track : halves[half]) {
+            first = std::min(first, track->points.front().x);
+            last = std::max(last, track->points.back().x);
         }
-        for (const double difference : apart)
-            most = std::max(most, std::fabs(difference - mean));
+        left = std::max(left, first);
+        right = std::min(right, last);
     }
+    double most = right > left ? 0 : pitch;
+    for (int half = 0; half < 2; ++half)
+        for (std::size_t i = 0; i < halves[half].size(); ++i) {
+            std::vector<double> apart;
+            double mean = 0;
+            for (const QPointF& point : halves[half][i]->points)
+                if (point.x >= left && point.x <= right) {
+                    apart.push_back(riseAt(bends[0], point.x, places[half][i]) -
+                                    riseAt(bends[1], point.x, places[half][i]));
+                    mean += apart.back();
+                }
+            for (const double difference : apart)
+                most = std::max(most,
+                                std::fabs(difference - mean / static_cast<double>(apart.size())));
+        }
     return most;
 }
 
@@ -261,10 +278,7 @@ void PageShape::judge(const std::vector<LineTrack>& tracks, double width, double
     evidence_.widthShare = (frame_.right - frame_.left) / width;
     evidence_.heightShare = std::max(0.0, last - first) / height;
     evidence_.linePitch = pitch;
-    evidence_.halvesApart = halves[1].empty() ? 1
-                                              : apartOf(solve(halves[0], places[0], pitch),
-                                                        solve(halves[1], places[1], pitch)) /
-                                                    pitch;
+    evidence_.halvesApart = apartOf(halves, places, pitch) / pitch;
 }
 
 std::optional<PageShape> PageShape::fit(std::vector<LineTrack> tracks, double width, double height,

@@ -33,6 +33,9 @@ class PageShape {
                                         double linePitch);
 
     const ShapeEvidence& evidence() const { return evidence_; }
+    /// The ends of its lines.
+    double left() const { return frame_.left; }
+    double right() const { return frame_.right; }
     /// Tracks that the shape explains, from top to bottom.
     const std::vector<LineTrack>& agreeing() const { return agreeing_; }
 
@@ -58,7 +61,8 @@ class PageShape {
     double offsetOf(const LineTrack& track, const Bend& bend, double u, double& rms) const;
     void settlePlaces(std::span<const LineTrack* const> tracks, const Bend& bend,
                       std::vector<double>& places) const;
-    double apartOf(const Bend& a, const Bend& b) const;
+    double apartOf(const std::vector<const LineTrack*> (&halves)[2],
+                   const std::vector<double> (&places)[2], double pitch) const;
     double bowOf(const Bend& bend) const;
     void judge(const std::vector<LineTrack>& tracks, double width, double height, double pitch);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <stdexcept>
 #include <utility>
 
@@ -18,6 +19,8 @@ using QT::QLineF;
 using QT::QPointF;
 
 constexpr double kPitchOfLetters = 2.2;  // line pitch beside the height of letters, where unknown
+constexpr double kWidestPitch = 3.5;
+constexpr double kAround = 0.8;  // line pitches of paper above a first line and below a last one
 
 bool hasLength(const QLineF& line) {
     return line.p1 != line.p2;
@@ -50,7 +53,9 @@ std::vector<LineTrack> linesOf(const CBaseImage& copy, const CopyPlace& place,
 
 std::optional<PageShape> shapeOf(std::vector<LineTrack> tracks, int width, int height,
                                  double letterHeight) {
-    const double pitch = linePitchOf(tracks, kPitchOfLetters * letterHeight);
+    // Lines far apart are no measure of what a reader sees as crooked.
+    const double pitch =
+        std::min(linePitchOf(tracks, kPitchOfLetters * letterHeight), kWidestPitch * letterHeight);
     try {
         return PageShape::fit(std::move(tracks), width, height, pitch);
     } catch (const std::runtime_error&) {
@@ -69,6 +74,31 @@ void addLines(const PageShape& shape, DistortionModelBuilder& builder) {
         const std::size_t line = taken < 2 ? 0 : i * (count - 1) / (taken - 1);
         builder.addHorizontalCurve(shape.lineOf(line, left, right));
     }
+}
+
+const std::vector<QPointF>& nearestOf(const std::deque<std::vector<QPointF>>& curves,
+                                      const std::vector<QPointF>& curve) {
+    const auto distance = [&](const std::vector<QPointF>& other) {
+        return std::fabs(other.front().y + other.back().y - curve.front().y - curve.back().y);
+    };
+    return *std::min_element(curves.begin(), curves.end(), [&](const auto& a, const auto& b) {
+        return distance(a) < distance(b);
+    });
+}
+
+/// Whether two lines bend alike: what a blurred copy tells otherwise than the finer one is wrong.
+bool runsAs(const std::vector<QPointF>& a, const std::vector<QPointF>& b, double pitch) {
+    constexpr double kAlike = 0.04;
+    if (a.size() != b.size())
+        return false;
+    double sum = 0, squares = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const double apart = a[i].y - b[i].y;
+        sum += apart;
+        squares += apart * apart;
+    }
+    const double n = static_cast<double>(a.size());
+    return std::sqrt(std::max(0.0, squares / n - sum / n * (sum / n))) < kAlike * pitch;
 }
 
 }  // namespace
@@ -96,7 +126,9 @@ std::optional<TextTrace> traceTextLines(const CDibImage& gray, DistortionModelBu
     builder.setVerticalBounds(hasLength(left) ? left : QLineF{{0, 0}, {0, bottom}},
                               hasLength(right) ? right : QLineF{{last, 0}, {last, bottom}});
     addLines(*shape, builder);
-    return TextTrace{shape->evidence(), std::move(lines)};
+    return TextTrace{shape->evidence(), std::move(lines),
+                     PageContent{shape->agreeing(), shape->left(), shape->right(),
+                                 kAround * shape->evidence().linePitch}};
 }
 
 int extendTextLines(const CDibImage& gray, DistortionModelBuilder& builder, int width, int height,
@@ -113,12 +145,18 @@ int extendTextLines(const CDibImage& gray, DistortionModelBuilder& builder, int 
     const int margin = std::min(copy.GetWidth(), copy.GetHeight()) / 50;
     const auto shape = shapeOf(linesOf(copy, place, {sigma, false}, margin, letterHeight), width,
                                height, letterHeight);
-    if (!shape || shape->evidence().longLines < kLeastLines ||
+    if (!shape || builder.curves().empty() || shape->evidence().longLines < kLeastLines ||
         shape->evidence().agreeingShare < kSure)
         return 0;
     DistortionModelBuilder extended({0, 1});
     extended.setVerticalBounds(builder.leftBound(), builder.rightBound());
     addLines(*shape, extended);
+    const double pitch = shape->evidence().linePitch;
+    std::erase_if(extended.curves(), [&](const std::vector<QPointF>& curve) {
+        return !runsAs(nearestOf(builder.curves(), curve), curve, pitch);
+    });
+    if (extended.curves().empty())
+        return 0;
     const double gap = std::max(10.0, height * 0.03);
     const auto isNear = [&](const std::vector<QPointF>& old) {
         return std::any_of(extended.curves().begin(), extended.curves().end(),

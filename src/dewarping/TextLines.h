@@ -6,6 +6,7 @@
 
 #include "core/DibImage.h"
 #include "core/QtTypes.h"
+#include "dewarping/CoverPage.h"
 #include "dewarping/DistortionModelBuilder.h"
 #include "dewarping/PageShape.h"
 
@@ -16,6 +17,7 @@ namespace velloran::dewarping {
 struct TextTrace {
     ShapeEvidence evidence;  // its pitch is in pixels of the picture
     std::vector<LineTrack> lines;
+    PageContent content;  // what the agreeing lines cover
 };
 
 /// Traces the lines of text of an 8-bit grey page of that width and gives the builder a curve for
