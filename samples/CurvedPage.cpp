@@ -208,7 +208,9 @@ SamplePage MakeCurvedPage(const CurvedRequest& request) {
         scene.paper.Paint(places.paper, 255, scratch);
         truth.background = scene.desk;
     }
-    scene.light = MakeLight(request.light, places, frame, aging);
+    PageRecipe lit = RecipeOf(PageKind::kCurved);
+    lit.light = request.light;
+    scene.light = MakeLight(lit, places, frame, aging);
     page.image = ScanScene(scene, aging.Chance(0.3) ? Depth::kGray : Depth::kColor, false);
     truth.bitsPerPixel = page.image.GetBpp();
     return page;
