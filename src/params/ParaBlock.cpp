@@ -154,9 +154,10 @@ bool CParaBlock::ReadFromIni(std::u16string_view section, const std::string& fil
     return true;
 }
 
-bool CParaBlock::WriteToIni(std::u16string_view section, const std::string& file) const {
+bool CParaBlock::WriteToIni(std::u16string_view section, const std::string& file,
+                            FileError* error) const {
     ProfileFile profile;
-    if (!LoadProfile(file, profile))
+    if (!LoadProfile(file, profile, error))
         return false;
     const ParaValues values = GetValues();
     std::vector<ProfileFile::KeyAndValue> keys;
@@ -166,7 +167,7 @@ bool CParaBlock::WriteToIni(std::u16string_view section, const std::string& file
             keys.emplace_back(ToUtf16(row.name), DecimalText(values[At(i)]));
     }
     profile.ReplaceSection(section, keys);
-    return SaveProfile(profile, file);
+    return SaveProfile(profile, file, error);
 }
 
 std::array<std::uint8_t, CParaBlock::kClipboardBytes> CParaBlock::ToClipboard() const {

@@ -19,6 +19,7 @@
 namespace velloran {
 
 class CDibImage;
+struct FileError;
 
 /// The ten groups whose labels open lines of the text form and name the parameter tabs.
 enum class ParaGroup {
@@ -100,7 +101,8 @@ class CParaBlock {
 
     /// Replaces the section by the values that differ from the defaults. False when the file
     /// cannot be written; it is then as it was.
-    bool WriteToIni(std::u16string_view section, const std::string& file) const;
+    bool WriteToIni(std::u16string_view section, const std::string& file,
+                    FileError* error = nullptr) const;
 
     /// 536 as a 32-bit little-endian word, then the values.
     std::array<std::uint8_t, kClipboardBytes> ToClipboard() const;
