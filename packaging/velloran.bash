@@ -10,7 +10,7 @@ _velloran() {
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-            enhance | batch | describe | params | info | detect | measure)
+            enhance | batch | describe | params | info | detect | measure | compare | rename | stats | set-dpi | settings)
                 command=$word
                 break
                 ;;
@@ -82,10 +82,68 @@ _velloran() {
         --only)
             return
             ;;
+        --difference)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --all)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --nonzero)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --levels)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --frequency)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --export)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --type)
+            return
+            ;;
+        --sort)
+            COMPREPLY=($(compgen -W "name created modified" -- "$current"))
+            return
+            ;;
+        --select)
+            return
+            ;;
+        --prefix)
+            return
+            ;;
+        --suffix)
+            return
+            ;;
+        --digits)
+            return
+            ;;
+        --start)
+            return
+            ;;
+        --step)
+            return
+            ;;
+        --types)
+            return
+            ;;
     esac
 
     if [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "enhance batch describe params info detect measure -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
+        COMPREPLY=($(compgen -W "enhance batch describe params info detect measure compare rename stats set-dpi settings -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
         return
     fi
     if [[ $current != -* ]]; then
@@ -95,13 +153,18 @@ _velloran() {
     fi
 
     case $command in
-        enhance) options="--stop --preview --keep-dpi --save-setting -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
-        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress --review -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
-        describe) options="--crop-summary -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
+        enhance) options="--stop --preview --keep-dpi --save-setting -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress --review -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        describe) options="--crop-summary -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         params) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         info) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         detect) options="--by-name -h --help --lang -q --quiet -v --verbose" ;;
-        measure) options="--only --json -s --set --setting --settings-store -n --named -h --help --lang -q --quiet -v --verbose" ;;
+        measure) options="--only --json -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        compare) options="--difference --all --nonzero --levels --frequency --folders --export --exit-code -j --jobs --json -h --help --lang -q --quiet -v --verbose" ;;
+        rename) options="--type --sort --descending --select --prefix --suffix --digits --start --step --no-number --no-extension --move --overwrite --undo -y --yes --dry-run --log -h --help --lang -q --quiet -v --verbose" ;;
+        stats) options="--types --no-recurse --json -h --help --lang -q --quiet -v --verbose" ;;
+        set-dpi) options="--types --no-recurse --log --json -h --help --lang -q --quiet -v --verbose" ;;
+        settings) options="-y --yes -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
     esac
     COMPREPLY=($(compgen -W "$options" -- "$current"))
 }

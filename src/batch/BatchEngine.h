@@ -38,18 +38,18 @@ struct BatchRequest {
 };
 
 struct BatchFailure {
-    std::string path;             // as the bytes of the disk: a source, a target or a folder
-    std::string source;           // of a target that could not be written; else empty
-    std::u16string_view message;  // of the run log
-    std::string detail;           // English, from the library or the system; may be empty
+    std::string path = {};             // as the bytes of the disk: a source, a target or a folder
+    std::string source = {};           // of a target that could not be written; else empty
+    std::u16string_view message = {};  // of the run log
+    std::string detail = {};           // English, from the library or the system; may be empty
     bool storage = false;         // a result that could not be written; another try may help
     FileReason reason = FileReason::kUnknown;
 };
 
 struct BatchProgress {
     std::size_t done = 0, total = 0;  // files behind the run, converted or not
-    std::string_view path;            // of the file that changed last
-    std::u16string_view stage;        // "读取", a step of the enhancement, "存盘"
+    std::string_view path = {};       // of the file that changed last
+    std::u16string_view stage = {};   // "读取", a step of the enhancement, "存盘"
     double seconds = 0;               // since the first file began
 };
 

@@ -7,6 +7,7 @@
 #include "cli/NearestWord.h"
 #include "cli/OptionParser.h"
 #include "cli/ParameterOptions.h"
+#include "documents/settings/NamedSettings.h"
 #include "files/ProgramPlaces.h"
 #include "io/FileError.h"
 #include "params/ParaBlock.h"
@@ -120,7 +121,14 @@ std::string FillFromStore(const ParameterOptions& options, CParaBlock& block,
     const std::u16string name = ToUtf16(*options.named);
     if (name.empty() || !profile.HasKeys(name))
         return NoSuchSetting(store, *options.named, profile);
-    return ReadSection(store, profile, name, block, warnings);
+    if (std::string problem = ReadSection(store, profile, name, block, warnings); !problem.empty())
+        return problem;
+    if (options.withoutPage) {
+        Settings settings = block.GetSettings();
+        ResetPageValues(settings);
+        block.AssignValues(settings.values);
+    }
+    return {};
 }
 
 }  // namespace
@@ -154,7 +162,8 @@ std::string FillBlock(const ParameterOptions& options, CParaBlock& block,
 
 bool PrepareGlobalBlock(const ParsedWords& words) {
     const ParameterOptions options{words.Texts(Option::kSet), words.Text(Option::kSetting),
-                                   words.Text(Option::kNamed), words.Text(Option::kStore)};
+                                   words.Text(Option::kNamed), words.Text(Option::kStore),
+                                   words.Has(Option::kWithoutPage)};
     std::vector<std::string> warnings;
     const std::string problem = FillBlock(options, GlobalBlock(), warnings);
     if (!problem.empty()) {

@@ -21,6 +21,7 @@ struct ParameterOptions {
     std::optional<std::string> setting;    // FILE[#SECTION]
     std::optional<std::string> named;      // a section of the store
     std::optional<std::string> storeFile;  // else the program's own
+    bool withoutPage = false;              // of the named setting, as the settings window reads it
 };
 
 /// Fills the block. What is wrong with the options is returned and must end the command; the

@@ -10,6 +10,10 @@ namespace {
 
 using namespace labels;
 
+std::vector<std::string> SettingsVerbs() {
+    return {"list", "show", "save", "delete"};
+}
+
 constexpr Operand kEnhanceOperands[] = {
     {"INPUT", /*isMany=*/false, Completes::kFiles, kOperandInput},
     {"OUTPUT", /*isMany=*/false, Completes::kFiles, kOperandOutput}};
@@ -20,21 +24,53 @@ constexpr Operand kFileOperands[] = {{"FILE", /*isMany=*/true, Completes::kFiles
 
 constexpr Option kEnhanceOptions[] = {Option::kStop,        Option::kPreview, Option::kKeepDpi,
                                       Option::kSaveSetting, Option::kSet,     Option::kSetting,
-                                      Option::kStore,       Option::kNamed};
+                                      Option::kStore,       Option::kNamed,   Option::kWithoutPage};
 constexpr Option kBatchOptions[] = {
     Option::kExt,      Option::kFiles,   Option::kNoRecurse,    Option::kSkipColor,
     Option::kKeepTime, Option::kKeepDpi, Option::kSkipExisting, Option::kList,
     Option::kNull,     Option::kJobs,    Option::kMemory,       Option::kStrict,
     Option::kLog,      Option::kYes,     Option::kDryRun,       Option::kJsonBatch,
     Option::kProgress, Option::kReview,  Option::kSet,          Option::kSetting,
-    Option::kStore,    Option::kNamed};
-constexpr Option kDescribeOptions[] = {Option::kCropSummary, Option::kSet, Option::kSetting,
-                                       Option::kStore, Option::kNamed};
+    Option::kStore,    Option::kNamed,   Option::kWithoutPage};
+constexpr Option kDescribeOptions[] = {Option::kCropSummary, Option::kSet,   Option::kSetting,
+                                       Option::kStore,       Option::kNamed, Option::kWithoutPage};
 constexpr Option kParamsOptions[] = {Option::kJson};
 constexpr Option kInfoOptions[] = {Option::kJson};
-constexpr Option kMeasureOptions[] = {Option::kOnly,    Option::kJson,  Option::kSet,
-                                      Option::kSetting, Option::kStore, Option::kNamed};
+constexpr Option kMeasureOptions[] = {Option::kOnly,       Option::kJson,  Option::kSet,
+                                      Option::kSetting,    Option::kStore, Option::kNamed,
+                                      Option::kWithoutPage};
 constexpr Option kDetectOptions[] = {Option::kByName};
+
+constexpr Operand kSettingsOperands[] = {
+    {"VERB", /*isMany=*/false, Completes::kWords, kOperandSettingsVerb, /*isOptional=*/false,
+     SettingsVerbs},
+    {"NAME", /*isMany=*/false, Completes::kNothing, kOperandSettingName, /*isOptional=*/true}};
+constexpr Operand kFolderOperand[] = {
+    {"FOLDER", /*isMany=*/false, Completes::kFolders, kOperandFolder}};
+constexpr Operand kSetDpiOperands[] = {
+    {"DPI", /*isMany=*/false, Completes::kNothing, kOperandDpi},
+    {"FOLDER", /*isMany=*/false, Completes::kFolders, kOperandFolder}};
+constexpr Option kSettingsOptions[] = {Option::kYesAll, Option::kSet,   Option::kSetting,
+                                       Option::kStore,  Option::kNamed, Option::kWithoutPage};
+constexpr Option kStatsOptions[] = {Option::kTypes, Option::kNoRecurse, Option::kJson};
+constexpr Option kSetDpiOptions[] = {Option::kTypes, Option::kNoRecurse, Option::kLog,
+                                     Option::kJson};
+
+constexpr Operand kRenameOperands[] = {
+    {"FOLDER", /*isMany=*/false, Completes::kFolders, kOperandRenameFolder},
+    {"TARGET", /*isMany=*/false, Completes::kFolders, kOperandRenameTarget, /*isOptional=*/true}};
+constexpr Option kRenameOptions[] = {
+    Option::kFileType,    Option::kSort,   Option::kDescending, Option::kSelect, Option::kPrefix,
+    Option::kSuffix,      Option::kDigits, Option::kStart,      Option::kStep,   Option::kNoNumber,
+    Option::kNoExtension, Option::kMove,   Option::kOverwrite,  Option::kUndo,   Option::kYesAll,
+    Option::kDryRunNames, Option::kLog};
+
+constexpr Operand kCompareOperands[] = {
+    {"FILE1", /*isMany=*/false, Completes::kFiles, kOperandCompare1},
+    {"FILE2", /*isMany=*/false, Completes::kFiles, kOperandCompare2}};
+constexpr Option kCompareOptions[] = {
+    Option::kDifference, Option::kAll,    Option::kNonZero,  Option::kLevels, Option::kFrequency,
+    Option::kFolders,    Option::kExport, Option::kExitCode, Option::kJobs,   Option::kJson};
 
 constexpr Command kCommands[] = {
     {"enhance", kCommandEnhance, kDetailsEnhance, kEnhanceOperands, kEnhanceOptions, RunEnhance},
@@ -44,6 +80,12 @@ constexpr Command kCommands[] = {
     {"info", kCommandInfo, kDetailsInfo, kFileOperands, kInfoOptions, RunInfo},
     {"detect", kCommandDetect, kDetailsDetect, kFileOperands, kDetectOptions, RunDetect},
     {"measure", kCommandMeasure, kDetailsMeasure, kFileOperands, kMeasureOptions, RunMeasure},
+    {"compare", kCommandCompare, kDetailsCompare, kCompareOperands, kCompareOptions, RunCompare},
+    {"rename", kCommandRename, kDetailsRename, kRenameOperands, kRenameOptions, RunRenameCommand},
+    {"stats", kCommandStats, kDetailsStats, kFolderOperand, kStatsOptions, RunStats},
+    {"set-dpi", kCommandSetDpi, kDetailsSetDpi, kSetDpiOperands, kSetDpiOptions, RunSetDpi},
+    {"settings", kCommandSettings, kDetailsSettings, kSettingsOperands, kSettingsOptions,
+     RunSettings},
 };
 
 }  // namespace

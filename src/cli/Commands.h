@@ -32,5 +32,10 @@ int RunParams(const ParsedWords& words);
 int RunInfo(const ParsedWords& words);
 int RunDetect(const ParsedWords& words);
 int RunMeasure(const ParsedWords& words);
+int RunCompare(const ParsedWords& words);
+int RunRenameCommand(const ParsedWords& words);
+int RunStats(const ParsedWords& words);
+int RunSetDpi(const ParsedWords& words);
+int RunSettings(const ParsedWords& words);
 
 }  // namespace velloran::cli

@@ -137,8 +137,9 @@ std::string ZshCommandCase(const Command& command, Language language) {
     for (const Operand& operand : command.operands) {
         text += " \\\n                '";
         text += operand.isMany ? "*" : std::to_string(position++);
-        text += ":" + ZshText(ToUtf8(operand.meaning.In(language))) + ":" +
-                ZshAction(operand.completes, nullptr) + "'";
+        text += operand.isOptional && !operand.isMany ? "::" : ":";
+        text += ZshText(ToUtf8(operand.meaning.In(language))) + ":" +
+                ZshAction(operand.completes, operand.words) + "'";
     }
     return text + "\n            ;;\n";
 }

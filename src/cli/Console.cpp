@@ -151,20 +151,32 @@ void PrintNote(std::string_view text) {
     WriteErrorLine(text);
 }
 
-bool AskYesNo(std::u16string_view question, const std::function<bool()>& isStopped) {
+std::optional<std::string> AskLine(std::u16string_view question,
+                                   const std::function<bool()>& isStopped) {
     if (!InputIsTerminal())
-        return false;
-    const std::string text = ToUtf8(question) + ToUtf8(labels::kYesNo);
+        return std::nullopt;
+    const std::string text = ToUtf8(question);
     std::fwrite(text.data(), 1, text.size(), stderr);
     pollfd input{STDIN_FILENO, POLLIN, 0};
     while (::poll(&input, 1, 200) <= 0)
         if (isStopped())
-            return false;
+            return std::nullopt;
     std::string answer;
     for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar())
         answer += static_cast<char>(c);
-    return EqualIgnoringCase(std::string_view(answer), "y") ||
-           EqualIgnoringCase(std::string_view(answer), "yes");
+    return answer;
+}
+
+bool AskYesNo(std::u16string_view question, const std::function<bool()>& isStopped) {
+    const std::u16string text = std::u16string(question) + std::u16string(labels::kYesNo);
+    const std::optional<std::string> answer = AskLine(text, isStopped);
+    if (!answer)
+        return false;
+    for (const Label& word : labels::kYesWords)
+        for (const Language language : {Language::kChinese, Language::kEnglish})
+            if (EqualIgnoringCase(std::u16string_view(ToUtf16(*answer)), word.In(language)))
+                return true;
+    return false;
 }
 
 std::string BarText(const BarState& state, std::size_t columns) {

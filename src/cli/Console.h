@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -50,8 +51,11 @@ void PrintFailure(const FailureText& failure);
 /// A plain line on standard error.
 void PrintNote(std::string_view text);
 
-/// Asks on standard error and reads a line from standard input; true for y or yes. Asks nothing
-/// and gives false when standard input is no terminal, or when `isStopped` turns true.
+/// Asks on standard error and reads a line from standard input. Nothing, and nothing is asked, when
+/// standard input is no terminal; nothing too when `isStopped` turns true.
+std::optional<std::string> AskLine(std::u16string_view question,
+                                   const std::function<bool()>& isStopped);
+/// The same with a question for yes or no, which is answered in the letters of any language.
 bool AskYesNo(std::u16string_view question, const std::function<bool()>& isStopped);
 bool InputIsTerminal();
 bool ErrorIsTerminal();

@@ -136,7 +136,7 @@ std::string JudgeOptions(const ParsedWords& parsed) {
 
 std::string JudgeOperands(std::span<const Operand> operands, const ParsedWords& parsed) {
     const std::size_t given = parsed.operands.size();
-    if (given < operands.size() && !parsed.Has(Option::kHelp))
+    if (given < operands.size() && !operands[given].isOptional && !parsed.Has(Option::kHelp))
         return Phrase(labels::kMissingOperand, {operands[given].name});
     if (given > operands.size() && (operands.empty() || !operands.back().isMany))
         return Phrase(labels::kSurplusOperand, {parsed.operands[operands.size()]});

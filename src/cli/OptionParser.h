@@ -21,6 +21,8 @@ struct Operand {
     bool isMany;
     Completes completes;
     Label meaning;
+    bool isOptional = false;                       // may be missing; such ones stand last
+    std::vector<std::string> (*words)() = nullptr;  // that it may be, for completions
 };
 
 /// What the words said. Options that were not given are absent.

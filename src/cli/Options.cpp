@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cassert>
+#include <cstdint>
 
 #include "cli/ParameterOptions.h"
 #include "codecs/Formats.h"
@@ -39,6 +40,10 @@ std::vector<std::string> SourceFilterPositions() {
     for (int i = 0; i < SourceFilterCount(); ++i)
         words.push_back(std::to_string(i));
     return words;
+}
+
+std::vector<std::string> SortWords() {
+    return {"name", "created", "modified"};
 }
 
 constexpr int kMostJobs = 1 << 20;
@@ -83,6 +88,32 @@ static const std::array rows = {
     OptionRow{Option::kJson, "--json", "", 0, kNothing, "", kOptionJson, kOwn},
     OptionRow{Option::kByName, "--by-name", "", 0, kNothing, "", kOptionByName, kOwn},
     OptionRow{Option::kOnly, "--only", "", 0, kText, "LIST", kOptionOnly, kOwn},
+    OptionRow{Option::kWithoutPage, "--without-page", "", 0, kNothing, "", kOptionWithoutPage, kParameters, Completes::kNothing, nullptr, 0, 0, Option::kNamed},
+    OptionRow{Option::kTypes, "--types", "", 0, kText, "LIST", kOptionTypes, kOwn},
+    OptionRow{Option::kYesAll, "--yes", "", 'y', kNothing, "", kOptionYesAll, kOwn},
+    OptionRow{Option::kFileType, "--type", "", 0, kNumber, "N", kOptionFileType, kOwn, Completes::kNothing, nullptr, 0, 9},
+    OptionRow{Option::kSort, "--sort", "", 0, kWord, "ORDER", kOptionSort, kOwn, Completes::kWords, SortWords},
+    OptionRow{Option::kDescending, "--descending", "", 0, kNothing, "", kOptionDescending, kOwn},
+    OptionRow{Option::kSelect, "--select", "", 0, kText, "WHICH", kOptionSelect, kOwn},
+    OptionRow{Option::kPrefix, "--prefix", "", 0, kText, "TEXT", kOptionPrefix, kOwn},
+    OptionRow{Option::kSuffix, "--suffix", "", 0, kText, "TEXT", kOptionSuffix, kOwn},
+    OptionRow{Option::kDigits, "--digits", "", 0, kNumber, "N", kOptionDigits, kOwn, Completes::kNothing, nullptr, 1, 8},
+    OptionRow{Option::kStart, "--start", "", 0, kNumber, "N", kOptionStart, kOwn, Completes::kNothing, nullptr, INT32_MIN, INT32_MAX},
+    OptionRow{Option::kStep, "--step", "", 0, kNumber, "N", kOptionStep, kOwn, Completes::kNothing, nullptr, INT32_MIN, INT32_MAX},
+    OptionRow{Option::kNoNumber, "--no-number", "", 0, kNothing, "", kOptionNoNumber, kOwn},
+    OptionRow{Option::kNoExtension, "--no-extension", "", 0, kNothing, "", kOptionNoExtension, kOwn},
+    OptionRow{Option::kMove, "--move", "", 0, kNothing, "", kOptionMove, kOwn},
+    OptionRow{Option::kOverwrite, "--overwrite", "", 0, kNothing, "", kOptionOverwrite, kOwn},
+    OptionRow{Option::kUndo, "--undo", "", 0, kNothing, "", kOptionUndo, kOwn},
+    OptionRow{Option::kDryRunNames, "--dry-run", "", 0, kNothing, "", kOptionDryRun, kOwn},
+    OptionRow{Option::kDifference, "--difference", "", 0, kText, "FILE", kOptionDifference, kOwn, Completes::kFiles},
+    OptionRow{Option::kAll, "--all", "", 0, kText, "FILE", kOptionAll, kOwn, Completes::kFiles},
+    OptionRow{Option::kNonZero, "--nonzero", "", 0, kText, "FILE", kOptionNonZero, kOwn, Completes::kFiles},
+    OptionRow{Option::kLevels, "--levels", "", 0, kText, "FILE", kOptionLevels, kOwn, Completes::kFiles},
+    OptionRow{Option::kFrequency, "--frequency", "", 0, kText, "FILE", kOptionFrequency, kOwn, Completes::kFiles},
+    OptionRow{Option::kFolders, "--folders", "", 0, kNothing, "", kOptionFolders, kOwn},
+    OptionRow{Option::kExport, "--export", "", 0, kText, "FILE", kOptionExport, kOwn, Completes::kFiles, nullptr, 0, 0, Option::kFolders},
+    OptionRow{Option::kExitCode, "--exit-code", "", 0, kNothing, "", kOptionExitCode, kOwn},
 };
     // clang-format on
     static_assert(rows.size() == static_cast<std::size_t>(Option::kNone));

@@ -60,8 +60,10 @@ void AddGroup(const Label& heading, OptionGroup group, const std::vector<Option>
 std::string SynopsisOf(const Command& command) {
     std::string text =
         "velloran " + std::string(command.name) + " " + Phrase(labels::kHelpOptionWord);
-    for (const Operand& operand : command.operands)
-        text.append(" ").append(operand.name).append(operand.isMany ? "..." : "");
+    for (const Operand& operand : command.operands) {
+        text.append(operand.isOptional ? " [" : " ").append(operand.name);
+        text.append(operand.isMany ? "..." : "").append(operand.isOptional ? "]" : "");
+    }
     return text;
 }
 

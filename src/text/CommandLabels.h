@@ -23,6 +23,7 @@ inline constexpr Label kHelpOfCommand{u"“{0} 命令 --help”说明一个命�
 inline constexpr Label kTryHelp{u"用法见“{0} --help”。", u"Try '{0} --help'."};
 inline constexpr Label kWarning{u"警告:", u"warning:"};
 inline constexpr Label kYesNo{u" [y/N] ", u" [y/N] "};
+inline constexpr Label kYesWords[] = {{u"是", u"y"}, {u"是的", u"yes"}};
 inline constexpr Label kNoSuchForm{
     u"VELLORAN_CPU: 处理器没有这种指令形式，使用最好的。",
     u"VELLORAN_CPU: the processor has no such form, the best is used."};
@@ -72,8 +73,54 @@ inline constexpr Label kDetailsMeasure{
     u"A line a finding: path, finding, how sure (0 to 1), values. Nothing is changed. The "
     u"findings: "
     u"skew, box (of the content), split (gutter), corners, dark (level)."};
+inline constexpr Label kCommandSettings{u"管理命名设置", u"Keep named settings"};
+inline constexpr Label kCommandCompare{u"比较两幅图像或两个文件夹",
+                                       u"Compare two pictures, or those of two folders"};
+inline constexpr Label kDetailsCompare{
+    u"逐像素比较两幅同样大小的图像；加--"
+    u"folders时比较两个文件夹中同名的图像。平均值和标准差只计算不同"
+    u"的像素；相似度是全图8x8窗口质量指数的平均值，越接近1越相似。",
+    u"Compares two pictures of one size pixel by pixel; with --folders those of one name in two "
+    u"folders. Mean and deviation are those of the pixels that differ; the similarity is the mean "
+    u"of the quality index over all windows of 8 by 8 pixels, nearer to 1 the more alike."};
+inline constexpr Label kCommandRename{u"按书的次序给文件编号更名",
+                                      u"Number the files of a folder in book order"};
+inline constexpr Label kDetailsRename{
+    u"给FOLDER中的文件取新名，或以新名复制（--move: "
+    u"移动）到TARGET。动手前先检查全部新名并写下记录："
+    u"中断的更名可以继续完成或撤销，“rename --undo FOLDER”撤销上一次更名。",
+    u"Gives the files of FOLDER new names, or copies (--move: moves) them into TARGET under these. "
+    u"All names are judged and a record is written before a file moves: a run that was killed can "
+    u"be finished or taken back, and 'rename --undo FOLDER' takes the last one back."};
+inline constexpr Label kCommandStats{u"统计图像的尺寸和分辨率",
+                                     u"Tell how regular the pictures of a folder are"};
+inline constexpr Label kCommandSetDpi{u"设置图像的分辨率，不改变像素",
+                                      u"Set the resolution of pictures, pixels untouched"};
+inline constexpr Label kDetailsSettings{
+    u"VERB为list（每行一个名称）、show NAME（用文字说明）、save NAME（存下参数）或delete NAME。",
+    u"VERB is list (a name a line), show NAME (in words), save NAME (the parameters given) or "
+    u"delete NAME."};
+inline constexpr Label kDetailsStats{
+    u"只读文件头，不读像素。输出图像的最大、最小宽度、高度、面积和分辨率，以及多数文件相同的值。",
+    u"Reads heads alone. Tells the largest and smallest width, height, area and resolution, and "
+    u"the values that most files share."};
+inline constexpr Label kDetailsSetDpi{
+    u"把DPI（0至8000，0为删除）写入BMP、JPEG、PNG和TIFF文件，其余字节不变。任何时候中断，每个文件"
+    u"要么已改好，要么还是原样。",
+    u"Writes DPI (0 to 8000; 0 removes it) into BMP, JPEG, PNG and TIFF files; all other bytes "
+    u"stay. Whatever ends the run, a file is either wholly changed or as it was."};
 
 // Operands.
+inline constexpr Label kOperandSettingsVerb{u"list、show、save或delete",
+                                            u"list, show, save or delete"};
+inline constexpr Label kOperandSettingName{u"设置的名称", u"Name of the setting"};
+inline constexpr Label kOperandFolder{u"存放图像的文件夹", u"The folder of the pictures"};
+inline constexpr Label kOperandCompare1{u"第一幅图像，或文件夹", u"The one picture, or folder"};
+inline constexpr Label kOperandCompare2{u"第二幅图像，或文件夹", u"The other one"};
+inline constexpr Label kOperandRenameFolder{u"存放文件的文件夹", u"The folder of the files"};
+inline constexpr Label kOperandRenameTarget{u"存放结果的文件夹，默认为原文件夹",
+                                            u"The folder for the results; default: the same"};
+inline constexpr Label kOperandDpi{u"分辨率，0至8000", u"The resolution, 0 to 8000"};
 inline constexpr Label kOperandInput{u"源图像，类型由内容决定",
                                      u"The picture; its content decides the type"};
 inline constexpr Label kOperandOutput{u"结果，类型由扩展名决定",
@@ -167,7 +214,59 @@ inline constexpr Label kOptionCropSummary{u"只输出切边的摘要",
                                           u"Only the short summary of the crop"};
 inline constexpr Label kOptionByName{u"只看扩展名", u"Look at the extension alone"};
 
+inline constexpr Label kOptionWithoutPage{
+    u"读取命名设置时不取分页和页面矫正（保留旋转），与设置窗口一样",
+    u"Take the named setting without split and page correction, the rotation kept, as the "
+    u"settings window does"};
+inline constexpr Label kOptionTypes{u"文件类型，用逗号分隔；默认为全部",
+                                    u"Kinds of files, with commas between; default: all"};
+inline constexpr Label kOptionYesAll{
+    u"对所有询问回答“是”；不加时在终端上询问，没有终端则为用法错误",
+    u"Answer every question with yes; without it they are asked "
+    u"on a terminal, and are a usage error elsewhere"};
+
+inline constexpr Label kOptionDifference{u"把差异存为图像", u"The differences as a picture"};
+inline constexpr Label kOptionAll{u"全图差异列表（CSV）", u"The differences of all pixels, as CSV"};
+inline constexpr Label kOptionNonZero{u"非零差异列表（CSV）",
+                                      u"Those of the pixels that differ, as CSV"};
+inline constexpr Label kOptionLevels{u"差异分布表（CSV）",
+                                     u"How often each difference occurs, as CSV"};
+inline constexpr Label kOptionFrequency{u"差异图像的统计频数（CSV）",
+                                        u"The same, counted on the difference picture"};
+inline constexpr Label kOptionFolders{u"比较两个文件夹", u"Compare two folders"};
+inline constexpr Label kOptionExport{u"把各行存为CSV文件", u"The rows as a CSV file"};
+inline constexpr Label kOptionExitCode{u"不同时退出状态为3", u"Exit status 3 where they differ"};
+inline constexpr Label kOptionFileType{
+    u"文件类型: 0所有图像（默认），1 JPEG，2 GIF，3 BMP，4 PNG，5 TIFF，6 JPEG 2000，7 WebP，"
+    u"8相机原始文件，9所有文件",
+    u"Which files: 0 all pictures (default), 1 JPEG, 2 GIF, 3 BMP, 4 PNG, 5 TIFF, 6 JPEG 2000, "
+    u"7 WebP, 8 camera raw, 9 all files"};
+inline constexpr Label kOptionSort{u"排序: name文件名（默认），created创建时间，modified修改时间",
+                                   u"The order: name (default), created or modified (times)"};
+inline constexpr Label kOptionDescending{u"降序；按书页分组时不变",
+                                         u"The order turned; that by the parts of a book stays"};
+inline constexpr Label kOptionSelect{
+    u"all全部（默认）、odd奇数编号、even偶数编号、N:M从第N个起每M个取一个",
+    u"all (default), odd or even numbers, or N:M, from the N-th file each M-th"};
+inline constexpr Label kOptionPrefix{u"新名的前缀", u"In front of each new name"};
+inline constexpr Label kOptionSuffix{u"编号后面的文字", u"Behind each number"};
+inline constexpr Label kOptionDigits{u"编号的位数，1为不补零；默认5",
+                                     u"Digits of the number, 1 is without padding; default 5"};
+inline constexpr Label kOptionStart{u"第一个编号，默认1", u"The first number, default 1"};
+inline constexpr Label kOptionStep{u"编号的增量，默认1", u"The step of the numbers, default 1"};
+inline constexpr Label kOptionNoNumber{u"不编号，保留原名", u"No numbers: keep the name"};
+inline constexpr Label kOptionNoExtension{u"不加原扩展名", u"Leave the extension away"};
+inline constexpr Label kOptionMove{u"移动到TARGET，删除源文件",
+                                   u"Move to TARGET: delete the sources"};
+inline constexpr Label kOptionOverwrite{u"允许覆盖列表以外的文件",
+                                        u"Let targets replace files outside the list"};
+inline constexpr Label kOptionUndo{u"撤销该文件夹的上一次更名",
+                                   u"Take the last renaming of the folder back"};
+
 // Wrong usage.
+inline constexpr Label kUnknownVerb{u"{0}没有操作“{1}”。", u"{0} has no verb \"{1}\"."};
+inline constexpr Label kVerbWants{u"{0}后面缺少{1}。", u"{0} wants {1} behind it."};
+inline constexpr Label kNotWithVerb{u"{0}不能和{1}一起使用。", u"{0} does not go with {1}."};
 inline constexpr Label kNoCommand{u"缺少命令。", u"a command is missing."};
 inline constexpr Label kUnknownCommand{u"没有命令“{0}”。", u"there is no command \"{0}\"."};
 inline constexpr Label kUnknownOption{u"没有选项“{0}”。", u"there is no option \"{0}\"."};
