@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <stdexcept>
+#include <utility>
 
 #include "spfit/FitPolyline.h"
 #include "spfit/PolylineModelShape.h"
@@ -94,6 +95,11 @@ std::vector<QPointF> extendToBounds(const std::vector<QPointF>& polyline, const 
     const auto insideOf = [](const QLineF& bound, const QLineF& other) {
         return sideOf(bound, {(other.p1.x + other.p2.x) / 2, (other.p1.y + other.p2.y) / 2});
     };
+    for (const auto& [bound, inside] :
+         {std::pair(left, insideOf(left, right)), std::pair(right, insideOf(right, left))})
+        if (std::all_of(extended.begin(), extended.end(),
+                        [&](const QPointF& point) { return sideOf(bound, point) * inside < 0; }))
+            throw BadCurve();
     endAt(extended, right, insideOf(right, left));
     std::reverse(extended.begin(), extended.end());
     endAt(extended, left, insideOf(left, right));

@@ -20,12 +20,19 @@ using QT::QPointF;
 
 constexpr int kBlack = 0, kWhite = 255;
 
+constexpr int kWindow = 10;  // of the threshold
+
 /// The middle band holds text, not edges.
-void blankMiddle(CDibImage& copy) {
-    const PlaneView rows = TopDownViewOf(copy);
-    const int first = TruncToInt(rows.height * 0.875 * 0.5);
-    const int count = TruncToInt(rows.height * 0.125);
-    for (int y = first; y < first + count; ++y)
+struct MiddleBand {
+    int first, end;
+};
+MiddleBand middleBandOf(int height) {
+    const int first = TruncToInt(height * 0.875 * 0.5);
+    return {first, first + TruncToInt(height * 0.125)};
+}
+
+void blank(PlaneView rows, const MiddleBand& band) {
+    for (int y = std::max(0, band.first); y < std::min(rows.height, band.end); ++y)
         std::fill(rows.Row(y).begin(), rows.Row(y).end(), std::uint8_t{kWhite});
 }
 
@@ -64,8 +71,9 @@ bool keepTopAndBottom(CDibImage& page) {
     return true;
 }
 
-/// Of each upright run of black its middle pixel stays.
-void thinUpright(PlaneView rows) {
+/// Of each upright run of black that pixel stays which looks to the middle: an edge may be that of
+/// a dark ground. Runs that the middle band has cut are none.
+void thinUpright(PlaneView rows, const MiddleBand& band) {
     for (int x = 0; x < rows.width; ++x)
         for (int y = 0; y < rows.height; ++y) {
             int end = y;
@@ -73,9 +81,11 @@ void thinUpright(PlaneView rows) {
                 ++end;
             if (end == y)
                 continue;
+            const bool isCut = end == band.first || y == band.end;
+            const int kept = isCut ? -1 : (y < band.first ? end - 1 : y);
             for (int at = y; at < end; ++at)
                 rows.Row(at)[static_cast<std::size_t>(x)] =
-                    at == (y + end - 1) / 2 ? std::uint8_t{kBlack} : std::uint8_t{kWhite};
+                    at == kept ? std::uint8_t{kBlack} : std::uint8_t{kWhite};
             y = end;
         }
 }
@@ -206,17 +216,23 @@ QLineF boundThrough(const QPointF& top, const QPointF& bottom, int width, int he
 }  // namespace
 
 double tracePageEdges(const CDibImage& gray, DistortionModelBuilder& builder, int width) {
-    constexpr int kWindow = 10, kLowBound = 50, kHighBound = 254, kInset = 2;
+    constexpr int kLowBound = 50, kHighBound = 254, kInset = 2;
+    constexpr double kShortestEdge = 0.4;  // of the width
     CopyPlace place;
     CDibImage copy = prepareTraceImage(gray, CopySize::kMedium, place);
     if (copy.GetWidth() < 8 * kInset || copy.GetHeight() < 8 * kInset)
         return 0;
-    blankMiddle(copy);
-    if (WolfThreshold(copy, kWindow, kWindow, kLowBound, kHighBound, /*keepDepth=*/true) == 0 ||
-        !keepTopAndBottom(copy))
-        return 0;
     const PlaneView rows = TopDownViewOf(copy);
-    thinUpright(rows);
+    MiddleBand band = middleBandOf(rows.height);
+    blank(rows, band);
+    if (WolfThreshold(copy, kWindow, kWindow, kLowBound, kHighBound, /*keepDepth=*/true) == 0)
+        return 0;
+    // Beside the band the threshold took its border for an edge.
+    band = {band.first - kWindow, band.end + kWindow};
+    blank(rows, band);
+    if (!keepTopAndBottom(copy))
+        return 0;
+    thinUpright(rows, band);
     clearIsolated(rows);
     EdgeTable top, bottom;
     for (int round = 0; round < 2; ++round) {
@@ -225,6 +241,8 @@ double tracePageEdges(const CDibImage& gray, DistortionModelBuilder& builder, in
         top = readEdge(rows, true);
         bottom = readEdge(rows, false);
         const bool trimmedTop = trimEdge(top), trimmedBottom = trimEdge(bottom);
+        if (std::min(top.length(), bottom.length()) < kShortestEdge * copy.GetWidth())
+            return 0;
         if (!trimmedTop && !trimmedBottom)
             break;
         eraseOutside(rows, top, true);
