@@ -28,10 +28,10 @@ CDibImage smallGray(const CDibImage& image) {
     return small;
 }
 
-void edgeImage(CDibImage& gray) {
+void edgeImage(CDibImage& gray, EdgeReach reach) {
     using imageproc::Brick;
     CDibImage upright = imageproc::erodeGray(gray, Brick(QT::QSize{1, 7}), 0);
-    CDibImage flat = imageproc::erodeGray(gray, Brick(QT::QSize{7, 1}), 0);
+    CDibImage flat = imageproc::erodeGray(gray, Brick(QT::QSize{reach, 1}), 0);
     AutoLevels(upright, kContrastLevels);
     AutoLevels(flat, kContrastLevels);
     for (int y = 0; y < gray.GetHeight(); ++y) {

@@ -9,6 +9,7 @@
 #include "core/Refusal.h"
 #include "page/BinaryPage.h"
 #include "page/BoxImage.h"
+#include "page/InkContrast.h"
 #include "page/Shadows.h"
 #include "reduce/CleanPage.h"
 
@@ -22,6 +23,7 @@ constexpr double kLostForHalf = 0.002;        // ink, for half the trust
 
 struct Ink {
     std::int64_t all = 0, outside = 0;
+    double contrast = 0;
 };
 
 /// Counts ink on the copy in which the content is searched.
@@ -45,6 +47,7 @@ Ink CountInk(const CDibImage& image, const ContentBoxRequest& request, const Pag
     const int right = static_cast<int>(std::ceil((box.right - rect.left) / copy.scaleX));
     const int bottom = static_cast<int>(std::ceil((box.bottom - rect.top) / copy.scaleY));
     Ink ink;
+    ink.contrast = inkContrast(image, rect, copy.page);
     const ConstPlaneView rows = TopDownViewOf(std::as_const(copy.page));
     for (int y = 0; y < rows.height; ++y) {
         const auto row = rows.Row(y);
@@ -109,7 +112,8 @@ int measureContentBox(const CDibImage& image, const ContentBoxRequest& request,
         if (!finding.found)
             return 1;
         finding.inkLost = double(ink.outside) / double(ink.all);
-        finding.sure = PeerAgreement(image, request) * Trust(finding.inkLost, kLostForHalf);
+        finding.sure = PeerAgreement(image, request) * Trust(finding.inkLost, kLostForHalf) *
+                       trustInContrast(ink.contrast);
         return 1;
     });
 }

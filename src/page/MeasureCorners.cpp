@@ -15,9 +15,11 @@ namespace {
 
 constexpr int kPoints = 48;         // that are looked at along a side
 constexpr double kEndShare = 0.06;  // of a side, next to its corners, where none is
-constexpr int kNear = 2, kFar = 5;  // pixels of the small copy from the side, either way
+constexpr int kNear = 4, kFar = 9;  // pixels of the small copy from the side, either way
 constexpr int kLeastStep = 12;      // levels
-constexpr double kWantedShare = 0.8;
+constexpr double kWantedShare = 0.9;
+/// Pictures and frames on a page are darker than what surrounds them; sheets seldom are.
+constexpr double kDarkSheet = 0.4;
 
 struct Place {
     double x = 0, y = 0;
@@ -37,12 +39,16 @@ int Beside(ConstPlaneView gray, Place at, Place normal, int sign) {
     return count == 0 ? -1 : sum / count;
 }
 
-/// Share of the side's points where both sides of it differ, the same way for most.
-double StepShare(ConstPlaneView gray, Place from, Place to) {
+/// Shares of a side's points at which the page is brighter than what lies outside, or darker.
+struct StepShares {
+    double brighter = 0, darker = 0;
+};
+
+StepShares SharesOf(ConstPlaneView gray, Place from, Place to) {
     const double across = to.x - from.x, down = to.y - from.y;
     const double length = std::sqrt(across * across + down * down);
     if (length < kPoints / 2.0)
-        return 0;
+        return {};
     const Place normal{-down / length, across / length};
     int brighter = 0, darker = 0;
     for (int i = 0; i < kPoints; ++i) {
@@ -53,18 +59,20 @@ double StepShare(ConstPlaneView gray, Place from, Place to) {
             continue;
         ++(inside > outside ? brighter : darker);
     }
-    return double(std::max(brighter, darker)) / kPoints;
+    return {double(brighter) / kPoints, double(darker) / kPoints};
 }
 
+/// A sheet is brighter, or darker, than its surroundings along all four sides.
 double SureOf(const CDibImage& gray, const TrueCorners& corners, double scale) {
-    double sure = 1;
+    StepShares all{1, 1};
     for (std::size_t i = 0; i < corners.size(); ++i) {
         const CornerPoint &a = corners[i], &b = corners[(i + 1) % corners.size()];
-        const double share =
-            StepShare(TopDownViewOf(gray), {a.x / scale, a.y / scale}, {b.x / scale, b.y / scale});
-        sure *= std::min(1.0, share / kWantedShare);
+        const StepShares side =
+            SharesOf(TopDownViewOf(gray), {a.x / scale, a.y / scale}, {b.x / scale, b.y / scale});
+        all.brighter *= std::min(1.0, side.brighter / kWantedShare);
+        all.darker *= std::min(1.0, side.darker / kWantedShare);
     }
-    return std::sqrt(sure);
+    return std::max(all.brighter, all.darker * kDarkSheet);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "core/Refusal.h"
+#include "page/InkContrast.h"
 #include "page/Margins.h"
 #include "page/SkewImage.h"
 #include "page/SkewScore.h"
@@ -111,7 +112,8 @@ int measureSkew(const CDibImage& image, const SkewRegion& region, int mode, Skew
         if (!prepareSkewImage(image, region, page))
             return 0;
         finding.skew = searchAngle(page, mode);
-        finding.sure = SureOf(page, finding);
+        const double contrast = inkContrast(image, partForSkew(image, region), page);
+        finding.sure = SureOf(page, finding) * trustInContrast(contrast);
         return 1;
     });
 }

@@ -83,7 +83,7 @@ int measureSplit(const CDibImage& image, SplitFinding& finding) {
         CDibImage edges = smallGray(image);
         if (!edges.IsValid())
             return 0;
-        edgeImage(edges);
+        edgeImage(edges, kGutterReach);
         CDibImage searched = edges;
         if (!searched.IsValid())
             return 0;

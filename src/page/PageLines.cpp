@@ -140,7 +140,7 @@ void FindCorners(const LineSearch& search, const CDibImage& small, const Upright
     CDibImage turned = Transposed(small);
     if (!turned.IsValid())
         throw std::bad_alloc();
-    edgeImage(turned);
+    edgeImage(turned, kSideReach);
     LineSearch across{search.height, search.width, search.strict, {}};
     const UprightLines flat = findVerticalLines(across, turned);
     const int width = search.width, height = search.height;
@@ -168,7 +168,7 @@ int findPageLines(const CDibImage& image, int mode, std::int32_t* out, std::int3
         CDibImage edges = small;
         if (!edges.IsValid())
             return 0;
-        edgeImage(edges);
+        edgeImage(edges, mode == kFourCorners ? kSideReach : kGutterReach);
         const LineSearch search{
             image.GetWidth(), image.GetHeight(), mode != kLeftRightMid, {leftLimit, rightLimit}};
         const UprightLines lines = findVerticalLines(search, edges);

@@ -16,12 +16,16 @@ namespace {
 
 constexpr int kMeasuredSide = 1600;
 
+bool IsNarrowed(const CDibImage& image, const SkewRegion& region) {
+    const bool hasAll =
+        region.left != 0 && region.top != 0 && region.right != 0 && region.bottom != 0;
+    return hasAll && (image.GetBpp() == 24 || image.IsGrayScale());
+}
+
 /// The part of the page that is looked at, as an image of its own; empty without memory.
 CDibImage MeasuredPart(const CDibImage& image, const SkewRegion& region) {
     CDibImage part = image;
-    const bool narrowed =
-        region.left != 0 && region.top != 0 && region.right != 0 && region.bottom != 0;
-    if (narrowed && (image.GetBpp() == 24 || image.IsGrayScale()))
+    if (IsNarrowed(image, region))
         part.CropPerMille(region.left, region.top, region.right, region.bottom);
     return part;
 }
@@ -58,6 +62,17 @@ void RemoveLongObjects(imageproc::BinaryImage& page) {
 }
 
 }  // namespace
+
+PageBox partForSkew(const CDibImage& image, const SkewRegion& region) {
+    const int width = image.GetWidth(), height = image.GetHeight();
+    PageBox part{0, 0, width, height};
+    if (!IsNarrowed(image, region))
+        return part;
+    PageBox cut;
+    marginsToPixels(width, height, region.left, region.top, region.right, region.bottom, cut.left,
+                    cut.top, cut.right, cut.bottom);
+    return {cut.left, cut.top, width - cut.right, height - cut.bottom};
+}
 
 bool prepareSkewImage(const CDibImage& image, const SkewRegion& region, CDibImage& page) {
     page = MeasuredPart(image, region);
