@@ -16,6 +16,7 @@
 #include "cli/NearestWord.h"
 #include "cli/StopSignal.h"
 #include "core/ProcessorCount.h"
+#include "dewarping/CurvePoints.h"
 #include "files/LoadPage.h"
 #include "params/ParaBlock.h"
 #include "pipeline/Findings.h"
@@ -75,6 +76,22 @@ Fields FieldsOf(const CornersFinding& finding) {
             Pair("rb", at[2].x, at[2].y), Pair("lb", at[3].x, at[3].y)};
 }
 
+Field Points(std::string_view key, const std::array<std::int32_t, dewarping::kCurvePoints>& curve) {
+    Json json = Json::Array();
+    std::string text;
+    for (const std::int32_t packed : curve) {
+        const QT::QPointF point = dewarping::unpackPoint(packed);
+        const int x = static_cast<int>(point.x), y = static_cast<int>(point.y);
+        json.Append(Json::Array().Append(x).Append(y));
+        text += fmt::format("{}{},{}", text.empty() ? "" : ";", x, y);
+    }
+    return {key, json, text};
+}
+Fields FieldsOf(const dewarping::CurveFinding& finding) {
+    return {Real("sure", finding.sure), Flag("found", finding.found), Points("top", finding.top),
+            Points("bottom", finding.bottom)};
+}
+
 /// The findings that were made, in their order.
 std::vector<std::pair<Finding, Fields>> FieldsOf(const PageFindings& page) {
     std::vector<std::pair<Finding, Fields>> all;
@@ -86,6 +103,8 @@ std::vector<std::pair<Finding, Fields>> FieldsOf(const PageFindings& page) {
         all.emplace_back(Finding::kSplit, FieldsOf(*page.split));
     if (page.corners)
         all.emplace_back(Finding::kCorners, FieldsOf(*page.corners));
+    if (page.curves)
+        all.emplace_back(Finding::kCurves, FieldsOf(*page.curves));
     if (page.darkLevel)
         all.emplace_back(Finding::kDark, Fields{Whole("level", *page.darkLevel)});
     return all;
@@ -109,6 +128,7 @@ std::optional<WantedFindings> Wanted(const ParsedWords& words) {
     const std::optional<std::string> only = words.Text(Option::kOnly);
     if (!only) {
         wanted.fill(true);
+        wanted[static_cast<std::size_t>(Finding::kCurves)] = false;  // takes long
         return wanted;
     }
     std::vector<std::string> names;

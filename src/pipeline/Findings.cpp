@@ -3,14 +3,15 @@
 #include <algorithm>
 
 #include "core/DibImage.h"
+#include "core/Refusal.h"
 #include "core/StepContext.h"
 #include "page/DarkLevel.h"
 
 namespace velloran {
 namespace {
 
-constexpr std::array<std::string_view, kFindingCount> kNames = {"skew", "box", "split", "corners",
-                                                                "dark"};
+constexpr std::array<std::string_view, kFindingCount> kNames = {"skew",    "box",    "split",
+                                                                "corners", "curves", "dark"};
 
 std::int32_t ValueOf(const ParaValues& values, ParaIndex index) {
     return values[static_cast<std::size_t>(index)];
@@ -48,6 +49,18 @@ ContentBoxRequest BoxRequestOf(const ParaValues& values, int width, int height) 
     return request;
 }
 
+int MeasureCurves(const CDibImage& image, const ParaValues& values,
+                  dewarping::CurveFinding& finding) {
+    return RefuseWhenOutOfMemory([&] {
+        // Whatever curves are set, the page is asked: the methods that look only where none are
+        // set trace like the others.
+        const int method = ValueOf(values, PARA_CRT_DEWARPING_TYPE) % dewarping::kOnlyWhenUnset;
+        finding = dewarping::measureCurves(std::max(method, 0), image,
+                                           ValueOf(values, PARA_CRT_DEWARPING_ILLUM));
+        return 1;
+    });
+}
+
 PageFindings MeasurePage(const CDibImage& image, const ParaValues& values,
                          const WantedFindings& wanted, CancelToken cancel) {
     const auto wants = [&](Finding finding) {
@@ -69,6 +82,8 @@ PageFindings MeasurePage(const CDibImage& image, const ParaValues& values,
         measureSplit(image, findings.split.emplace());
     if (wants(Finding::kCorners))
         measureCorners(image, 0, 0, findings.corners.emplace());
+    if (wants(Finding::kCurves))
+        MeasureCurves(image, values, findings.curves.emplace());
     if (wants(Finding::kDark))
         findings.darkLevel = findDarkLevel(image);
     findings.outOfMemory = context.IsOutOfMemory();

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/CancelToken.h"
+#include "dewarping/FindCurves.h"
 #include "page/MeasureBox.h"
 #include "page/MeasureCorners.h"
 #include "page/MeasureSkew.h"
@@ -18,9 +19,9 @@ namespace velloran {
 
 class CDibImage;
 
-enum class Finding { kSkew, kBox, kSplit, kCorners, kDark };
-inline constexpr std::size_t kFindingCount = 5;
-/// As scripts name them: skew, box, split, corners, dark.
+enum class Finding { kSkew, kBox, kSplit, kCorners, kCurves, kDark };
+inline constexpr std::size_t kFindingCount = 6;
+/// As scripts name them: skew, box, split, corners, curves, dark.
 std::string_view NameOf(Finding finding);
 std::optional<Finding> FindingOfName(std::string_view name);
 
@@ -34,15 +35,21 @@ struct PageFindings {
     std::optional<BoxFinding> box;
     std::optional<SplitFinding> split;
     std::optional<CornersFinding> corners;
+    std::optional<dewarping::CurveFinding> curves;
     std::optional<int> darkLevel;
     bool outOfMemory = false;  // some of it could not be measured
 };
 
-/// Measures the page as it is; each finding by itself, whatever the settings switch on. Margins and
-/// the options of the content box come from the settings, and the mode of deskew where that is 1 to
-/// 3, else 1. Ends early, with findings of no worth, when `cancel` says so.
+/// Measures the page as it is; each finding by itself, whatever the settings switch on. Margins,
+/// the options of the content box and of the search for curves come from the settings, and the mode
+/// of deskew where that is 1 to 3, else 1. Ends early, with findings of no worth, when `cancel`
+/// says so.
 PageFindings MeasurePage(const CDibImage& image, const ParaValues& values,
                          const WantedFindings& wanted, CancelToken cancel = {});
+
+/// Searches the curves of a page as the settings say. 0 without memory, finding unchanged.
+int MeasureCurves(const CDibImage& image, const ParaValues& values,
+                  dewarping::CurveFinding& finding);
 
 /// The part of a page in which its skew is measured.
 SkewRegion SkewRegionOf(const ParaValues& values);

@@ -136,6 +136,9 @@ int FindPageCurves(RunState& state) {
     std::int32_t *top = points.data(), *bottom = top + dewarping::kCurvePoints;
     if (dewarping::classifyCurves(top, bottom, dewarping::kCurvePoints) >= dewarping::kFlatCurves)
         return 1;
+    if (dewarping::CurveFinding finding;
+        state.wantsSure && MeasureCurves(*state.image, state.values, finding) != 0)
+        state.NoteSure(Finding::kCurves, finding.sure);
     bool isOutOfMemory = false;
     {
         const StepContext search(CurrentCancel());

@@ -40,7 +40,7 @@ inline constexpr Label kCommandInfo{u"显示图像的大小、色深和分辨率
                                     u"Tell size, depth and resolution of files"};
 inline constexpr Label kCommandDetect{u"判断文件类型", u"Tell the type of files"};
 inline constexpr Label kCommandMeasure{
-    u"测量倾斜、内容框、中缝、四角，并给出把握",
+    u"测量倾斜、内容框、中缝、四角、弯曲，并给出把握",
     u"Tell what the automatic steps find on pages, and how sure they are"};
 inline constexpr Label kDetailsEnhance{
     u"读取INPUT（类型由内容决定），处理后存为OUTPUT（类型由扩展名决定）。",
@@ -69,10 +69,11 @@ inline constexpr Label kDetailsDetect{u"每行一个文件：类型号和路径�
 inline constexpr Label kDetailsMeasure{
     u"每个结果一行：路径、项目、把握（0到1）、数值。不修改任何文件。项目：skew（倾斜）、box（内容框"
     u"）、"
-    u"split（中缝）、corners（四角）、dark（暗部亮度）。",
+    u"split（中缝）、corners（四角）、curves（弯曲，较慢，须用--only指明）、dark（暗部亮度）。",
     u"A line a finding: path, finding, how sure (0 to 1), values. Nothing is changed. The "
     u"findings: "
-    u"skew, box (of the content), split (gutter), corners, dark (level)."};
+    u"skew, box (of the content), split (gutter), corners, curves (slow: only by --only), dark "
+    u"(level)."};
 inline constexpr Label kCommandSettings{u"管理命名设置", u"Keep named settings"};
 inline constexpr Label kCommandCompare{u"比较两幅图像或两个文件夹",
                                        u"Compare two pictures, or those of two folders"};
@@ -208,8 +209,8 @@ inline constexpr Label kOptionReview{
     u"Write what automatic steps found and how sure they are, a line each, least sure first; the "
     u"file must be new, empty or an old list"};
 inline constexpr Label kOptionOnly{
-    u"只测这些项目，用逗号分隔：skew、box、split、corners、dark",
-    u"Only these findings, by comma: skew, box, split, corners, dark"};
+    u"只测这些项目，用逗号分隔：skew、box、split、corners、curves、dark",
+    u"Only these findings, by comma: skew, box, split, corners, curves, dark"};
 inline constexpr Label kOptionCropSummary{u"只输出切边的摘要",
                                           u"Only the short summary of the crop"};
 inline constexpr Label kOptionByName{u"只看扩展名", u"Look at the extension alone"};

@@ -77,6 +77,17 @@ TEST_F(Measure, ALineAFindingAndOnlyThoseThatAreAskedFor) {
     EXPECT_EQ(lines[2], lines[0]);
 }
 
+TEST_F(Measure, CurvesAreMeasuredWhenAskedFor) {
+    WriteText(folder_ / "text.png");
+    const Outcome outcome = RunMeasure({"--only", "curves", "--json", "text.png"});
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    const Json curves = Json::parse(outcome.out)[0]["curves"];
+    EXPECT_EQ(KeysOf(curves), (std::vector<std::string>{"sure", "found", "top", "bottom"}));
+    ASSERT_EQ(curves["top"].size(), 8U);
+    EXPECT_EQ(curves["bottom"][7].size(), 2U);
+    EXPECT_FALSE(curves["found"].get<bool>());  // its lines are straight
+}
+
 TEST_F(Measure, MarginsNarrowTheSearch) {
     WriteText(folder_ / "text.png");
     const Outcome outcome =
