@@ -1,6 +1,7 @@
 #include "dewarping/ResampleFlat.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <new>
 #include <vector>
@@ -10,21 +11,15 @@
 #include "core/StepContext.h"
 #include "core/Threads.h"
 #include "dewarping/CylindricalSurfaceDewarper.h"
-#include "imaging/CubicSample.h"
+#include "imaging/CubicWeights.h"
+#include "imaging/PlacedPixels.h"
 
 namespace velloran::dewarping {
 namespace {
 
 constexpr std::int64_t kMaxPixels = std::int64_t{1} << 30;
 
-/// Where the pixels of a row come from, in 1/kCubicSteps of a pixel. Where that is outside the
-/// picture, x is kOutside.
-struct Places {
-    std::vector<std::int32_t> x, y;
-};
-constexpr std::int32_t kOutside = -1 << 30;
-
-/// The columns of the grid, an array for each coefficient, so that loops over them become vectors.
+/// The columns of the grid.
 class Columns {
  public:
     Columns(const CylindricalSurfaceDewarper& surface, int count, const QT::QRect& rect)
@@ -46,29 +41,16 @@ class Columns {
         }
     }
 
-    int size() const { return static_cast<int>(x0_.size()); }
-
-    /// At the share v of the height, in a picture of that size. Limits come first, so that what
-    /// goes to integers fits them; what is no number is outside.
-    void placesAt(double v, int width, int height, Places& places) const {
-        const double right = width - 0.5, below = height - 0.5;
-        for (std::size_t i = 0; i < x0_.size(); ++i) {
-            const double inverse = 1.0 / (w0_[i] + w1_[i] * v);
-            const double x = (x0_[i] + x1_[i] * v) * inverse;
-            const double y = (y0_[i] + y1_[i] * v) * inverse;
-            const bool isInside = (x >= -0.5) & (y >= -0.5) & (x < right) & (y < below);
-            // A pixel is added so that the conversion, which goes toward zero, rounds.
-            const double safeX = isInside ? x + 1 : 0.0, safeY = isInside ? y + 1 : 0.0;
-            places.x[i] = isInside
-                              ? static_cast<std::int32_t>(safeX * kCubicSteps + 0.5) - kCubicSteps
-                              : kOutside;
-            places.y[i] = static_cast<std::int32_t>(safeY * kCubicSteps + 0.5) - kCubicSteps;
-        }
+    ColumnTerms terms() const {
+        return {x0_.data(), x1_.data(), y0_.data(), y1_.data(), w0_.data(), w1_.data()};
     }
 
  private:
     std::vector<double> x0_, x1_, y0_, y1_, w0_, w1_;
 };
+
+/// A colour as the bytes of a pixel.
+using PixelBytes = std::array<std::uint8_t, 3>;
 
 template <int kChannels>
 void nearestPixel(ConstPlaneView source, std::int32_t x, std::int32_t y, std::uint8_t* out) {
@@ -98,63 +80,58 @@ void linearPixel(ConstPlaneView source, std::int32_t x, std::int32_t y, std::uin
     }
 }
 
-template <int kChannels>
-void cubicPixel(ConstPlaneView source, std::int32_t x, std::int32_t y, std::uint8_t* out) {
-    CubicSample<kChannels>(source, x, y, out);
-}
-
 using PixelKernel = void (*)(ConstPlaneView, std::int32_t, std::int32_t, std::uint8_t*);
+using RowKernel = void (*)(ConstPlaneView, PixelPlaces, int, std::uint8_t*);
 
 /// A template, so that the pixel's own code stands in the loop.
 template <int kChannels, PixelKernel kPixel>
-void resampleRows(ConstPlaneView source, const Columns& columns, double firstV, double stepV,
-                  PlaneView target) {
+void sampleRow(ConstPlaneView source, PixelPlaces places, int count, std::uint8_t* out) {
+    for (int x = 0; x < count; ++x, out += kChannels)
+        if (places.x[x] != kOutsideSource)
+            kPixel(source, places.x[x], places.y[x], out);
+}
+
+RowKernel kernelOf(int mode, int channels) {
+    if (mode == kNearestPixel)
+        return channels == 3 ? sampleRow<3, nearestPixel<3>> : sampleRow<1, nearestPixel<1>>;
+    if (mode == kLinear)
+        return channels == 3 ? sampleRow<3, linearPixel<3>> : sampleRow<1, linearPixel<1>>;
+    return CubicPixels;
+}
+
+void fillOutside(PixelPlaces places, int count, int channels, const PixelBytes& color,
+                 std::uint8_t* out) {
+    for (int x = 0; x < count; ++x, out += channels)
+        if (places.x[x] == kOutsideSource)
+            std::copy_n(color.begin(), channels, out);
+}
+
+void resampleRows(RowKernel kernel, ConstPlaneView source, const Columns& columns, double firstV,
+                  double stepV, const PixelBytes& background, PlaneView target) {
     const CancelToken cancel = CurrentCancel();
-    const auto width = static_cast<std::size_t>(target.width);
-    std::vector<Places> scratch(static_cast<std::size_t>(MaxThreads()));
-    for (Places& places : scratch) {
-        places.x.resize(width);
-        places.y.resize(width);
-    }
+    const std::size_t width = static_cast<std::size_t>(target.width);
+    std::vector<std::int32_t> scratch(2 * width * static_cast<std::size_t>(MaxThreads()));
+    const ColumnTerms terms = columns.terms();
 #pragma omp parallel for schedule(static) if (IsWorthThreads(target))
     for (int y = 0; y < target.height; ++y) {
         if (cancel.IsCancelled())
             continue;
-        Places& places = scratch[static_cast<std::size_t>(ThreadNumber())];
-        columns.placesAt(firstV + y * stepV, source.width, source.height, places);
+        std::int32_t* x = scratch.data() + 2 * width * static_cast<std::size_t>(ThreadNumber());
+        const PixelPlaces places{x, x + width};
+        PlaceRow(terms, target.width, firstV + y * stepV, source.width, source.height, places);
         std::uint8_t* out = target.Row(y).data();
-        for (std::size_t x = 0; x < width; ++x, out += kChannels)
-            if (places.x[x] != kOutside)
-                kPixel(source, places.x[x], places.y[x], out);
+        fillOutside(places, target.width, target.channels, background, out);
+        kernel(source, places, target.width, out);
     }
 }
 
-template <int kChannels>
-void resampleView(int mode, ConstPlaneView source, const Columns& columns, double firstV,
-                  double stepV, PlaneView target) {
-    const auto rows = mode == kNearestPixel
-                          ? resampleRows<kChannels, nearestPixel<kChannels>>
-                          : (mode == kLinear ? resampleRows<kChannels, linearPixel<kChannels>>
-                                             : resampleRows<kChannels, cubicPixel<kChannels>>);
-    rows(source, columns, firstV, stepV, target);
-}
-
-void fill(CDibImage& image, std::uint32_t color) {
+PixelBytes bytesOf(std::uint32_t color, int channels) {
     const auto red = static_cast<std::uint8_t>(color),
                green = static_cast<std::uint8_t>(color >> 8),
                blue = static_cast<std::uint8_t>(color >> 16);
-    if (image.GetBpp() == 8) {
-        image.Clear(static_cast<std::uint8_t>((red + green + blue + 1) / 3));
-        return;
-    }
-    for (int y = 0; y < image.GetHeight(); ++y) {
-        std::uint8_t* pixel = image.GetBits(y);
-        for (int x = 0; x < image.GetWidth(); ++x, pixel += 3) {
-            pixel[0] = blue;
-            pixel[1] = green;
-            pixel[2] = red;
-        }
-    }
+    if (channels == 3)
+        return {blue, green, red};
+    return {static_cast<std::uint8_t>((red + green + blue + 1) / 3)};
 }
 
 }  // namespace
@@ -172,21 +149,19 @@ int resample(int mode, CDibImage& image, QT::QSize outSize,
         (image.GetAlpha() != nullptr && !flat.CreateAlpha()))
         throw std::bad_alloc();
     flat.SetGrayPalette();
-    fill(flat, background);
     const Columns columns(surface, outSize.width, rect);
     const double stepV = static_cast<double>(rect.Height()) / outSize.height / surface.flatHeight();
     const double firstV = rect.top / surface.flatHeight();
     const ConstPlaneView source = TopDownViewOf(static_cast<const CDibImage&>(image));
     const PlaneView target = TopDownViewOf(flat);
-    if (source.channels == 3)
-        resampleView<3>(mode, source, columns, firstV, stepV, target);
-    else
-        resampleView<1>(mode, source, columns, firstV, stepV, target);
+    resampleRows(kernelOf(mode, source.channels), source, columns, firstV, stepV,
+                 bytesOf(background, source.channels), target);
     if (image.GetAlpha() != nullptr) {
         const ConstPlaneView alpha{image.GetAlpha(), source.width, source.height, 1, source.width};
         const PlaneView flatAlpha{flat.GetAlpha(), outSize.width, outSize.height, 1, outSize.width};
-        resampleView<1>(kNearestPixel, alpha.UpsideDown(), columns, firstV, stepV,
-                        flatAlpha.UpsideDown());
+        constexpr PixelBytes kOpaque{255};
+        resampleRows(kernelOf(kNearestPixel, 1), alpha.UpsideDown(), columns, firstV, stepV,
+                     kOpaque, flatAlpha.UpsideDown());
     }
     return image.TakePixels(flat) ? 1 : 0;
 }
