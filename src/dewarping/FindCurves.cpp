@@ -18,6 +18,7 @@
 #include "dewarping/Dewarp.h"
 #include "dewarping/PageEdges.h"
 #include "dewarping/TextLines.h"
+#include "imaging/Planes.h"
 
 namespace velloran::dewarping {
 namespace {
@@ -131,6 +132,23 @@ QLineF boundOf(std::int32_t top, std::int32_t bottom, int height) {
     return {at(0), at(height - 1.0)};
 }
 
+/// An 8-bit copy; of colour it is made without a copy of the colours.
+CDibImage grayOf(const CDibImage& image) {
+    constexpr GrayWeights kLuminance{0.114F, 0.587F, 0.299F};
+    CDibImage gray;
+    if (image.GetBpp() == 24) {
+        if (gray.Create(image.GetWidth(), image.GetHeight(), 8) == nullptr)
+            throw std::bad_alloc();
+        gray.SetGrayPalette();
+        WeightedGray(ViewOf(image), kLuminance, ViewOf(gray));
+        return gray;
+    }
+    gray = image;
+    if (!gray.IsValid() || ConvertToGray(gray) == 0)
+        throw std::bad_alloc();
+    return gray;
+}
+
 /// One search: what it found stands in the points and in the finding.
 class Search {
  public:
@@ -139,10 +157,7 @@ class Search {
           sigma_(sigmaOf(illum)),
           width_(image.GetWidth()),
           height_(image.GetHeight()),
-          gray_(image) {
-        if (!gray_.IsValid() || ConvertToGray(gray_) == 0)
-            throw std::bad_alloc();
-    }
+          gray_(grayOf(image)) {}
 
     /// Whether it came to a result, a flat page among them.
     bool run(int method, CurveFinding& finding) {

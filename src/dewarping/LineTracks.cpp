@@ -9,6 +9,7 @@
 #include "core/ExactMath.h"
 #include "core/Rounding.h"
 #include "core/StepContext.h"
+#include "core/Threads.h"
 
 namespace velloran::dewarping {
 namespace {
@@ -56,27 +57,28 @@ class BodyProfile {
 
     /// Sums over 2 * reach + 1 pixels, then weights 1 2 1 over neighbouring nodes.
     void gatherRows(const InkPage& page, int reach) {
-        std::vector<std::uint32_t> running(static_cast<std::size_t>(area_.Width()) + 1);
-        std::vector<float> sums(static_cast<std::size_t>(columns_));
+        const std::size_t room = static_cast<std::size_t>(area_.Width()) + 1;
+        std::vector<std::uint32_t> scratch(room * static_cast<std::size_t>(MaxThreads()));
+        const CancelToken cancel = CurrentCancel();
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{area_.Width()} * area_.Height()))
         for (int y = 0; y < area_.Height(); ++y) {
+            if (cancel.IsCancelled())
+                continue;
+            std::uint32_t* running =
+                scratch.data() + room * static_cast<std::size_t>(ThreadNumber());
             const std::uint8_t* ink = page.row(area_.top + y) + area_.left;
-            for (std::size_t x = 0; x + 1 < running.size(); ++x)
+            running[0] = 0;
+            for (std::size_t x = 0; x + 1 < room; ++x)
                 running[x + 1] = running[x] + ink[x];
-            for (int k = 0; k < columns_; ++k) {
-                const int middle = k * step_ + step_ / 2;
-                const int first = std::max(0, middle - reach);
-                const int end = std::min(area_.Width(), middle + reach + 1);
-                sums[static_cast<std::size_t>(k)] =
-                    static_cast<float>(running[static_cast<std::size_t>(end)] -
-                                       running[static_cast<std::size_t>(first)]);
-            }
+            const auto sumAt = [&](int k) {
+                const int middle = std::clamp(k, 0, columns_ - 1) * step_ + step_ / 2;
+                return static_cast<float>(running[std::min(area_.Width(), middle + reach + 1)] -
+                                          running[std::max(0, middle - reach)]);
+            };
             float* out = row(y);
-            for (int k = 0; k < columns_; ++k) {
-                const auto i = static_cast<std::size_t>(k);
-                const float before = sums[k == 0 ? 0 : i - 1];
-                const float behind = sums[k + 1 == columns_ ? i : i + 1];
-                out[k] = before + 2 * sums[i] + behind;
-            }
+            for (int k = 0; k < columns_; ++k)
+                out[k] = sumAt(k - 1) + 2 * sumAt(k) + sumAt(k + 1);
         }
     }
 
@@ -87,7 +89,11 @@ class BodyProfile {
             taps.push_back(static_cast<float>(Exp(-i * i / (2 * sigma * sigma))));
         std::vector<float> smooth(sums_.size());
         const CancelToken cancel = CurrentCancel();
-        for (int y = 0; y < area_.Height() && !cancel.IsCancelled(); ++y) {
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{columns_} * area_.Height() * reach))
+        for (int y = 0; y < area_.Height(); ++y) {
+            if (cancel.IsCancelled())
+                continue;
             float* out = smooth.data() + static_cast<std::ptrdiff_t>(y) * columns_;
             for (int i = -reach; i <= reach; ++i) {
                 if (y + i < 0 || y + i >= area_.Height())

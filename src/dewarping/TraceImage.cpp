@@ -7,7 +7,7 @@
 #include <new>
 
 #include "core/Rounding.h"
-#include "core/StepContext.h"
+#include "core/Threads.h"
 #include "imaging/BoxMean.h"
 #include "imaging/MinMax.h"
 #include "imaging/Resize.h"
@@ -30,11 +30,14 @@ CDibImage lightestOfCells(ConstPlaneView page) {
         throw std::bad_alloc();
     cells.Clear(0);
     const PlaneView out = TopDownViewOf(cells);
-    for (int y = 0; y < page.height; ++y) {
-        const auto row = page.Row(y);
-        std::uint8_t* to = out.Row(y / kCell).data();
-        for (int x = 0; x < page.width; ++x)
-            to[x / kCell] = std::max(to[x / kCell], row[static_cast<std::size_t>(x)]);
+#pragma omp parallel for schedule(static) if (IsWorthThreads(page))
+    for (int cell = 0; cell < height; ++cell) {
+        std::uint8_t* to = out.Row(cell).data();
+        for (int y = cell * kCell; y < std::min(page.height, (cell + 1) * kCell); ++y) {
+            const std::uint8_t* row = page.Row(y).data();
+            for (int x = 0; x < page.width; ++x)
+                to[x / kCell] = std::max(to[x / kCell], row[x]);
+        }
     }
     return cells;
 }
@@ -65,6 +68,7 @@ void subtractFromPaper(ConstPlaneView page, double sigma, InkPage& out) {
     FloatPlane paper(page.width, page.height);
     ResizeLinear(cells.View(), paper.View());
     const float least = static_cast<float>(sigma / 255);
+#pragma omp parallel for schedule(static) if (IsWorthThreads(page))
     for (int y = 0; y < page.height; ++y) {
         const auto level = page.Row(y);
         const auto around = paper.View().Row(y);
@@ -106,8 +110,11 @@ void keepStrongInk(double sigma, InkPage& page) {
     for (int level = 0; level < 256; ++level)
         table[static_cast<std::size_t>(level)] =
             level < faint ? std::uint8_t{0} : ClampToByte(level * 255 / usual);
-    for (std::uint8_t& ink : page.ink)
-        ink = table[ink];
+#pragma omp parallel for schedule( \
+    static) if (IsWorthThreads(std::int64_t{page.width} * page.height))
+    for (int y = 0; y < page.height; ++y)
+        for (int x = 0; x < page.width; ++x)
+            page.row(y)[x] = table[page.row(y)[x]];
 }
 
 int heightOf(const Component& c) {
