@@ -28,7 +28,7 @@ constexpr double kTolerance = 0.15;
 struct Options {
     int count = 40, dpi = 150, method = 0, illum = 1, only = -1, strength = -1;
     std::uint64_t seed = 1;
-    bool verbose = false;
+    bool verbose = false, kinds = false;
     std::filesystem::path pictures;
     std::vector<std::string> files;
 };
@@ -48,6 +48,18 @@ struct Tally {
         return values.empty() ? 0 : 100.0 * double(within) / double(values.size());
     }
 };
+
+SampleRequest KindAt(int index, const Options& options) {
+    SampleRequest request;
+    request.kind = static_cast<PageKind>(index % kPageKindCount);
+    request.dpi = options.dpi;
+    request.width = 2480 * options.dpi / 300;
+    request.height = 3508 * options.dpi / 300;
+    if (IsTwoPages(request.kind))
+        std::swap(request.width, request.height);
+    request.seed = options.seed + static_cast<std::uint64_t>(index);
+    return request;
+}
 
 void WritePicture(const std::filesystem::path& path, CDibImage image) {
     constexpr int kQuality = 90, kTrueColor = 0;
@@ -107,6 +119,7 @@ int main(int argc, char** argv) {
     app.add_option("--seed", options.seed, "Another seed gives other pages")->capture_default_str();
     app.add_option("--only", options.only, "One page of the corpus");
     app.add_option("--strength", options.strength, "Pages of one strength alone, 0 to 3");
+    app.add_flag("--kinds", options.kinds, "The kinds of sample pages instead of the corpus");
     app.add_option("--pictures", options.pictures, "Folder for the pages before and after");
     app.add_flag("-v,--verbose", options.verbose, "A line a page");
     app.add_option("FILES", options.files, "Pictures to try instead of the corpus");
@@ -119,10 +132,13 @@ int main(int argc, char** argv) {
     for (int i = 0; i < options.count; ++i) {
         if (options.only >= 0 && i != options.only)
             continue;
-        const CurvedRequest request = CurvedRequestAt(i, options.dpi, options.seed);
+        CurvedRequest request = CurvedRequestAt(i, options.dpi, options.seed);
         if (options.strength >= 0 && options.strength != static_cast<int>(request.strength))
             continue;
-        const SamplePage page = MakeCurvedPage(request);
+        if (options.kinds)
+            request.strength = CurlStrength::kFlat;
+        const SamplePage page =
+            options.kinds ? MakeSamplePage(KindAt(i, options)) : MakeCurvedPage(request);
         const auto finding = dewarping::measureCurves(options.method, page.image, options.illum);
         const std::vector<double> before = BentLines(page.truth);
         std::vector<double> after = before;
