@@ -10,7 +10,7 @@ _velloran() {
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-            enhance | batch | describe | params | info | detect | measure | compare | rename | stats | set-dpi | settings)
+            enhance | batch | describe | params | info | detect | measure | book | compare | rename | stats | set-dpi | settings)
                 command=$word
                 break
                 ;;
@@ -82,6 +82,45 @@ _velloran() {
         --only)
             return
             ;;
+        -p | --project)
+            return
+            ;;
+        --rows)
+            return
+            ;;
+        --from)
+            return
+            ;;
+        --what)
+            COMPREPLY=($(compgen -W "all tab before after" -- "$current"))
+            return
+            ;;
+        --tab)
+            return
+            ;;
+        --to)
+            COMPREPLY=($(compgen -W "all rest every-second" -- "$current"))
+            return
+            ;;
+        --geometry)
+            COMPREPLY=($(compgen -W "auto copy keep" -- "$current"))
+            return
+            ;;
+        --kind)
+            return
+            ;;
+        --before)
+            return
+            ;;
+        --target)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --side)
+            COMPREPLY=($(compgen -W "left right" -- "$current"))
+            return
+            ;;
         --difference)
             compopt -o filenames
             COMPREPLY=($(compgen -f -- "$current"))
@@ -143,7 +182,7 @@ _velloran() {
     esac
 
     if [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "enhance batch describe params info detect measure compare rename stats set-dpi settings -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
+        COMPREPLY=($(compgen -W "enhance batch describe params info detect measure book compare rename stats set-dpi settings -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
         return
     fi
     if [[ $current != -* ]]; then
@@ -160,6 +199,7 @@ _velloran() {
         info) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         detect) options="--by-name -h --help --lang -q --quiet -v --verbose" ;;
         measure) options="--only --json -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        book) options="-p --project --rows --reset --from --what --tab --to --geometry --kind --before --target --side -y --yes -j --jobs --log --json -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         compare) options="--difference --all --nonzero --levels --frequency --folders --export --exit-code -j --jobs --json -h --help --lang -q --quiet -v --verbose" ;;
         rename) options="--type --sort --descending --select --prefix --suffix --digits --start --step --no-number --no-extension --move --overwrite --undo -y --yes --dry-run --log -h --help --lang -q --quiet -v --verbose" ;;
         stats) options="--types --no-recurse --json -h --help --lang -q --quiet -v --verbose" ;;

@@ -10,6 +10,10 @@ namespace {
 
 using namespace labels;
 
+std::vector<std::string> BookVerbNames() {
+    return {"open", "show", "set", "apply", "split", "add", "remove", "move", "convert", "preview"};
+}
+
 std::vector<std::string> SettingsVerbs() {
     return {"list", "show", "save", "delete"};
 }
@@ -72,6 +76,18 @@ constexpr Option kCompareOptions[] = {
     Option::kDifference, Option::kAll,    Option::kNonZero,  Option::kLevels, Option::kFrequency,
     Option::kFolders,    Option::kExport, Option::kExitCode, Option::kJobs,   Option::kJson};
 
+constexpr Operand kBookOperands[] = {
+    {"VERB", /*isMany=*/false, Completes::kWords, kOperandBookVerb, /*isOptional=*/false,
+     BookVerbNames},
+    {"SOURCE", /*isMany=*/false, Completes::kFolders, kOperandSource},
+    {"WORD", /*isMany=*/true, Completes::kFiles, kOperandBookWords, /*isOptional=*/true}};
+constexpr Option kBookOptions[] = {
+    Option::kProjectValue, Option::kRows, Option::kReset,    Option::kFrom,  Option::kWhat,
+    Option::kTab,          Option::kTo,   Option::kGeometry, Option::kKind,  Option::kBefore,
+    Option::kTarget,       Option::kSide, Option::kYesAll,   Option::kJobs,  Option::kLog,
+    Option::kJson,         Option::kSet,  Option::kSetting,  Option::kStore, Option::kNamed,
+    Option::kWithoutPage};
+
 constexpr Command kCommands[] = {
     {"enhance", kCommandEnhance, kDetailsEnhance, kEnhanceOperands, kEnhanceOptions, RunEnhance},
     {"batch", kCommandBatch, kDetailsBatch, kBatchOperands, kBatchOptions, RunBatchCommand},
@@ -80,6 +96,7 @@ constexpr Command kCommands[] = {
     {"info", kCommandInfo, kDetailsInfo, kFileOperands, kInfoOptions, RunInfo},
     {"detect", kCommandDetect, kDetailsDetect, kFileOperands, kDetectOptions, RunDetect},
     {"measure", kCommandMeasure, kDetailsMeasure, kFileOperands, kMeasureOptions, RunMeasure},
+    {"book", kCommandBook, kDetailsBook, kBookOperands, kBookOptions, RunBook},
     {"compare", kCommandCompare, kDetailsCompare, kCompareOperands, kCompareOptions, RunCompare},
     {"rename", kCommandRename, kDetailsRename, kRenameOperands, kRenameOptions, RunRenameCommand},
     {"stats", kCommandStats, kDetailsStats, kFolderOperand, kStatsOptions, RunStats},

@@ -42,6 +42,22 @@ std::vector<std::string> SourceFilterPositions() {
     return words;
 }
 
+std::vector<std::string> WhatWords() {
+    return {"all", "tab", "before", "after"};
+}
+
+std::vector<std::string> ToWords() {
+    return {"all", "rest", "every-second"};
+}
+
+std::vector<std::string> GeometryWords() {
+    return {"auto", "copy", "keep"};
+}
+
+std::vector<std::string> SideWords() {
+    return {"left", "right"};
+}
+
 std::vector<std::string> SortWords() {
     return {"name", "created", "modified"};
 }
@@ -114,6 +130,18 @@ static const std::array rows = {
     OptionRow{Option::kFolders, "--folders", "", 0, kNothing, "", kOptionFolders, kOwn},
     OptionRow{Option::kExport, "--export", "", 0, kText, "FILE", kOptionExport, kOwn, Completes::kFiles, nullptr, 0, 0, Option::kFolders},
     OptionRow{Option::kExitCode, "--exit-code", "", 0, kNothing, "", kOptionExitCode, kOwn},
+    OptionRow{Option::kProjectValue, "--project", "", 'p', kTexts, "KEY=VALUE", kOptionProjectValue, kOwn},
+    OptionRow{Option::kRows, "--rows", "", 0, kText, "LIST", kOptionRows, kOwn},
+    OptionRow{Option::kReset, "--reset", "", 0, kNothing, "", kOptionReset, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kRows},
+    OptionRow{Option::kFrom, "--from", "", 0, kText, "ROW", kOptionFrom, kOwn},
+    OptionRow{Option::kWhat, "--what", "", 0, kWord, "WHAT", kOptionWhat, kOwn, Completes::kWords, WhatWords},
+    OptionRow{Option::kTab, "--tab", "", 0, kNumber, "N", kOptionTab, kOwn, Completes::kNothing, nullptr, 1, 5},
+    OptionRow{Option::kTo, "--to", "", 0, kWord, "ROWS", kOptionTo, kOwn, Completes::kWords, ToWords},
+    OptionRow{Option::kGeometry, "--geometry", "", 0, kWord, "RULE", kOptionGeometry, kOwn, Completes::kWords, GeometryWords},
+    OptionRow{Option::kKind, "--kind", "", 0, kNumber, "N", kOptionKind, kOwn, Completes::kNothing, nullptr, 2, 3},
+    OptionRow{Option::kBefore, "--before", "", 0, kText, "ROW", kOptionBefore, kOwn},
+    OptionRow{Option::kTarget, "--target", "", 0, kText, "DIR", kOptionTarget, kOwn, Completes::kFolders},
+    OptionRow{Option::kSide, "--side", "", 0, kWord, "SIDE", kOptionSide, kOwn, Completes::kWords, SideWords},
 };
     // clang-format on
     static_assert(rows.size() == static_cast<std::size_t>(Option::kNone));

@@ -75,6 +75,18 @@ enum class Option {
     kFolders,
     kExport,
     kExitCode,
+    kProjectValue,
+    kRows,
+    kReset,
+    kFrom,
+    kWhat,
+    kTab,
+    kTo,
+    kGeometry,
+    kKind,
+    kBefore,
+    kTarget,
+    kSide,
     kNone,  // no option
 };
 

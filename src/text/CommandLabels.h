@@ -75,6 +75,18 @@ inline constexpr Label kDetailsMeasure{
     u"skew, box (of the content), split (gutter), corners, curves (slow: only by --only), dark "
     u"(level)."};
 inline constexpr Label kCommandSettings{u"管理命名设置", u"Keep named settings"};
+inline constexpr Label kCommandBook{u"处理扫描书籍的项目", u"Work on a book project"};
+inline constexpr Label kDetailsBook{
+    u"SOURCE中的书籍项目，每页有自己的参数。VERB为: "
+    u"open（读取或新建）、show（每行一页）、set（项目的值和"
+    u"各页的参数）、apply（批量应用）、split（拆成两页）、add FILE...、remove、move ROW（列表）、"
+    u"convert（转换）、preview ROW "
+    u"OUT（一个页签的预览）。每次改动立即整个存盘，之前的项目文件以~结尾保留。",
+    u"The book project in SOURCE, in which each page has parameters of its own. VERB is open (read "
+    u"or begin it), show (a line a row), set (values of the project and of rows), apply (to other "
+    u"rows), split (into two halves), add FILE..., remove, move ROW (the list), convert (the run), "
+    u"preview ROW OUT (the picture of a tab). A change is written at once; the project file of "
+    u"before stays with ~ behind its name."};
 inline constexpr Label kCommandCompare{u"比较两幅图像或两个文件夹",
                                        u"Compare two pictures, or those of two folders"};
 inline constexpr Label kDetailsCompare{
@@ -116,6 +128,12 @@ inline constexpr Label kOperandSettingsVerb{u"list、show、save或delete",
                                             u"list, show, save or delete"};
 inline constexpr Label kOperandSettingName{u"设置的名称", u"Name of the setting"};
 inline constexpr Label kOperandFolder{u"存放图像的文件夹", u"The folder of the pictures"};
+inline constexpr Label kOperandBookVerb{
+    u"open、show、set、apply、split、add、remove、move、convert或preview",
+    u"open, show, set, apply, split, add, remove, move, convert or preview"};
+inline constexpr Label kOperandBookWords{u"add的文件；move和preview的行号，preview的结果",
+                                         u"Files of add; the row of move and preview, the result "
+                                         u"of preview"};
 inline constexpr Label kOperandCompare1{u"第一幅图像，或文件夹", u"The one picture, or folder"};
 inline constexpr Label kOperandCompare2{u"第二幅图像，或文件夹", u"The other one"};
 inline constexpr Label kOperandRenameFolder{u"存放文件的文件夹", u"The folder of the files"};
@@ -226,6 +244,31 @@ inline constexpr Label kOptionYesAll{
     u"Answer every question with yes; without it they are asked "
     u"on a terminal, and are a usage error elsewhere"};
 
+inline constexpr Label kOptionProjectValue{
+    u"设置项目的一个值，如m_strPrefix=p；空值清除；可多次使用",
+    u"Set a value of the project by its key, as m_strPrefix=p; an empty one clears it; may be "
+    u"repeated"};
+inline constexpr Label kOptionRows{u"行，如1,3-5,8-或all", u"Rows, as 1,3-5,8- or all"};
+inline constexpr Label kOptionReset{u"先恢复默认值", u"Back to the defaults first"};
+inline constexpr Label kOptionFrom{u"取哪一行的参数", u"The row whose values are applied"};
+inline constexpr Label kOptionWhat{
+    u"all所有参数，tab当前页签，before该页签及之前的，after该页签及之后的",
+    u"all values, those of the tab, of the tab and those before, or after it"};
+inline constexpr Label kOptionTab{u"页签: 1纸张，2页面，3版面，4图像，5输出",
+                                  u"The tab: 1 paper, 2 page, 3 layout, 4 image, 5 output"};
+inline constexpr Label kOptionTo{u"all所有行，rest之后的行，every-second之后每隔一行",
+                                 u"all rows, the rest behind, or every-second behind"};
+inline constexpr Label kOptionGeometry{
+    u"分页和页面矫正的参数: auto自动（默认），copy复制，keep保留原值",
+    u"Split and page correction: auto (default), copy, or keep those of the rows"};
+inline constexpr Label kOptionKind{u"2右翻（右半页先读），3左翻（默认）",
+                                   u"2 turns to the right (right half first), 3 to the left "
+                                   u"(default)"};
+inline constexpr Label kOptionBefore{u"插在哪一行之前", u"The row to stand before"};
+inline constexpr Label kOptionTarget{u"存放结果的文件夹，也存入项目",
+                                     u"The folder for the results, which the project keeps"};
+inline constexpr Label kOptionSide{u"left左边的预览，right右边的（默认）",
+                                   u"The preview on the left or the right (default)"};
 inline constexpr Label kOptionDifference{u"把差异存为图像", u"The differences as a picture"};
 inline constexpr Label kOptionAll{u"全图差异列表（CSV）", u"The differences of all pixels, as CSV"};
 inline constexpr Label kOptionNonZero{u"非零差异列表（CSV）",
@@ -265,6 +308,13 @@ inline constexpr Label kOptionUndo{u"撤销该文件夹的上一次更名",
                                    u"Take the last renaming of the folder back"};
 
 // Wrong usage.
+inline constexpr Label kUnknownProjectKey{u"项目没有“{0}”这个值。",
+                                          u"a project has no value \"{0}\"."};
+inline constexpr Label kNoRowList{u"{0}: “{1}”不是1到{2}的行（如1,3-5,8-或all）。",
+                                  u"{0}: \"{1}\" names no rows of 1 to {2} (as 1,3-5,8- or all)."};
+inline constexpr Label kNoRow{u"“{0}”不是1到{1}的行号。", u"\"{0}\" is no row of 1 to {1}."};
+inline constexpr Label kKeepsHalf{u"第{0}行是拆分出来的页，PARA_PAGE_SPLIT_TYPE不变",
+                                  u"row {0} is a half: its PARA_PAGE_SPLIT_TYPE stays"};
 inline constexpr Label kUnknownVerb{u"{0}没有操作“{1}”。", u"{0} has no verb \"{1}\"."};
 inline constexpr Label kVerbWants{u"{0}后面缺少{1}。", u"{0} wants {1} behind it."};
 inline constexpr Label kNotWithVerb{u"{0}不能和{1}一起使用。", u"{0} does not go with {1}."};

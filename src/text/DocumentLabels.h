@@ -143,4 +143,65 @@ inline constexpr Label kRenameBadJournal{u"{0}: 更名记录不能读取。",
                                          u"{0}: the record of the renaming cannot be read."};
 inline constexpr Label kRenameFinished{u"上一次更名已完成。", u"The last renaming was finished."};
 
+// The book.
+inline constexpr Label kBookSourceEmpty{u"源文件夹为空，无法保存。",
+                                        u"There is no source folder; nothing can be saved."};
+inline constexpr Label kBookSourceGone{u"源文件夹已失效，请更正。",
+                                       u"The source folder is no folder; please correct it."};
+inline constexpr Label kBookNotWritten{u"项目文件创建失败。",
+                                       u"The project file could not be created."};
+inline constexpr Label kBookNoProject{u"文件夹中没有项目文件。",
+                                      u"There is no project file in the folder."};
+inline constexpr Label kBookUnreadable{u"项目文件读取失败。",
+                                       u"The project file could not be read."};
+inline constexpr Label kBookRowsLost{
+    u"{0}: 这些图像已不在源文件夹，存盘后不再列出: {1}",
+    u"{0}: these pictures are not in the source folder, and are no longer listed once saved: {1}"};
+inline constexpr Label kBookRowsMissing{u"{0}: 源文件夹中没有这些图像，略过: {1}",
+                                        u"{0}: these pictures are not in the source folder, and "
+                                        u"were passed over: {1}"};
+inline constexpr Label kBookNameRefused{u"{0}: 文件名“{1}”不能使用，略过。",
+                                        u"{0}: the name \"{1}\" cannot be used, passed over."};
+inline constexpr Label kBookBetweenHalves{u"抱歉，不能在拆分出来的两页之间插入新文件。",
+                                          u"Sorry, files cannot be put between two halves."};
+inline constexpr Label kBookMoveBetween{u"抱歉，不能移到拆分出来的两页之间。",
+                                        u"Sorry, rows cannot be moved between two halves."};
+inline constexpr Label kBookOutside{u"抱歉，所选文件必须在源文件夹下。",
+                                    u"Sorry, the files must lie in the source folder."};
+inline constexpr Label kBookAlreadyThere{u"所选文件已经在列表中了。",
+                                         u"A chosen file is in the list already."};
+inline constexpr Label kBookIsHalf{u"拆分出来的页不能再拆分。", u"A half cannot be split again."};
+inline constexpr Label kBookRemoveHalves{
+    u"这是一个拆分页，删除时将连同拆分后的另外一页一起删除。\r\n",
+    u"This is a half; the other half goes with it.\r\n"};
+inline constexpr Label kBookRemoveAsk{u"您确认您真的想从列表中删除所选项？",
+                                      u"Do you really want to remove it from the list?"};
+inline constexpr Label kBookResetAsk{u"您确信您真的想把该图像的参数复原？",
+                                     u"Do you really want to reset this picture's parameters?"};
+inline constexpr Label kBookResetAllAsk{u"您确信您真的想把所有参数复原？",
+                                        u"Do you really want to reset all parameters?"};
+inline constexpr Label kBookApplied{u"参数应用完成。", u"The parameters were applied."};
+inline constexpr Label kBookSaved{u"项目保存完毕。", u"The project was saved."};
+inline constexpr Label kBookNothing{u"抱歉，没啥好处理的。", u"Sorry, there is nothing to do."};
+inline constexpr Label kBookNoSource{u"请先选择源文件夹", u"Please choose the source folder first"};
+inline constexpr Label kBookNoTarget{u"请先选择目标文件夹",
+                                     u"Please choose the target folder first"};
+inline constexpr Label kBookEmptyAsk{
+    u"目标文件夹下的所有文件将被删除，以免发生混乱。您想继续吗？",
+    u"All files in the target folder are going to be deleted, to avoid confusion. Go on?"};
+inline constexpr Label kBookTargetFailed{u"目标文件夹创建失败。",
+                                         u"The target folder could not be created."};
+inline constexpr Label kBookTargetIsSource{
+    u"目标文件夹不能是源文件夹、它的上级或下级文件夹，也不能存放着列表中的文件。",
+    u"The target folder cannot be the source folder, lie above or inside it, or hold a file of "
+    u"the list."};
+inline constexpr Label kBookTargetForeign{u"目标文件夹“{0}”在这个系统上无法使用。",
+                                          u"The target folder \"{0}\" cannot be used on this "
+                                          u"system."};
+inline constexpr Label kBookBadName{u"“{0}”不能用在文件名中。",
+                                    u"\"{0}\" cannot be part of a file's name."};
+inline constexpr Label kBookNotDeleted{u"{0}: 不能删除", u"{0}: could not be deleted"};
+inline constexpr Label kBookSideFile{u"{0}: 附属文件复制失败",
+                                     u"{0}: this file beside the pages could not be copied"};
+
 }  // namespace velloran::labels
