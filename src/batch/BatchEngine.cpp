@@ -71,7 +71,7 @@ class StageBoard {
 class BatchRun {
  public:
     BatchRun(const BatchRequest& request, const BatchEvents& events)
-        : request_(request), events_(events), settings_(request.settings) {}
+        : request_(request), events_(events), settings_(request.settings, request.eachPage || request.bothHalves) {}
 
     BatchResult Convert() {
         const Clock::time_point start = Clock::now();
@@ -194,6 +194,7 @@ class BatchRun {
         plan.recursive = request_.settings[PARA_GO_SUB_DIR] != 0;
         plan.skipColor = request_.skipColor;
         plan.skipExisting = request_.skipExisting;
+        plan.bothHalves = request_.bothHalves && IsDoublePage(request_.settings);
         plan.names = names_;
         BatchPlan::Listener listener;
         listener.isStopped = [this] { return IsStopped(); };
@@ -305,9 +306,11 @@ class BatchRun {
             TellProgress(file.source, {});
             return;
         }
-        result_.bytesIn += outcome.bytesIn;
+        if (file.half != 2)  // one source
+            result_.bytesIn += outcome.bytesIn;
         result_.bytesOut += outcome.bytesOut;
-        TellOfSource(file, outcome);
+        if (file.half != 2)
+            TellOfSource(file, outcome);
         if (!outcome.evadedTo.empty())
             Warn(Phrase(labels::kEvadesSource, {file.source, outcome.evadedTo}));
         if (outcome.timesLost)

@@ -30,6 +30,8 @@ struct BatchRequest {
     bool keepDpi = false;          // results take the resolution of their sources
     bool skipExisting = false;     // leaves sources whose targets stand and are not older
     bool strict = false;           // damaged sources count as failed
+    bool eachPage = false;         // what is found on a page is used for that page alone
+    bool bothHalves = false;       // double pages become two files; implies eachPage
     int jobs = 0;                  // files in flight; 0: the number of processors
     std::int64_t memory = 0;       // bytes that pages in flight may take; 0: what is free
     std::filesystem::path log;     // empty: the program's own

@@ -142,7 +142,7 @@ class BatchPlan::Namer {
             resolved_ = Resolved(folder).native();
             folder_ = std::move(folder);
         }
-        return resolved_ + "/" + TargetStem(NameOf(file.source), number);
+        return resolved_ + "/" + TargetName(file, number);
     }
 
     /// Which of its possible names are sources.
@@ -285,6 +285,8 @@ bool BatchPlan::Make(const PlanRequest& request, const Listener& listener) {
         files_.clear();
         return false;
     }
+    if (request.bothHalves)
+        DoubleFiles();
     NoteSources();
     if (request.skipExisting) {
         Skipper(*this).LeaveResultsAmongSources();
@@ -328,6 +330,18 @@ bool BatchPlan::FindSources(const PlanRequest& request, const Listener& listener
     walker.Walk(root);
     otherTypes_ = walker.CountOtherTypes();
     return !stopped;
+}
+
+/// Each source twice, for its halves in reading order.
+void BatchPlan::DoubleFiles() {
+    std::vector<PlannedFile> halves;
+    halves.reserve(files_.size() * 2);
+    for (const PlannedFile& file : files_)
+        for (const std::int8_t half : {1, 2}) {
+            halves.push_back(file);
+            halves.back().half = half;
+        }
+    files_ = std::move(halves);
 }
 
 /// The extensions that results may take, and which of them the rule for automatic ones names.
@@ -405,8 +419,19 @@ std::string BatchPlan::TargetFolder(const PlannedFile& file) const {
     return folder;
 }
 
+/// Without its extension.
+std::string BatchPlan::TargetName(const PlannedFile& file, int number) {
+    const std::string_view name = NameOf(file.source);
+    if (file.half == 0)
+        return TargetStem(name, number);
+    const NameParts parts = SplitName(name);
+    return TargetStem(std::string(parts.stem) + "_" + std::to_string(file.half) +
+                          std::string(parts.extension),
+                      number);
+}
+
 std::string BatchPlan::TargetStemPath(const PlannedFile& file, int number) const {
-    return TargetFolder(file) + TargetStem(NameOf(file.source), number);
+    return TargetFolder(file) + TargetName(file, number);
 }
 
 std::string BatchPlan::TargetWithoutExtension(const PlannedFile& file) const {

@@ -25,6 +25,7 @@ struct PlannedFile {
     std::uint32_t relativeAt = 0;  // where in `source` the part begins that the target repeats
     std::int32_t number = 1;       // of the target's name; 1 is none
     std::int32_t spareNumber = 0;  // taken when the name turns out to be another source's; 0: none
+    std::int8_t half = 0;          // of a double page, in reading order: 1 or 2; 0 is the whole
     /// Bits by the place of an extension among those that results may take: names that are another
     /// source's, and the one that is the source itself.
     std::uint16_t meetsOther = 0, meetsItself = 0;
@@ -38,6 +39,7 @@ struct PlanRequest {
     bool recursive = true;
     bool skipColor = false;     // colour pages keep their own extension
     bool skipExisting = false;  // leaves sources whose targets stand already and are not older
+    bool bothHalves = false;    // each source becomes two files: NAME_1 and NAME_2
     BatchTarget names;
 };
 
@@ -95,11 +97,13 @@ class BatchPlan {
 
     bool FindSources(const PlanRequest& request, const Listener& listener);
     void FindExtensions(const PlanRequest& request);
+    void DoubleFiles();
     void NoteSources();
     bool HasBit(unsigned bits, const PlannedFile& file, std::string_view extension) const;
     void CountNames();
     std::string_view ExtensionAt(const PlannedFile& file, std::size_t place) const;
     std::size_t CountPlaces() const { return extensions_.size() + (skipColor_ ? 1 : 0); }
+    static std::string TargetName(const PlannedFile& file, int number);
     std::string TargetStemPath(const PlannedFile& file, int number) const;
 
     static constexpr std::size_t kNobody = static_cast<std::size_t>(-1);

@@ -41,6 +41,20 @@ struct BegunFile {
     FileError error;
 };
 
+constexpr std::int32_t kKindBits = 0xFF, kSecondPage = 0x100;  // of PARA_PAGE_SPLIT_TYPE
+constexpr std::int32_t kRightFirst = 2, kLeftFirst = 3;
+
+/// The values as they stand when the file begins, with the side of its half.
+Settings SettingsFor(const ConvertRequest& request, const PlannedFile& file) {
+    Settings settings = request.settings->Get();
+    if (file.half == 0)
+        return settings;
+    const std::int32_t kind = settings[PARA_PAGE_SPLIT_TYPE] & kKindBits;
+    const bool isRight = (file.half == 1) == (kind == kRightFirst);
+    settings.Set(PARA_PAGE_SPLIT_TYPE, isRight ? kind | kSecondPage : kind);
+    return settings;
+}
+
 /// False, with the error of before.
 bool FailAs(const FileError& before, FileError& error) {
     error = before;
@@ -55,7 +69,7 @@ class Conversion {
         : request_(request),
           file_(file),
           outcome_(outcome),
-          settings_(request.settings->Get()),
+          settings_(SettingsFor(request, file)),
           load_(LoadRequestFor(settings_,
                                [this](const CDibImage& image) {
                                    return KeepsAlpha("page" + ExtensionFor(image), image);
@@ -257,6 +271,11 @@ FileOutcome FailedBy(const PlannedFile& file, int row, FileError::Cause cause, c
 }
 
 }  // namespace
+
+bool IsDoublePage(const Settings& settings) {
+    const std::int32_t kind = settings[PARA_PAGE_SPLIT_TYPE] & kKindBits;
+    return kind == kRightFirst || kind == kLeftFirst;
+}
 
 PageWork BeginFile(const ConvertRequest& request, const PlannedFile& file) {
     auto begun = std::make_shared<BegunFile>();

@@ -16,6 +16,7 @@
 namespace velloran {
 
 class RunSettings;
+struct Settings;
 class TargetFolders;
 
 /// What all files of a run share.
@@ -55,6 +56,9 @@ struct PageWork {
     std::int64_t need = 0;  // bytes
     std::function<FileOutcome()> run;
 };
+
+/// Whether the settings take a scan for two pages.
+bool IsDoublePage(const Settings& settings);
 
 /// Looks at a file; what it gives converts it. Neither throws. A failure leaves source and target
 /// as they were. Request and file must outlive the work.

@@ -14,25 +14,30 @@ namespace velloran {
 
 class RunSettings {
  public:
-    explicit RunSettings(Settings settings) : settings_(std::move(settings)) {}
+    /// With `eachPage` what a page finds is its own: no page waits for another.
+    explicit RunSettings(Settings settings, bool eachPage = false)
+        : settings_(std::move(settings)), eachPage_(eachPage) {}
 
     Settings Get() const {
         const std::lock_guard hold(lock_);
         return settings_;
     }
     void Take(const FoundValues& found) {
+        if (eachPage_)
+            return;
         const std::lock_guard hold(lock_);
         found.ApplyTo(settings_.values);
     }
     /// Whether the next page looks for values that the pages behind it share.
     bool HasValuesToFind() const {
         const std::lock_guard hold(lock_);
-        return velloran::HasValuesToFind(settings_.values);
+        return !eachPage_ && velloran::HasValuesToFind(settings_.values);
     }
 
  private:
     mutable std::mutex lock_;
     Settings settings_;
+    bool eachPage_ = false;
 };
 
 }  // namespace velloran

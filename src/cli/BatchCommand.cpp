@@ -100,6 +100,8 @@ class BatchCommand {
         request_.keepDpi = words_.Has(Option::kKeepDpi);
         request_.skipExisting = words_.Has(Option::kSkipExisting);
         request_.strict = words_.Has(Option::kStrict);
+        request_.eachPage = words_.Has(Option::kEachPage);
+        request_.bothHalves = words_.Has(Option::kBothHalves);
         request_.memory = words_.Bytes(Option::kMemory).value_or(0);
         request_.stop = &StopFlag();
     }

@@ -30,12 +30,13 @@ constexpr Option kEnhanceOptions[] = {Option::kStop,        Option::kPreview, Op
                                       Option::kSaveSetting, Option::kSet,     Option::kSetting,
                                       Option::kStore,       Option::kNamed,   Option::kWithoutPage};
 constexpr Option kBatchOptions[] = {
-    Option::kExt,      Option::kFiles,   Option::kNoRecurse,    Option::kSkipColor,
-    Option::kKeepTime, Option::kKeepDpi, Option::kSkipExisting, Option::kList,
-    Option::kNull,     Option::kJobs,    Option::kMemory,       Option::kStrict,
-    Option::kLog,      Option::kYes,     Option::kDryRun,       Option::kJsonBatch,
-    Option::kProgress, Option::kReview,  Option::kSet,          Option::kSetting,
-    Option::kStore,    Option::kNamed,   Option::kWithoutPage};
+    Option::kExt,        Option::kFiles,   Option::kNoRecurse,    Option::kSkipColor,
+    Option::kKeepTime,   Option::kKeepDpi, Option::kSkipExisting, Option::kList,
+    Option::kNull,       Option::kJobs,    Option::kMemory,       Option::kStrict,
+    Option::kLog,        Option::kYes,     Option::kDryRun,       Option::kJsonBatch,
+    Option::kProgress,   Option::kReview,  Option::kEachPage,     Option::kBothHalves,
+    Option::kSet,        Option::kSetting, Option::kStore,        Option::kNamed,
+    Option::kWithoutPage};
 constexpr Option kDescribeOptions[] = {Option::kCropSummary, Option::kSet,   Option::kSetting,
                                        Option::kStore,       Option::kNamed, Option::kWithoutPage};
 constexpr Option kParamsOptions[] = {Option::kJson};

@@ -142,6 +142,8 @@ static const std::array rows = {
     OptionRow{Option::kBefore, "--before", "", 0, kText, "ROW", kOptionBefore, kOwn},
     OptionRow{Option::kTarget, "--target", "", 0, kText, "DIR", kOptionTarget, kOwn, Completes::kFolders},
     OptionRow{Option::kSide, "--side", "", 0, kWord, "SIDE", kOptionSide, kOwn, Completes::kWords, SideWords},
+    OptionRow{Option::kEachPage, "--each-page", "", 0, kNothing, "", kOptionEachPage, kOwn},
+    OptionRow{Option::kBothHalves, "--both-halves", "", 0, kNothing, "", kOptionBothHalves, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kSkipColor},
 };
     // clang-format on
     static_assert(rows.size() == static_cast<std::size_t>(Option::kNone));

@@ -87,6 +87,8 @@ enum class Option {
     kBefore,
     kTarget,
     kSide,
+    kEachPage,
+    kBothHalves,
     kNone,  // no option
 };
 

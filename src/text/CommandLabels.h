@@ -244,6 +244,14 @@ inline constexpr Label kOptionYesAll{
     u"Answer every question with yes; without it they are asked "
     u"on a terminal, and are a usage error elsewhere"};
 
+inline constexpr Label kOptionEachPage{
+    u"每一页各自查找分界线、角点和曲线；不加时第一页找到的用于其后各页",
+    u"Search split lines, corners and curves on each page anew; without it those of the first page "
+    u"stay for the rest"};
+inline constexpr Label kOptionBothHalves{
+    u"双页（PARA_PAGE_SPLIT_TYPE为2或3）存成两个文件NAME_1和NAME_2，按阅读次序；每页各自查找",
+    u"A double page (PARA_PAGE_SPLIT_TYPE 2 or 3) becomes two files, NAME_1 and NAME_2, in reading "
+    u"order; each page is searched anew"};
 inline constexpr Label kOptionProjectValue{
     u"设置项目的一个值，如m_strPrefix=p；空值清除；可多次使用",
     u"Set a value of the project by its key, as m_strPrefix=p; an empty one clears it; may be "
