@@ -193,7 +193,7 @@ _velloran() {
 
     case $command in
         enhance) options="--stop --preview --keep-dpi --save-setting -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
-        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress --review -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress --review --each-page --both-halves -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         describe) options="--crop-summary -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         params) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         info) options="--json -h --help --lang -q --quiet -v --verbose" ;;
