@@ -57,8 +57,8 @@ double sureOfLines(const ShapeEvidence& evidence) {
 
 /// Below it a shape is not flattened.
 constexpr double kLeastSure = 0.12;
-/// Up to it a page is flat, in line pitches.
-constexpr double kFlatBow = 0.08;
+/// Up to it a page is flat, in line pitches; beside the wandering of the lines around their shape.
+constexpr double kFlatBow = 0.08, kFlatBesideResidual = 1.5;
 
 /// Rms of points around the straight line of least squares through them.
 double leavesStraight(const std::vector<QPointF>& points) {
@@ -210,7 +210,8 @@ class Search {
         finding.bentBefore = finding.bentAfter = bentLines(trace->lines, pitch, nullptr);
         if (finding.sure < kLeastSure)
             return false;
-        if (trace->evidence.bow < kFlatBow)
+        if (trace->evidence.bow <
+            std::max(kFlatBow, kFlatBesideResidual * trace->evidence.residual))
             return true;
         return buildModel(builder, *trace, finding);
     }
