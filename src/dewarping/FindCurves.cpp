@@ -8,6 +8,7 @@
 #include <optional>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
@@ -18,6 +19,7 @@
 #include "dewarping/Dewarp.h"
 #include "dewarping/PageEdges.h"
 #include "dewarping/TextLines.h"
+#include "dewarping/TextSides.h"
 #include "imaging/Planes.h"
 
 namespace velloran::dewarping {
@@ -216,27 +218,57 @@ class Search {
         return buildModel(builder, *trace, finding);
     }
 
-    bool buildModel(const DistortionModelBuilder& builder, const TextTrace& trace,
-                    CurveFinding& finding) {
+    /// The curves between two sides of the page, and how bent they leave the usual line. Nothing
+    /// where the lines make no model that covers the page.
+    struct Curves {
+        std::vector<std::int32_t> top, bottom;
+        double bent = 0;
+    };
+    std::optional<Curves> curvesBetween(const DistortionModelBuilder& builder,
+                                        const TextTrace& trace) const {
         const DistortionModel model = builder.tryBuildModel();
         if (!model.isValid())
-            return false;
-        const auto curves = coverPage(model, trace.content, width_, height_);
+            return std::nullopt;
+        const auto cover = coverPage(model, trace.content, width_, height_);
+        if (!cover)
+            return std::nullopt;
+        const auto count = static_cast<std::size_t>(points_.n);
+        Curves curves{std::vector<std::int32_t>(count), std::vector<std::int32_t>(count)};
+        packBoth(*cover, {curves.top.data(), curves.bottom.data(), points_.n});
+        const auto surface = surfaceOf(curves.top.data(), curves.bottom.data(), points_.n);
+        if (!surface)
+            return std::nullopt;
+        curves.bent = bentLines(trace.lines, trace.evidence.linePitch, &*surface);
+        return curves;
+    }
+
+    bool buildModel(const DistortionModelBuilder& builder, const TextTrace& trace,
+                    CurveFinding& finding) {
+        std::optional<Curves> curves = curvesBetween(builder, trace);
+        // The edges of the text tell the better sides, where they leave the lines as straight.
+        constexpr double kAsStraight = 1.1, kNothing = 0.005;
+        const auto sides = left_ == right_ ? sidesOfText(trace.content.lines,
+                                                         trace.evidence.linePitch, width_, height_)
+                                           : std::nullopt;
+        if (sides) {
+            DistortionModelBuilder slanted = builder;
+            slanted.setVerticalBounds(sides->left, sides->right);
+            std::optional<Curves> other = curvesBetween(slanted, trace);
+            if (other && (!curves || other->bent <= kAsStraight * curves->bent + kNothing))
+                curves = std::move(other);
+        }
         if (!curves)
             return false;
-        packBoth(*curves, points_);
-        const auto surface = surfaceOf(points_.top, points_.bottom, points_.n);
-        if (!surface)
-            return false;
-        const double after = bentLines(trace.lines, trace.evidence.linePitch, &*surface);
         // What does not make the very lines straight that it was made of is wrong.
         constexpr double kBetter = 0.9;
-        if (!(after < kBetter * finding.bentBefore)) {
+        if (!(curves->bent < kBetter * finding.bentBefore)) {
             finding.sure = std::min(finding.sure, kLeastSure);
             return false;
         }
-        finding.bentAfter = after;
-        finding.sure *= 1 - ramp(after, 0.05, 0.2);
+        std::copy(curves->top.begin(), curves->top.end(), points_.top);
+        std::copy(curves->bottom.begin(), curves->bottom.end(), points_.bottom);
+        finding.bentAfter = curves->bent;
+        finding.sure *= 1 - ramp(curves->bent, 0.05, 0.2);
         finding.found = true;
         return true;
     }
