@@ -195,6 +195,7 @@ class BatchRun {
         plan.skipColor = request_.skipColor;
         plan.skipExisting = request_.skipExisting;
         plan.bothHalves = request_.bothHalves && IsDoublePage(request_.settings);
+        plan.allPages = request_.allPages;
         plan.names = names_;
         BatchPlan::Listener listener;
         listener.isStopped = [this] { return IsStopped(); };
@@ -254,6 +255,7 @@ class BatchRun {
         convert.folders = &folders;
         convert.settings = &settings_;
         convert.strict = request_.strict;
+        convert.strip = request_.strip;
         convert.names = names_;
         convert.skipColor = request_.skipColor;
         convert.skipExisting = request_.skipExisting;

@@ -32,6 +32,8 @@ struct BatchRequest {
     bool strict = false;           // damaged sources count as failed
     bool eachPage = false;         // what is found on a page is used for that page alone
     bool bothHalves = false;       // double pages become two files; implies eachPage
+    bool strip = false;            // results carry no profile, EXIF or XMP
+    bool allPages = false;         // a result for each page of a source, NAME_0001 and so on
     int jobs = 0;                  // files in flight; 0: the number of processors
     std::int64_t memory = 0;       // bytes that pages in flight may take; 0: what is free
     std::filesystem::path log;     // empty: the program's own

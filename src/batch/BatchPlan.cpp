@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
 #include <unordered_set>
 #include <utility>
 
 #include "batch/DirEnhance.h"
+#include "files/ImageFiles.h"
 #include "files/TargetNames.h"
 #include "params/TargetRule.h"
 #include "text/PathText.h"
@@ -61,6 +63,17 @@ std::size_t RelativeAt(const std::string& file, const fs::path& root) {
             return at;
     }
     return NameAt(file);
+}
+
+/// The name that a result's is made of: a numbered page's has the number behind its stem.
+std::string PageNameOf(const PlannedFile& file) {
+    std::string name(NameOf(file.source));
+    if (file.page == 0)
+        return name;
+    std::string digits = std::to_string(file.page);
+    digits.insert(0, digits.size() < 4 ? 4 - digits.size() : 0, '0');
+    const std::size_t stem = SplitName(name).stem.size();
+    return name.insert(stem, "_" + digits);
 }
 
 }  // namespace
@@ -281,7 +294,7 @@ bool BatchPlan::Make(const PlanRequest& request, const Listener& listener) {
     target_ = WithoutTrailingSlashes(request.target.native());
     sameFolder_ = velloran::IsSameFolder(WithoutTrailingSlashes(request.source.native()), target_);
     FindExtensions(request);
-    if (!FindSources(request, listener)) {
+    if (!FindSources(request, listener) || (request.allPages && !SplitIntoPages(listener))) {
         files_.clear();
         return false;
     }
@@ -297,6 +310,24 @@ bool BatchPlan::Make(const PlanRequest& request, const Listener& listener) {
     CountNames();
     if (request.skipExisting)
         Skipper(*this).LeaveDone();
+    return true;
+}
+
+/// Puts a file for each page in the place of those that hold several.
+bool BatchPlan::SplitIntoPages(const Listener& listener) {
+    std::vector<PlannedFile> files;
+    for (PlannedFile& file : files_) {
+        if (listener.isStopped && listener.isStopped())
+            return false;
+        const int pages = CountPages(file.source);
+        for (int page = 1; page < pages; ++page) {
+            files.push_back(file);
+            files.back().page = page;
+        }
+        file.page = pages > 1 ? pages : 0;
+        files.push_back(std::move(file));
+    }
+    files_ = std::move(files);
     return true;
 }
 
@@ -421,13 +452,13 @@ std::string BatchPlan::TargetFolder(const PlannedFile& file) const {
 
 /// Without its extension.
 std::string BatchPlan::TargetName(const PlannedFile& file, int number) {
-    const std::string_view name = NameOf(file.source);
+    const std::string name = PageNameOf(file);
     if (file.half == 0)
         return TargetStem(name, number);
     const NameParts parts = SplitName(name);
-    return TargetStem(std::string(parts.stem) + "_" + std::to_string(file.half) +
-                          std::string(parts.extension),
-                      number);
+    return TargetStem(
+        std::string(parts.stem) + "_" + std::to_string(file.half) + std::string(parts.extension),
+        number);
 }
 
 std::string BatchPlan::TargetStemPath(const PlannedFile& file, int number) const {

@@ -24,6 +24,7 @@ struct PlannedFile {
     std::string source;            // path as the walk or the list gave it
     std::uint32_t relativeAt = 0;  // where in `source` the part begins that the target repeats
     std::int32_t number = 1;       // of the target's name; 1 is none
+    std::int32_t page = 0;         // of those in the source; 0: the only one, its name tells none
     std::int32_t spareNumber = 0;  // taken when the name turns out to be another source's; 0: none
     std::int8_t half = 0;          // of a double page, in reading order: 1 or 2; 0 is the whole
     /// Bits by the place of an extension among those that results may take: names that are another
@@ -40,6 +41,7 @@ struct PlanRequest {
     bool skipColor = false;     // colour pages keep their own extension
     bool skipExisting = false;  // leaves sources whose targets stand already and are not older
     bool bothHalves = false;    // each source becomes two files: NAME_1 and NAME_2
+    bool allPages = false;      // a result for each page of a source, numbered
     BatchTarget names;
 };
 
@@ -96,6 +98,7 @@ class BatchPlan {
     friend class Skipper;
 
     bool FindSources(const PlanRequest& request, const Listener& listener);
+    bool SplitIntoPages(const Listener& listener);
     void FindExtensions(const PlanRequest& request);
     void DoubleFiles();
     void NoteSources();

@@ -1,5 +1,6 @@
 #include "batch/ConvertFile.h"
 
+#include <algorithm>
 #include <exception>
 #include <memory>
 #include <new>
@@ -74,7 +75,10 @@ class Conversion {
                                [this](const CDibImage& image) {
                                    return KeepsAlpha("page" + ExtensionFor(image), image);
                                })),
-          begun_(begun) {}
+          begun_(begun) {
+        load_.strip = request.strip;
+        load_.page = std::max(file.page, 1);
+    }
 
     void Run() {
         if (IsStopped() || !Read() || StandsAlready())
@@ -117,6 +121,8 @@ class Conversion {
                         error.reason == FileReason::kNoMemory ? kLogOutOfMemory : kLogReadFailed,
                         std::move(error));
         outcome_.bytesIn = begun_.status ? static_cast<std::int64_t>(begun_.status->st_size) : 0;
+        if (file_.page > 0)
+            page_.notes.pictures = 1;  // the others are files of the plan as well
         outcome_.pictures = page_.notes.pictures;
         if (page_.notes.damaged)
             outcome_.damage = page_.notes.reason.empty() ? "damaged" : page_.notes.reason;
@@ -185,7 +191,10 @@ class Conversion {
         return Fail(target, kLogWriteFailed, std::move(error));
     }
 
-    bool IsColorToSkip() const { return request_.skipColor && !page_.image.IsGrayScale(); }
+    /// A page of several is no file that could be copied.
+    bool IsColorToSkip() const {
+        return request_.skipColor && file_.page == 0 && !page_.image.IsGrayScale();
+    }
 
     bool CopyAsItIs() {
         if (request_.plan->IsSameFolder()) {
@@ -250,7 +259,7 @@ class Conversion {
     const PlannedFile& file_;
     FileOutcome& outcome_;
     const Settings settings_;  // as they stand when the file begins
-    const LoadPageRequest load_;
+    LoadPageRequest load_;
     LoadedPage page_;
     BegunFile& begun_;
     fs::path target_;

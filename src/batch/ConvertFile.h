@@ -27,6 +27,7 @@ struct ConvertRequest {
     BatchTarget names;
     bool skipColor = false;
     bool strict = false;        // a damaged source fails
+    bool strip = false;         // leaves profile, EXIF and XMP behind
     bool skipExisting = false;  // a page that would replace its own source stays as it is
     bool wantsSure = false;     // what is found is also judged
     bool isAlone = false;       // one file at a time: what a page takes in memory is not asked for

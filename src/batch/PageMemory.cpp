@@ -23,7 +23,7 @@ bool WorksOnFloats(const Settings& settings) {
 }  // namespace
 
 std::int64_t PageMemory(const ImageInfo& info, std::int64_t fileSize, const Settings& settings) {
-    const std::int64_t samples = info.grey || info.bitsPerPixel <= 1 ? 1 : 3;
+    const std::int64_t samples = info.gray || info.bitsPerPixel <= 1 ? 1 : 3;
     const std::int64_t page = std::int64_t{info.width} * info.height * samples;
     const std::int64_t size = std::clamp<std::int64_t>(settings[PARA_RESIZE], 100, 400);
     const std::int64_t enlarged = page / kPercent * size / kPercent * size;

@@ -99,6 +99,8 @@ class BatchCommand {
         request_.review = words_.Text(Option::kReview).value_or("");
         request_.keepDpi = words_.Has(Option::kKeepDpi);
         request_.skipExisting = words_.Has(Option::kSkipExisting);
+        request_.allPages = words_.Has(Option::kAllPages);
+        request_.strip = words_.Has(Option::kStrip);
         request_.strict = words_.Has(Option::kStrict);
         request_.eachPage = words_.Has(Option::kEachPage);
         request_.bothHalves = words_.Has(Option::kBothHalves);

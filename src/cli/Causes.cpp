@@ -1,6 +1,7 @@
 #include "cli/Causes.h"
 
 #include "text/CommandLabels.h"
+#include "text/Labels.h"
 #include "text/Phrase.h"
 
 namespace velloran::cli {
@@ -8,6 +9,8 @@ namespace velloran::cli {
 namespace {
 
 using namespace labels;
+
+constexpr int kLogHoldsHtml = 9, kLogHoldsPdf = 10, kLogLocked = 22;  // rows of the log
 
 Label LabelOf(FileReason reason) {
     switch (reason) {
@@ -39,6 +42,16 @@ Label LabelOf(FileReason reason) {
             return kCauseNoMemory;
         case FileReason::kInputOutput:
             return kCauseInputOutput;
+        case FileReason::kHoldsPdf:
+            return kLogRows[kLogHoldsPdf];
+        case FileReason::kPdfTooLarge:
+            return kPdfTooLarge;
+        case FileReason::kHoldsHtml:
+            return kLogRows[kLogHoldsHtml];
+        case FileReason::kLocked:
+            return kLogRows[kLogLocked];
+        case FileReason::kNoSuchPage:
+            return kCauseNoSuchPage;
         case FileReason::kUnknown:
             break;
     }

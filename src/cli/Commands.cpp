@@ -26,17 +26,18 @@ constexpr Operand kBatchOperands[] = {
     {"TARGET", /*isMany=*/false, Completes::kFolders, kOperandTarget}};
 constexpr Operand kFileOperands[] = {{"FILE", /*isMany=*/true, Completes::kFiles, kOperandFiles}};
 
-constexpr Option kEnhanceOptions[] = {Option::kStop,        Option::kPreview, Option::kKeepDpi,
-                                      Option::kSaveSetting, Option::kSet,     Option::kSetting,
-                                      Option::kStore,       Option::kNamed,   Option::kWithoutPage};
+constexpr Option kEnhanceOptions[] = {Option::kStop,  Option::kPreview,    Option::kKeepDpi,
+                                      Option::kStrip, Option::kPageNumber, Option::kSaveSetting,
+                                      Option::kSet,   Option::kSetting,    Option::kStore,
+                                      Option::kNamed, Option::kWithoutPage};
 constexpr Option kBatchOptions[] = {
-    Option::kExt,        Option::kFiles,   Option::kNoRecurse,    Option::kSkipColor,
-    Option::kKeepTime,   Option::kKeepDpi, Option::kSkipExisting, Option::kList,
-    Option::kNull,       Option::kJobs,    Option::kMemory,       Option::kStrict,
-    Option::kLog,        Option::kYes,     Option::kDryRun,       Option::kJsonBatch,
-    Option::kProgress,   Option::kReview,  Option::kEachPage,     Option::kBothHalves,
-    Option::kSet,        Option::kSetting, Option::kStore,        Option::kNamed,
-    Option::kWithoutPage};
+    Option::kExt,      Option::kFiles,    Option::kNoRecurse,    Option::kSkipColor,
+    Option::kKeepTime, Option::kKeepDpi,  Option::kSkipExisting, Option::kList,
+    Option::kNull,     Option::kJobs,     Option::kMemory,       Option::kStrict,
+    Option::kLog,      Option::kYes,      Option::kDryRun,       Option::kJsonBatch,
+    Option::kProgress, Option::kReview,   Option::kEachPage,     Option::kBothHalves,
+    Option::kStrip,    Option::kAllPages, Option::kSet,          Option::kSetting,
+    Option::kStore,    Option::kNamed,    Option::kWithoutPage};
 constexpr Option kDescribeOptions[] = {Option::kCropSummary, Option::kSet,   Option::kSetting,
                                        Option::kStore,       Option::kNamed, Option::kWithoutPage};
 constexpr Option kParamsOptions[] = {Option::kJson};
@@ -44,7 +45,7 @@ constexpr Option kInfoOptions[] = {Option::kJson};
 constexpr Option kMeasureOptions[] = {Option::kOnly,       Option::kJson,  Option::kSet,
                                       Option::kSetting,    Option::kStore, Option::kNamed,
                                       Option::kWithoutPage};
-constexpr Option kDetectOptions[] = {Option::kByName};
+constexpr Option kDetectOptions[] = {Option::kByName, Option::kPage};
 
 constexpr Operand kSettingsOperands[] = {
     {"VERB", /*isMany=*/false, Completes::kWords, kOperandSettingsVerb, /*isOptional=*/false,

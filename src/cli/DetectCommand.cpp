@@ -11,6 +11,7 @@
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
 #include "files/FileType.h"
+#include "files/PageSniffer.h"
 #include "text/Labels.h"
 
 namespace velloran::cli {
@@ -29,6 +30,13 @@ int FaultOf(const std::string& path) {
     return ::access(path.c_str(), R_OK) == 0 ? 0 : errno;
 }
 
+/// What the sniffer of page files says.
+void PrintPage(const std::string& path) {
+    int type = 0, kind = 0;
+    const int result = CPdgLoader::SniffFile(path, type, kind);
+    Print(fmt::format("{}\t{}\t{}\t{}\n", type, kind, result, OutputName(path)));
+}
+
 }  // namespace
 
 /// A file that cannot be read is told by its name, and that it could not be read.
@@ -37,8 +45,10 @@ int RunDetect(const ParsedWords& words) {
     const bool byName = words.Has(Option::kByName);
     int status = kDone;
     for (const std::string& path : words.operands) {
-        const int type = DetectFileType(path, byName ? 0 : 1);
-        Print(fmt::format("{}\t{}\n", type, OutputName(path)));
+        if (words.Has(Option::kPage))
+            PrintPage(path);
+        else
+            Print(fmt::format("{}\t{}\n", DetectFileType(path, byName ? 0 : 1), OutputName(path)));
         const int fault = byName ? 0 : FaultOf(path);
         if (fault != 0) {
             PrintFailure({.path = path,

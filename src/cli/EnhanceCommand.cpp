@@ -55,7 +55,8 @@ int Stopped() {
 }
 
 /// Warns of what is lost of the source; refuses to let that take the place of the source itself.
-int JudgeSource(const LoadNotes& notes, const std::string& input, const std::string& output) {
+int JudgeSource(const LoadNotes& notes, const std::string& input, const std::string& output,
+                bool isPageChosen) {
     if (!notes.damaged && notes.pictures <= 1)
         return kDone;
     const auto from = FindFile(input), to = FindFile(output);
@@ -68,7 +69,7 @@ int JudgeSource(const LoadNotes& notes, const std::string& input, const std::str
     if (notes.damaged)
         PrintWarning(input + ": " + ToUtf8(labels::kDamagedSource) +
                      (notes.reason.empty() ? "" : " (" + notes.reason + ")"));
-    if (notes.pictures > 1)
+    if (notes.pictures > 1 && !isPageChosen)
         PrintWarning(input + ": " + ToUtf8(labels::kPicturesBefore) +
                      std::to_string(notes.pictures) + ToUtf8(labels::kPicturesBehind));
     return kDone;
@@ -81,8 +82,10 @@ int EnhanceFile(const ParsedWords& words) {
     CParaBlock& block = GlobalBlock();
     LoadedPage page;
     FileError error;
-    const LoadPageRequest load = LoadRequestFor(
+    LoadPageRequest load = LoadRequestFor(
         block.GetSettings(), [&](const CDibImage& image) { return KeepsAlpha(output, image); });
+    load.strip = words.Has(Option::kStrip);
+    load.page = words.Number(Option::kPageNumber).value_or(1);
     if (!LoadPage(input, load, page, &error)) {
         PrintFailure({.path = input,
                       .message = labels::kLoadFailed,
@@ -92,7 +95,8 @@ int EnhanceFile(const ParsedWords& words) {
     }
     if (StopFlag().load())
         return Stopped();
-    if (const int status = JudgeSource(page.notes, input, output); status != kDone)
+    if (const int status = JudgeSource(page.notes, input, output, words.Has(Option::kPageNumber));
+        status != kDone)
         return status;
     SaveRun run = RunOf(words);
     run.ownDpi = words.Has(Option::kKeepDpi) ? page.ownDpi : 0;

@@ -62,7 +62,7 @@ std::vector<std::string> SortWords() {
     return {"name", "created", "modified"};
 }
 
-constexpr int kMostJobs = 1 << 20;
+constexpr int kMostJobs = 1 << 20, kMostPages = 1 << 20;
 
 /// Made at the first call: other tables, as that of the formats, are asked.
 const auto& Rows() {
@@ -144,6 +144,10 @@ static const std::array rows = {
     OptionRow{Option::kSide, "--side", "", 0, kWord, "SIDE", kOptionSide, kOwn, Completes::kWords, SideWords},
     OptionRow{Option::kEachPage, "--each-page", "", 0, kNothing, "", kOptionEachPage, kOwn},
     OptionRow{Option::kBothHalves, "--both-halves", "", 0, kNothing, "", kOptionBothHalves, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kSkipColor},
+    OptionRow{Option::kPage, "--page", "", 0, kNothing, "", kOptionPage, kOwn, Completes::kNothing, nullptr, 0, 0, Option::kNone, Option::kByName},
+    OptionRow{Option::kPageNumber, "--page", "", 0, kNumber, "N", kOptionPageNumber, kOwn, Completes::kNothing, nullptr, 1, kMostPages},
+    OptionRow{Option::kAllPages, "--all-pages", "", 0, kNothing, "", kOptionAllPages, kOwn},
+    OptionRow{Option::kStrip, "--strip", "", 0, kNothing, "", kOptionStrip, kOwn},
 };
     // clang-format on
     static_assert(rows.size() == static_cast<std::size_t>(Option::kNone));

@@ -89,6 +89,10 @@ enum class Option {
     kSide,
     kEachPage,
     kBothHalves,
+    kPage,
+    kPageNumber,
+    kAllPages,
+    kStrip,
     kNone,  // no option
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <string>
 
 #include "core/IndexRows.h"
 #include "core/PaletteSearch.h"
@@ -40,6 +41,12 @@ bool CreatePage(int width, int height, int bpp, bool withAlpha, CDibImage& page,
     if (page.Create(width, height, bpp) == nullptr || (withAlpha && !page.CreateAlpha()))
         return FailNoMemory(error);
     return true;
+}
+
+bool FailNoSuchPage(FileError* error, int pages) {
+    return FailContent(error,
+                       "the file holds no such page, but " + std::to_string(pages) + " in all",
+                       FileReason::kNoSuchPage);
 }
 
 std::uint8_t* RowFromTop(CBaseImage& image, int y) {
@@ -88,6 +95,7 @@ void HandOver(CDibImage& page, int sourceBits, int xDpi, int yDpi, CDibImage& im
     image.Source().sourceColours = static_cast<std::uint32_t>(sourceBits);
     image.Source().sourceFlag = static_cast<std::uint32_t>(image.GetXDpi());
     image.Source().jpegHead.reset();
+    image.Source().metadata.reset();
 }
 
 int PlausibleDpi(double dpi) {

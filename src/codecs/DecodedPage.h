@@ -49,7 +49,7 @@ bool ReadFrom(ByteSource& source, FileError* error, Work&& work) {
 
 /// Settles a finished page and moves it into `image`: an alpha plane that is opaque throughout
 /// goes, row padding becomes 0, the DPI is set, and the source record takes the file's depth and
-/// the horizontal DPI. It holds no JPEG head any more; its rest stays.
+/// the horizontal DPI. It holds no JPEG head and no metadata any more; its rest stays.
 void HandOver(CDibImage& page, int sourceBits, int xDpi, int yDpi, CDibImage& image);
 
 /// Whether a decoded page may be handed over: not when reading failed; a source that others made
@@ -57,18 +57,23 @@ void HandOver(CDibImage& page, int sourceBits, int xDpi, int yDpi, CDibImage& im
 bool MayHandOver(const ByteSource& source, LoadNotes& notes);
 
 /// Every reader does the same round its own work: the head first, then a page of its own, which is
-/// handed over when all went well.
-template <typename Reader>
-bool LoadWith(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error) {
+/// handed over when all went well. `more` goes to the reader as it is made.
+template <typename Reader, typename... More>
+bool LoadWith(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error,
+              More... more) {
     return ReadFrom(source, error, [&](FileError* own) {
-        Reader reader(source);
+        Reader reader(source, more...);
         CDibImage page;
         LoadNotes found;
-        if (!reader.ReadHead(own) || !reader.ReadPage(page, found, own) ||
-            !MayHandOver(source, found))
+        if (!reader.ReadHead(own) || !reader.ReadPage(page, found, own))
+            return false;
+        if constexpr (requires { reader.ReadNotes(found); })
+            reader.ReadNotes(found);
+        if (!MayHandOver(source, found))
             return false;
         const int sourceBits = reader.SourceBits();
         HandOver(page, sourceBits, page.GetXDpi(), page.GetYDpi(), image);
+        image.Source().metadata = found.metadata;
         notes = std::move(found);
         return true;
     });
@@ -85,8 +90,27 @@ bool InfoWith(ByteSource& source, ImageInfo& info, FileError* error) {
     });
 }
 
+/// What stands beside the picture: what travels with it, and how many pictures there are.
+template <typename Reader>
+bool NotesWith(ByteSource& source, LoadNotes& notes, FileError* error) {
+    return ReadFrom(source, error, [&](FileError* own) {
+        Reader reader(source);
+        LoadNotes found;
+        if (!reader.ReadHead(own))
+            return false;
+        reader.ReadNotes(found);
+        if constexpr (requires { found.pictures = reader.CountPictures(); })
+            found.pictures = reader.CountPictures();
+        notes = std::move(found);
+        return true;
+    });
+}
+
 /// Makes the block, rows not cleared, and the alpha plane when asked for.
 bool CreatePage(int width, int height, int bpp, bool withAlpha, CDibImage& page, FileError* error);
+
+/// A page that the file does not hold. Always false.
+bool FailNoSuchPage(FileError* error, int pages);
 
 /// Row y counted from the top of the picture; 0 <= y < height.
 std::uint8_t* RowFromTop(CBaseImage& image, int y);

@@ -4,8 +4,10 @@
 #include <vector>
 
 #include "codecs/Bmp.h"
+#include "codecs/Djvu.h"
 #include "codecs/Gif.h"
 #include "codecs/Jpeg.h"
+#include "codecs/Jpeg2000.h"
 #include "codecs/Png.h"
 #include "codecs/Tiff.h"
 #include "codecs/Webp.h"
@@ -47,6 +49,7 @@ constexpr HeadRule kTiffHeads[] = {{{0, "II"sv}, {}}, {{0, "MM"sv}, {}}};
 constexpr HeadRule kMetafileHeads[] = {{{0, "\xD7\xCD"sv}, {}}};
 constexpr HeadRule kJp2Heads[] = {{{0, "\0\0\0\x0CjP  "sv}, {8, "\x0D\x0A\x87\x0A"sv}}};
 constexpr HeadRule kJ2kHeads[] = {{{0, "\xFF\x4F\xFF\x51"sv}, {}}};
+constexpr HeadRule kDjvuHeads[] = {{{0, "AT&TFORM"sv}, {}}};
 constexpr HeadRule kWebpHeads[] = {{{8, "WEBP"sv}, {}}};
 
 constexpr unsigned kAnyDepth = Format::kHoldsAll | Format::kReducedTarget | Format::kRenamed;
@@ -69,6 +72,12 @@ template <bool (*kLoad)(ByteSource&, CDibImage&, LoadNotes&, FileError*)>
 bool LoadRow(ByteSource& source, const LoadOptions&, CDibImage& image, LoadNotes& notes,
              FileError* error) {
     return kLoad(source, image, notes, error);
+}
+
+template <bool (*kLoad)(ByteSource&, int, CDibImage&, LoadNotes&, FileError*)>
+bool LoadPageRow(ByteSource& source, const LoadOptions& options, CDibImage& image, LoadNotes& notes,
+                 FileError* error) {
+    return kLoad(source, options.page, image, notes, error);
 }
 
 bool SaveJpegRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
@@ -96,7 +105,13 @@ bool SaveGifRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, Fi
     return SaveGif(sink, image, options.transparentWhite, options.cropGif, error);
 }
 
+bool SaveJp2Row(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    return SaveJp2(sink, image, options.jp2Rate, options.dpi, error);
+}
+
 bool SaveWebpRow(ByteSink& sink, CDibImage& image, const SaveOptions& options, FileError* error) {
+    image.SetXDpi(options.dpi);  // told by EXIF alone
+    image.SetYDpi(options.dpi);
     return SaveWebp(sink, image, options.quality, error);
 }
 
@@ -108,6 +123,7 @@ const Format kFormats[] = {
      .extensions = kJpegExtensions,
      .heads = kJpegHeads,
      .info = ReadJpegInfo,
+     .notes = ReadJpegNotes,
      .load = LoadJpegRow,
      .save = SaveJpegRow,
      .target = TargetFormat::kJpeg,
@@ -119,7 +135,8 @@ const Format kFormats[] = {
      .extensions = kGifExtensions,
      .heads = kGifHeads,
      .info = ReadGifInfo,
-     .load = LoadRow<LoadGif>,
+     .notes = ReadGifNotes,
+     .load = LoadPageRow<LoadGifPage>,
      .save = SaveGifRow,
      .target = TargetFormat::kGif,
      .firstSave = u"gif",
@@ -130,6 +147,7 @@ const Format kFormats[] = {
      .filterName = u"UFO",
      .extensions = kUfoExtensions,
      .info = ReadUfoInfo,
+     .notes = ReadUfoNotes,
      .load = LoadUfoRow,
      .traits = Format::kLossy},
     {.id = kTypeBmp,
@@ -149,6 +167,7 @@ const Format kFormats[] = {
      .extensions = kPngExtensions,
      .heads = kPngHeads,
      .info = ReadPngInfo,
+     .notes = ReadPngNotes,
      .load = LoadRow<LoadPng>,
      .save = SavePngRow,
      .target = TargetFormat::kPng,
@@ -160,7 +179,8 @@ const Format kFormats[] = {
      .extensions = kTiffExtensions,
      .heads = kTiffHeads,
      .info = ReadTiffInfo,
-     .load = LoadRow<LoadTiff>,
+     .notes = ReadTiffNotes,
+     .load = LoadPageRow<LoadTiffPage>,
      .save = SaveTiffRow,
      .target = TargetFormat::kTiff,
      .firstSave = u"tif",
@@ -175,21 +195,40 @@ const Format kFormats[] = {
      .filterName = u"JPEG 2000",
      .extensions = kJpeg2000Extensions,
      .heads = kJp2Heads,
+     .info = ReadJpeg2000Info,
+     .notes = ReadJpeg2000Notes,
+     .load = LoadRow<LoadJpeg2000>,
+     .save = SaveJp2Row,
      .target = TargetFormat::kJp2,
      .firstSave = u"jp2",
      .traits = kPhoto | Format::kHoldsProfile | Format::kSourcesEndOpen},
-    {.id = kTypeJ2k, .name = "J2K", .heads = kJ2kHeads, .firstSave = u"jp2", .traits = kPhoto},
+    {.id = kTypeJ2k,
+     .name = "J2K",
+     .heads = kJ2kHeads,
+     .info = ReadJpeg2000Info,
+     .notes = ReadJpeg2000Notes,
+     .load = LoadRow<LoadJpeg2000>,
+     .firstSave = u"jp2",
+     .traits = kPhoto},
     {.id = kTypeWebp,
      .name = "WebP",
      .filterName = u"Webp",
      .extensions = kWebpExtensions,
      .heads = kWebpHeads,
      .info = ReadWebpInfo,
-     .load = LoadRow<LoadWebp>,
+     .notes = ReadWebpNotes,
+     .load = LoadPageRow<LoadWebpPage>,
      .save = SaveWebpRow,
      .target = TargetFormat::kWebp,
      .traits = kAnyDepth | Format::kLossy | Format::kHoldsAlpha | Format::kHoldsProfile |
                Format::kSeveralPages},
+    {.id = kTypeDjvu,
+     .name = "DjVu",
+     .heads = kDjvuHeads,
+     .info = ReadDjvuInfo,
+     .notes = ReadDjvuNotes,
+     .load = LoadPageRow<LoadDjvu>,
+     .traits = Format::kSeveralPages},
     {.id = kTypeRaw, .name = "RAW", .filterName = u"Raw", .extensions = kRawExtensions},
 };
 

@@ -26,11 +26,13 @@ struct LoadNotes;
 enum FileTypeId : int {
     kTypeUnknown = 0, kTypeJpeg = 1, kTypeUfo = 2, kTypeGif = 3, kTypeBmp = 4, kTypePng = 5,
     kTypeTiff = 6, kTypeMetafile = 7, kTypeJ2k = 8, kTypeJp2 = 9, kTypeWebp = 10, kTypeRaw = 11,
+    kTypeDjvu = 260,  // as the sniffer of page files counts
 };
 // clang-format on
 
 struct LoadOptions {
     bool reverseCmyk = false;  // inks of JPEG
+    int page = 1;              // of those that the file holds
 };
 
 /// Positions of PARA_COLOR that only BMP can hold.
@@ -39,17 +41,22 @@ inline constexpr int kColorIndex565 = 18, kColorIndex555 = 19;
 struct SaveOptions {
     int quality = 90, dpi = 96;
     int colorIndex = 2;             // position of PARA_COLOR
+    int jp2Rate = 15;               // PARA_JP2_RATE
     bool transparentWhite = false;  // PARA_DECREASE_TRANSPARENT
     bool cropGif = false;           // keeps only the tight frame of a GIF
     JpegRules jpeg;
     const CDibImage* jpegSource = nullptr;  // stands in for an image that came from no JPEG
 };
 
-/// Reads the first picture. False, with a reason, leaves the image as it was.
+/// Reads the page asked for, where the format has several. False, with a reason, leaves the image
+/// as it was.
 using FormatLoad = bool (*)(ByteSource& source, const LoadOptions& options, CDibImage& image,
                             LoadNotes& notes, FileError* error);
 /// What the file says, without decoding pixels.
 using FormatInfo = bool (*)(ByteSource& source, ImageInfo& info, FileError* error);
+/// What stands beside the picture: what travels with it, and how many pictures there are, without
+/// decoding pixels.
+using FormatNotes = bool (*)(ByteSource& source, LoadNotes& notes, FileError* error);
 /// Writes into an open sink. The image may take the DPI written and be normalised in depth.
 using FormatSave = bool (*)(ByteSink& sink, CDibImage& image, const SaveOptions& options,
                             FileError* error);
@@ -83,6 +90,7 @@ struct Format {
     std::span<const FormatExtension> extensions = {};
     std::span<const HeadRule> heads = {};  // any of them; an earlier format wins
     FormatInfo info = nullptr;             // null where there is none (yet)
+    FormatNotes notes = nullptr;           // null where nothing can stand there
     FormatLoad load = nullptr;
     FormatSave save = nullptr;
     TargetFormat target = TargetFormat::kAuto;  // as which it is saved; kAuto: never

@@ -18,8 +18,13 @@ class CDibImage;
 /// is white below its whole rows; without one whole row, and for other damage to the head, false,
 /// and the image is as it was.
 bool LoadGif(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error);
+/// The page with this number, counted from 1; a later picture of an animation as it is seen then,
+/// 24 bits.
+bool LoadGifPage(ByteSource& source, int page, CDibImage& image, LoadNotes& notes,
+                 FileError* error);
 
 bool ReadGifInfo(ByteSource& source, ImageInfo& info, FileError* error);
+bool ReadGifNotes(ByteSource& source, LoadNotes& notes, FileError* error);
 
 /// Writes the used colours as a compact table. `tightFrame` keeps only the rectangle of pixels that
 /// differ from the top left one; `transparentBackground` makes that pixel's colour transparent.

@@ -121,10 +121,10 @@ ImageInfo GifReader::Info() const {
     info.colorsUsed = fileEntries_;
     while (1 << info.bitsPerPixel < fileEntries_)
         ++info.bitsPerPixel;
-    info.grey = fileEntries_ == 256;
+    info.gray = fileEntries_ == 256;
     for (int i = 0; i < fileEntries_; ++i) {
         const auto level = static_cast<std::uint8_t>(i);
-        info.grey = info.grey &&
+        info.gray = info.gray &&
                     palette_[static_cast<std::size_t>(i)] == PaletteEntry{level, level, level, 0};
     }
     return info;

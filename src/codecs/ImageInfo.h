@@ -11,7 +11,7 @@ struct ImageInfo {
     int bitsPerPixel = 0;  // as the file holds them: 16 for 565, 32 with alpha, 48 for 16-bit RGB
     int colorsUsed = 0;    // palette entries that the file holds, 0 without a palette
     int xDpi = 96, yDpi = 96;
-    bool grey = false;  // loads as 8 bits with the identity grey ramp
+    bool gray = false;  // loads as 8 bits with the identity grey ramp
 };
 
 /// Readers refuse larger pictures.

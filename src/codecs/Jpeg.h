@@ -16,10 +16,11 @@ class CDibImage;
 /// 1 component gives 8 bits with the identity grey palette, 3 and 4 give 24 bits. Honours the EXIF
 /// resolution and orientation. What a cut-off file lacks is white: rows of MCUs that are not told
 /// whole, in a file of several scans those that the first scan does not reach. `reverseCmyk`
-/// inverts CMYK data. Sets sourceColours (components * 8), sourceFlag (the horizontal DPI) and
-/// DPI, and keeps what a new JPEG may inherit. False, the image as it was, for less than 10 bytes,
-/// for a file without a readable head, and for kinds that no page comes in: 2 components, 12 bits,
-/// lossless, more scans than the file's size pays for.
+/// inverts CMYK data, which becomes RGB by the file's own profile where it has one of inks. Sets
+/// sourceColours (components * 8), sourceFlag (the horizontal DPI) and DPI, and keeps what a new
+/// JPEG may inherit. False, the image as it was, for less than 10 bytes, for a file without a
+/// readable head, and for kinds that no page comes in: 2 components, 12 bits, lossless, more scans
+/// than the file's size pays for.
 bool LoadJpeg(ByteSource& source, CDibImage& image, bool reverseCmyk, LoadNotes& notes,
               FileError* error);
 
@@ -41,6 +42,8 @@ bool ReadJpegHeader(ByteSource& source, int& outBits, int& outDpi);
 
 bool ReadJpegInfo(ByteSource& source, ImageInfo& info, FileError* error);
 bool ReadUfoInfo(ByteSource& source, ImageInfo& info, FileError* error);
+bool ReadJpegNotes(ByteSource& source, LoadNotes& notes, FileError* error);
+bool ReadUfoNotes(ByteSource& source, LoadNotes& notes, FileError* error);
 
 /// Luma sampling factors of the automatic rule; chroma is always 1 x 1.
 struct LumaSampling {

@@ -52,6 +52,7 @@ void JpegDecoder::ReadHead() {
                    OnSourceEvent};
         jpeg_.src = &source_;
         jpeg_save_markers(&jpeg_, JPEG_APP0 + 1, 0xFFFF);
+        jpeg_save_markers(&jpeg_, JPEG_APP0 + 2, 0xFFFF);
         jpeg_read_header(&jpeg_, TRUE);
     });
 }

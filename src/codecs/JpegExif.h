@@ -9,8 +9,6 @@
 
 namespace velloran {
 
-class CDibImage;
-
 struct ExifFacts {
     int resolutionUnit = 0;  // 2 inch, 3 centimetre
     std::optional<double> xResolution, yResolution;
@@ -26,12 +24,5 @@ struct PageDpi {
     int x = 0, y = 0;
 };
 PageDpi ApplyExifResolution(const ExifFacts& exif, PageDpi head);
-
-/// True for orientations that swap width and height.
-bool SwapsSides(int orientation);
-
-/// Turns an image of 8 or 24 bits that was stored in orientation 2..8 upright; others stay.
-/// Row padding and DPI are not looked after. Throws std::bad_alloc.
-void TurnUpright(CDibImage& image, int orientation);
 
 }  // namespace velloran

@@ -5,12 +5,14 @@
 #include <utility>
 #include <vector>
 
-#include "codecs/Cmyk.h"
+#include "codecs/ColorProfile.h"
 #include "codecs/DecodedPage.h"
 #include "codecs/Jpeg.h"
 #include "codecs/JpegDecoder.h"
 #include "codecs/JpegExif.h"
+#include "codecs/JpegMetadata.h"
 #include "codecs/JpegSource.h"
+#include "codecs/Upright.h"
 #include "core/DibImage.h"
 #include "core/Rounding.h"
 
@@ -54,7 +56,7 @@ void DecodePlain(JpegDecoder& decoder, CDibImage& image) {
     decoder.ReadRows(rows);
 }
 
-void DecodeCmyk(JpegDecoder& decoder, CDibImage& image, bool invert) {
+void DecodeCmyk(JpegDecoder& decoder, CDibImage& image, const InkConverter& inks) {
     constexpr int kStripRows = 64;
     const int width = image.GetWidth(), height = image.GetHeight();
     std::vector<std::uint8_t> strip(static_cast<std::size_t>(width) * 4 * kStripRows);
@@ -68,8 +70,7 @@ void DecodeCmyk(JpegDecoder& decoder, CDibImage& image, bool invert) {
             break;
 #pragma omp parallel for schedule(static)
         for (int y = 0; y < count; ++y)
-            ConvertCmykRow(rows[static_cast<std::size_t>(y)], RowFromTop(image, top + y), width,
-                           invert);
+            inks.ConvertRow(rows[static_cast<std::size_t>(y)], RowFromTop(image, top + y), width);
         top += count;
     }
 }
@@ -95,8 +96,10 @@ void Decode(ByteSource& source, std::uint64_t limit, bool reverseCmyk, Decoded& 
         throw std::bad_alloc();
     if (head.num_components == 1)
         page.SetGrayPalette();
+    Metadata metadata = JpegMetadataOf(head);
     if (head.num_components == 4)
-        DecodeCmyk(decoder, page, (head.saw_Adobe_marker != 0) != reverseCmyk);
+        DecodeCmyk(decoder, page,
+                   InkConverter(metadata.profile, (head.saw_Adobe_marker != 0) != reverseCmyk));
     else
         DecodePlain(decoder, page);
     WhitenRows(page, decoder.RowsPresent());
@@ -111,6 +114,7 @@ void Decode(ByteSource& source, std::uint64_t limit, bool reverseCmyk, Decoded& 
     if (decoder.Damage()[0] != '\0')
         decoded.notes.NoteDamage(decoder.Damage());
     TurnUpright(page, exif.orientation);
+    decoded.notes.TakeMetadata(std::move(metadata));
 }
 
 /// A file that ends inside a marker segment, behind some of its scans, shows what came before.
@@ -188,7 +192,15 @@ void ReadInfo(ByteSource& source, ImageInfo& info) {
     info.bitsPerPixel = head.num_components * 8;
     info.xDpi = DpiOfImage(dpi.x);
     info.yDpi = DpiOfImage(dpi.y);
-    info.grey = head.num_components == 1;
+    info.gray = head.num_components == 1;
+}
+
+void ReadNotes(ByteSource& source, LoadNotes& notes) {
+    JpegDecoder decoder(source);
+    decoder.ReadHead();
+    LoadNotes found;
+    found.TakeMetadata(JpegMetadataOf(decoder.Head()));
+    notes = std::move(found);
 }
 
 /// Decodes `source`, whose bytes come from `file`, and hands the page over.
@@ -201,6 +213,7 @@ bool Load(ByteSource& source, const ByteSource& file, bool reverseCmyk, bool kee
     HandOver(decoded.page, decoded.components * 8, decoded.dpi.x, decoded.dpi.y, image);
     if (keepHead)
         image.Source().jpegHead = std::move(decoded.head);
+    image.Source().metadata = decoded.notes.metadata;
     notes = std::move(decoded.notes);
     return true;
 }
@@ -239,6 +252,23 @@ bool ReadJpegInfo(ByteSource& source, ImageInfo& info, FileError* error) {
     return ReportFailure(source, error, [&] {
         RequireBytes(source, kLeastBytes);
         ReadInfo(source, info);
+        return true;
+    });
+}
+
+bool ReadJpegNotes(ByteSource& source, LoadNotes& notes, FileError* error) {
+    return ReportFailure(source, error, [&] {
+        RequireBytes(source, kLeastBytes);
+        ReadNotes(source, notes);
+        return true;
+    });
+}
+
+bool ReadUfoNotes(ByteSource& source, LoadNotes& notes, FileError* error) {
+    return ReportFailure(source, error, [&] {
+        RequireBytes(source, sizeof RepairedUfo::kHead + 1);
+        RepairedUfo repaired(source);
+        ReadNotes(repaired, notes);
         return true;
     });
 }

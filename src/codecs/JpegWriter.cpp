@@ -5,6 +5,7 @@
 #include "codecs/EncodedPage.h"
 #include "codecs/Jpeg.h"
 #include "codecs/JpegErrors.h"
+#include "codecs/JpegMetadata.h"
 #include "codecs/JpegSource.h"
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
@@ -180,8 +181,15 @@ void JpegEncoder::Write(const CDibImage& image) {
     for (int y = height - 1; y >= 0; --y)  // the library only reads them
         rows.push_back(const_cast<JSAMPROW>(image.GetBits(y)));
     const JSAMPARRAY allRows = rows.data();
-    RunJpeg(errors_, [this, allRows] {
+    const std::vector<JpegSegment> segments =
+        JpegSegmentsOf(MetadataToWrite(image, image.GetBpp() == 24));
+    const JpegSegment* segment = segments.data();
+    const std::size_t segmentCount = segments.size();
+    RunJpeg(errors_, [this, allRows, segment, segmentCount] {
         jpeg_start_compress(&jpeg_, /*write_all_tables=*/TRUE);
+        for (std::size_t i = 0; i < segmentCount; ++i)
+            jpeg_write_marker(&jpeg_, segment[i].marker, segment[i].bytes.data(),
+                              static_cast<unsigned int>(segment[i].bytes.size()));
         while (jpeg_.next_scanline < jpeg_.image_height)
             jpeg_write_scanlines(&jpeg_, allRows + jpeg_.next_scanline,
                                  jpeg_.image_height - jpeg_.next_scanline);
@@ -220,6 +228,8 @@ bool SaveJpeg(ByteSink& sink, CDibImage& image, const CDibImage* sourceImage, in
                                FileReason::kTooLarge);
         if (EnsureGrayOrRgb(image) == 0)
             return FailNoMemory(error);
+        image.SetXDpi(dpi);
+        image.SetYDpi(dpi);
         return Code(sink, image, {rules, quality, dpi}, JpegHeadFor(image, sourceImage), error);
     });
 }

@@ -2,6 +2,8 @@
 
 #include <gif_lib.h>
 #include <jpeglib.h>
+#include <lcms2.h>
+#include <openjpeg.h>
 #include <png.h>
 #include <tiffio.h>
 #include <webp/decode.h>
@@ -28,6 +30,11 @@ std::string WebpVersion() {
            std::to_string(version & 0xFF);
 }
 
+std::string LcmsVersion() {
+    const int version = cmsGetEncodedCMMversion();  // 2140 is 2.14
+    return std::to_string(version / 1000) + "." + std::to_string(version % 1000 / 10);
+}
+
 std::string Joined(int major, int minor, int last) {
     return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(last);
 }
@@ -40,7 +47,9 @@ std::vector<LibraryVersion> LibraryVersions() {
             {"libpng", png_get_libpng_ver(nullptr)},
             {"libtiff", TiffVersion()},
             {"giflib", Joined(GIFLIB_MAJOR, GIFLIB_MINOR, GIFLIB_RELEASE)},
-            {"libwebp", WebpVersion()}};
+            {"libwebp", WebpVersion()},
+            {"OpenJPEG", opj_version()},
+            {"Little CMS", LcmsVersion()}};
 }
 
 }  // namespace velloran

@@ -5,7 +5,10 @@
 #include <limits>
 
 #include "codecs/DecodedPage.h"
+#include "codecs/ExifBlock.h"
 #include "codecs/Png.h"
+#include "codecs/PngMetadata.h"
+#include "codecs/Upright.h"
 #include "core/IndexRows.h"
 
 namespace velloran {
@@ -14,7 +17,8 @@ namespace {
 constexpr std::int64_t kDeflateRatio = 1032;
 constexpr png_alloc_size_t kMaxChunkBytes = 16 << 20;
 
-// Chunks that say nothing a page needs; profiles and texts can be large and slow.
+// Chunks that say nothing a page needs, and those that are read apart; profiles and texts can be
+// large and slow.
 constexpr char kIgnoredChunks[] =
     "bKGD\0cHRM\0eXIf\0gAMA\0hIST\0iCCP\0iTXt\0oFFs\0pCAL\0sBIT\0sCAL\0sPLT\0sRGB\0sTER\0tEXt\0"
     "tIME\0zTXt";
@@ -76,6 +80,8 @@ bool PngReader::ReadHead(FileError* error) {
     const int bits = form_ == Form::kBgra ? 32 : (form_ == Form::kGrayAlpha ? 16 : PageBits());
     if (!IsAcceptableSize(width_, height_, bits))
         return FailContent(error, "the picture is too large", FileReason::kTooLarge);
+    metadata_ = ReadPngMetadata(file_);
+    orientation_ = ExifOrientation(metadata_.exif);
     return true;
 }
 
@@ -125,20 +131,21 @@ int PngReader::PageBits() const {
 
 ImageInfo PngReader::Info() const {
     ImageInfo info;
-    info.width = width_;
-    info.height = height_;
+    const bool isSideways = SwapsSides(orientation_);
+    info.width = isSideways ? height_ : width_;
+    info.height = isSideways ? width_ : height_;
     info.bitsPerPixel = bitDepth_ * channels_;
     info.colorsUsed = paletteCount_;
-    info.xDpi = xDpi_;
-    info.yDpi = yDpi_;
+    info.xDpi = isSideways ? yDpi_ : xDpi_;
+    info.yDpi = isSideways ? xDpi_ : yDpi_;
     if (colorType_ != PNG_COLOR_TYPE_PALETTE) {
-        info.grey = channels_ <= 2 && bitDepth_ >= 8;
+        info.gray = channels_ <= 2 && bitDepth_ >= 8;
         return info;
     }
-    info.grey = paletteCount_ == 256;
+    info.gray = paletteCount_ == 256;
     for (int i = 0; i < paletteCount_; ++i)
-        info.grey =
-            info.grey && palette_[i].red == i && palette_[i].green == i && palette_[i].blue == i;
+        info.gray =
+            info.gray && palette_[i].red == i && palette_[i].green == i && palette_[i].blue == i;
     return info;
 }
 
@@ -229,8 +236,8 @@ bool PngReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
     if (!whole || !RunGuarded(png_, [this] { png_read_end(png_, nullptr); }))
         notes.NoteDamage(message_.text);
     notes.pictures = frames_;
-    page.SetXDpi(xDpi_);
-    page.SetYDpi(yDpi_);
+    TurnUpright(page, orientation_);
+    SetUprightDpi(page, orientation_, xDpi_, yDpi_);
     return true;
 }
 
@@ -284,6 +291,10 @@ bool LoadPng(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* 
 
 bool ReadPngInfo(ByteSource& source, ImageInfo& info, FileError* error) {
     return InfoWith<PngReader>(source, info, error);
+}
+
+bool ReadPngNotes(ByteSource& source, LoadNotes& notes, FileError* error) {
+    return NotesWith<PngReader>(source, notes, error);
 }
 
 }  // namespace velloran

@@ -18,7 +18,7 @@ namespace velloran {
 
 class PngReader {
  public:
-    explicit PngReader(ByteSource& source) : source_(source) {}
+    explicit PngReader(ByteSource& source) : file_(source), source_(source) {}
     ~PngReader();
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
@@ -32,6 +32,9 @@ class PngReader {
 
     /// Decodes into an empty page.
     bool ReadPage(CDibImage& page, LoadNotes& notes, FileError* error);
+    /// Moves out what travels with the picture; behind ReadPage.
+    void ReadNotes(LoadNotes& notes) { notes.TakeMetadata(std::move(metadata_)); }
+    int CountPictures() const { return frames_; }
 
  private:
     /// How decoded rows become the page's rows.
@@ -49,7 +52,10 @@ class PngReader {
     void DecodeRows(CDibImage& page, std::uint8_t* scratch);
     void ConvertRow(const std::uint8_t* from, CDibImage& page, int y) const;
 
+    ByteSource& file_;
     SourceReader source_;
+    Metadata metadata_;
+    int orientation_ = 1;  // of EXIF
     std::uint64_t position_ = 0, nextChunk_ = 8;
     std::uint64_t frameCountAt_ = 0;  // where an animation says how many frames it has; 0: none
     int frames_ = 1;

@@ -10,6 +10,7 @@
 #include "codecs/EncodedPage.h"
 #include "codecs/Png.h"
 #include "codecs/PngGuard.h"
+#include "codecs/PngMetadata.h"
 #include "core/DibImage.h"
 #include "core/IndexRows.h"
 #include "io/ByteSink.h"
@@ -29,6 +30,7 @@ struct PngPlan {
     std::array<png_color, 256> palette{};
     int alphaCount = 0;
     std::array<png_byte, 256> alpha{};
+    std::vector<PngChunk> chunks;  // of what travels along
 };
 
 void WriteBytes(png_structp png, png_bytep data, std::size_t count) {
@@ -188,6 +190,10 @@ void WriteHead(png_structp png, png_infop info, const CDibImage& image, const Pn
                  static_cast<png_uint_32>(image.GetYDpi() / 0.0254 + 0.5), PNG_RESOLUTION_METER);
     if (plan.bitDepth == 8)
         ChooseEffort(png, plan.colorType);
+    png_write_info_before_PLTE(png, info);
+    for (const PngChunk& chunk : plan.chunks)
+        png_write_chunk(png, reinterpret_cast<png_const_bytep>(chunk.name.data()),
+                        chunk.bytes.data(), chunk.bytes.size());
     png_write_info(png, info);
     if (plan.invertMono)
         png_set_invert_mono(png);
@@ -210,7 +216,9 @@ void WriteRows(png_structp png, png_infop info, const CDibImage& image, const Pn
 }
 
 bool Code(const CDibImage& image, bool grayTransparent, ByteSink& sink, FileError* error) {
-    const PngPlan plan = PlanFor(image, grayTransparent);
+    PngPlan plan = PlanFor(image, grayTransparent);
+    const bool fileHasColor = (plan.colorType & PNG_COLOR_MASK_COLOR) != 0;
+    plan.chunks = PngChunksOf(MetadataToWrite(image, fileHasColor));
     std::vector<std::uint8_t> scratch(static_cast<std::size_t>(image.GetWidth()) * 4);
     PngMessage message;
     png_structp png =

@@ -18,8 +18,12 @@ class CDibImage;
 /// is white below its whole rows; without one whole row, and for other damage to the head, false,
 /// and the image is as it was.
 bool LoadTiff(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error);
+/// The page with this number, counted from 1; previews and masks are no pages.
+bool LoadTiffPage(ByteSource& source, int page, CDibImage& image, LoadNotes& notes,
+                  FileError* error);
 
 bool ReadTiffInfo(ByteSource& source, ImageInfo& info, FileError* error);
+bool ReadTiffNotes(ByteSource& source, LoadNotes& notes, FileError* error);
 
 enum class TiffCompression { kNone, kGroup4, kLzw, kDeflate, kJpeg };
 /// What suits the depth: Group 4 for black and white, else a lossless one.

@@ -179,9 +179,9 @@ ImageInfo TiffInfoOf(TIFF* tiff, const TiffFormat& format) {
     info.bitsPerPixel = format.bits * format.samples;
     const TiffPalette palette = TiffPaletteOf(tiff, format);
     info.colorsUsed = palette.count;
-    info.grey = format.PageBits() == 8;
+    info.gray = format.PageBits() == 8;
     for (int i = 0; i < palette.count; ++i)
-        info.grey = info.grey && palette.red[i] >> palette.shift == i &&
+        info.gray = info.gray && palette.red[i] >> palette.shift == i &&
                     palette.green[i] >> palette.shift == i && palette.blue[i] >> palette.shift == i;
     return info;
 }

@@ -78,8 +78,8 @@ TiffHandle::TiffHandle(ByteSource& source) : source_(&source) {
     Open("r");
 }
 
-TiffHandle::TiffHandle(ByteSink& sink) : sink_(&sink) {
-    Open("w");
+TiffHandle::TiffHandle(ByteSink& sink, bool bigEndian) : sink_(&sink) {
+    Open(bigEndian ? "wb" : "wl");
 }
 
 TiffHandle::~TiffHandle() {

@@ -18,8 +18,8 @@ class TiffHandle {
  public:
     /// Opens the first page of a source, which must outlive the handle.
     explicit TiffHandle(ByteSource& source);
-    /// Opens a sink for writing.
-    explicit TiffHandle(ByteSink& sink);
+    /// Opens a sink for writing in one order of bytes.
+    explicit TiffHandle(ByteSink& sink, bool bigEndian = false);
     ~TiffHandle();
     TiffHandle(const TiffHandle&) = delete;
     TiffHandle& operator=(const TiffHandle&) = delete;

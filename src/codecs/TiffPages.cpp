@@ -53,10 +53,10 @@ bool IsPage(Numbers& numbers, std::uint64_t place, const Layout& layout) {
     return (kind & kPreviewOrMask) == 0;
 }
 
-}  // namespace
-
-bool CountTiffPages(ByteSource& source, int& pages) {
-    pages = 1;
+/// Calls `visit` with the place of each page, until it says false. False when the chain leads out
+/// of the file.
+template <typename Visit>
+bool WalkPages(ByteSource& source, Visit visit) {
     std::array<std::uint8_t, 4> head{};
     source.ReadAt(0, head);
     Numbers numbers(source, head[0] == 'M');
@@ -67,21 +67,42 @@ bool CountTiffPages(ByteSource& source, int& pages) {
     if (!numbers.Read(version == 43 ? 8 : 4, layout.offsetBytes, place))
         return false;
     std::set<std::uint64_t> seen;
-    int count = 0;
     bool whole = true;
     while (place != 0 && seen.size() < kMostPages && seen.insert(place).second) {
         std::uint64_t entries = 0;
         whole = numbers.Read(place, layout.countBytes, entries) && entries <= 0xFFFF;
         if (!whole)
             break;
-        count += IsPage(numbers, place, layout) ? 1 : 0;
+        if (IsPage(numbers, place, layout) && !visit(place))
+            return true;
         whole = numbers.Read(place + layout.countBytes + entries * layout.entryBytes,
                              layout.offsetBytes, place);
         if (!whole)
             break;
     }
+    return whole;
+}
+
+}  // namespace
+
+bool CountTiffPages(ByteSource& source, int& pages) {
+    int count = 0;
+    const bool whole = WalkPages(source, [&](std::uint64_t) {
+        ++count;
+        return true;
+    });
     pages = std::max(count, 1);
     return whole;
+}
+
+std::uint64_t FindTiffPage(ByteSource& source, int page) {
+    std::uint64_t found = 0;
+    int count = 0;
+    WalkPages(source, [&](std::uint64_t place) {
+        found = ++count == page ? place : 0;
+        return found == 0;
+    });
+    return found;
 }
 
 }  // namespace velloran

@@ -2,44 +2,33 @@
 
 #include <algorithm>
 
+#include "codecs/ColorProfile.h"
 #include "codecs/DecodedPage.h"
 #include "codecs/Tiff.h"
 #include "codecs/TiffBands.h"
+#include "codecs/TiffExif.h"
 #include "codecs/TiffPages.h"
 #include "codecs/TiffRgba.h"
 #include "codecs/TiffSamples.h"
+#include "codecs/Upright.h"
 
 namespace velloran {
 namespace {
 
 using Kind = TiffFormat::Kind;
 
-bool TurnUpright(CDibImage& page, std::uint16_t orientation) {
-    switch (orientation) {
-        case ORIENTATION_TOPRIGHT:
-            return page.Flip(FlipMode::kMirror);
-        case ORIENTATION_BOTRIGHT:
-            return page.Flip(FlipMode::kUpsideDown);
-        case ORIENTATION_BOTLEFT:
-            return page.Flip(FlipMode::kFlip);
-        case ORIENTATION_LEFTTOP:
-            return page.Rotate90(/*left=*/false) && page.Flip(FlipMode::kMirror);
-        case ORIENTATION_RIGHTTOP:
-            return page.Rotate90(/*left=*/false);
-        case ORIENTATION_RIGHTBOT:
-            return page.Rotate90(/*left=*/false) && page.Flip(FlipMode::kFlip);
-        case ORIENTATION_LEFTBOT:
-            return page.Rotate90(/*left=*/true);
-        default:
-            return true;
-    }
-}
-
 }  // namespace
 
 bool TiffReader::ReadHead(FileError* error) {
     if (handle_.Get() == nullptr)
         return handle_.Fail(error, "not a TIFF file");
+    if (number_ != 1) {
+        const std::uint64_t place = FindTiffPage(source_, number_);
+        if (place == 0)
+            return FailNoSuchPage(error, CountPictures());
+        if (TIFFSetSubDirectory(handle_.Get(), place) != 1)
+            return handle_.Fail(error, "the page cannot be read");
+    }
     return ReadTiffFormat(handle_, format_, error);
 }
 
@@ -69,8 +58,7 @@ bool TiffReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
         notes.NoteDamage("the file breaks off before its end");
     if (handle_.Message()[0] != '\0')
         notes.NoteDamage(handle_.Message());
-    if (!TurnUpright(page, format_.orientation))
-        return FailNoMemory(error);
+    TurnUpright(page, format_.orientation);
     const ImageInfo info = Info();
     page.SetXDpi(info.xDpi);
     page.SetYDpi(info.yDpi);
@@ -137,7 +125,9 @@ int TiffReader::DecodeRows(CDibImage& page) {
     TIFF* tiff = handle_.Get();
     if (format_.kind == Kind::kRgba)
         return FitsBand(TiffRgbaScratch(tiff, format_)) ? ReadTiffRgba(tiff, format_, page) : 0;
-    TiffSamples samples(format_, page);
+    const Metadata metadata = format_.kind == Kind::kCmyk ? ReadMetadata() : Metadata();
+    const InkConverter inks(metadata.profile, /*invert=*/false);
+    TiffSamples samples(format_, inks, page);
     return format_.tiled || format_.separate ? ReadBands(samples) : ReadScanlines(samples);
 }
 
@@ -170,12 +160,48 @@ int TiffReader::ReadBands(TiffSamples& samples) {
     return y;
 }
 
+Metadata TiffReader::ReadMetadata() const {
+    Metadata metadata;
+    const auto take = [this](std::uint32_t tag, Blob& to) {
+        std::uint32_t count = 0;
+        const void* bytes = nullptr;
+        if (TIFFGetField(handle_.Get(), tag, &count, &bytes) != 1 || bytes == nullptr ||
+            count > kMostMetadataBytes)
+            return;
+        const auto* first = static_cast<const std::uint8_t*>(bytes);
+        to.assign(first, first + count);
+    };
+    take(TIFFTAG_ICCPROFILE, metadata.profile);
+    take(TIFFTAG_XMLPACKET, metadata.xmp);
+    metadata.exif = CollectTiffExif(source_, TIFFCurrentDirOffset(handle_.Get()));
+    return metadata;
+}
+
+void TiffReader::ReadNotes(LoadNotes& notes) {
+    notes.TakeMetadata(ReadMetadata());
+}
+
+int TiffReader::CountPictures() const {
+    int pages = 1;
+    CountTiffPages(source_, pages);
+    return pages;
+}
+
 bool LoadTiff(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError* error) {
     return LoadWith<TiffReader>(source, image, notes, error);
 }
 
+bool LoadTiffPage(ByteSource& source, int page, CDibImage& image, LoadNotes& notes,
+                  FileError* error) {
+    return LoadWith<TiffReader>(source, image, notes, error, page);
+}
+
 bool ReadTiffInfo(ByteSource& source, ImageInfo& info, FileError* error) {
     return InfoWith<TiffReader>(source, info, error);
+}
+
+bool ReadTiffNotes(ByteSource& source, LoadNotes& notes, FileError* error) {
+    return NotesWith<TiffReader>(source, notes, error);
 }
 
 }  // namespace velloran

@@ -15,7 +15,8 @@ class TiffSamples;
 
 class TiffReader {
  public:
-    explicit TiffReader(ByteSource& source) : source_(source), handle_(source) {}
+    explicit TiffReader(ByteSource& source, int number = 1)
+        : source_(source), handle_(source), number_(number) {}
 
     /// Reads the page's fields. Once, and first.
     bool ReadHead(FileError* error);
@@ -25,8 +26,11 @@ class TiffReader {
 
     /// Decodes into an empty page and turns it upright.
     bool ReadPage(CDibImage& page, LoadNotes& notes, FileError* error);
+    void ReadNotes(LoadNotes& notes);
+    int CountPictures() const;
 
  private:
+    Metadata ReadMetadata() const;
     bool ShortenCutStrips();
     void FillPalette(CDibImage& page) const;
     bool FitsBand(std::int64_t bytes) const;
@@ -36,6 +40,7 @@ class TiffReader {
 
     ByteSource& source_;
     TiffHandle handle_;
+    int number_;  // of the page, from 1
     TiffFormat format_;
 };
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "codecs/Cmyk.h"
+#include "codecs/ColorProfile.h"
 #include "codecs/DecodedPage.h"
 #include "core/IndexRows.h"
 
@@ -29,8 +29,9 @@ std::uint8_t UnmultipliedSample(unsigned sample, unsigned alpha) {
     return static_cast<std::uint8_t>(std::min(255u, (sample * 255 + alpha / 2) / alpha));
 }
 
-TiffSamples::TiffSamples(const TiffFormat& format, CDibImage& page)
+TiffSamples::TiffSamples(const TiffFormat& format, const InkConverter& inks, CDibImage& page)
     : format_(format),
+      inks_(inks),
       page_(page),
       width_(static_cast<std::size_t>(format.width)),
       stride_(static_cast<std::size_t>(format.samples)),
@@ -94,7 +95,7 @@ void TiffSamples::TakeCmyk(const std::uint8_t* samples, std::uint8_t* row) {
     narrow_.resize(width_ * 4);
     for (std::size_t x = 0; x < width_; ++x)
         std::memcpy(narrow_.data() + 4 * x, samples + x * stride_, 4);
-    ConvertCmykRow(narrow_.data(), row, format_.width, /*invert=*/false);
+    inks_.ConvertRow(narrow_.data(), row, format_.width);
 }
 
 void TiffSamples::TakeAlpha(const std::uint8_t* samples, std::uint8_t* row,

@@ -10,15 +10,16 @@
 namespace velloran {
 
 class CDibImage;
+class InkConverter;
 
 /// The colour before it was multiplied by its alpha, rounded; without alpha the sample itself.
 std::uint8_t UnmultipliedSample(unsigned sample, unsigned alpha);
 
 class TiffSamples {
  public:
-    /// Both must outlive this; the page has the format's size and depth, and an alpha plane where
+    /// All must outlive this; the page has the format's size and depth, and an alpha plane where
     /// the format has alpha.
-    TiffSamples(const TiffFormat& format, CDibImage& page);
+    TiffSamples(const TiffFormat& format, const InkConverter& inks, CDibImage& page);
 
     /// Where a decoded row may go at once: the page's own row, else scratch.
     std::uint8_t* Target(int y, std::size_t rowBytes);
@@ -33,6 +34,7 @@ class TiffSamples {
     void TakeAlpha(const std::uint8_t* samples, std::uint8_t* row, std::uint8_t* alpha) const;
 
     const TiffFormat& format_;
+    const InkConverter& inks_;
     CDibImage& page_;
     std::size_t width_, stride_;
     std::uint8_t inversion_;  // 255 where white is zero and the page has the identity ramp

@@ -5,7 +5,9 @@
 
 #include "codecs/DecodedPage.h"
 #include "codecs/EncodedPage.h"
+#include "codecs/Metadata.h"
 #include "codecs/Tiff.h"
+#include "codecs/TiffExif.h"
 #include "codecs/TiffHandle.h"
 #include "core/DibImage.h"
 #include "core/IndexRows.h"
@@ -158,8 +160,14 @@ void PlaceRow(const CDibImage& image, const TiffPlan& plan, int y, std::uint8_t*
         out[x * samples + samples - 1] = alpha[x];
 }
 
-bool WritePage(TIFF* tiff, const CDibImage& image, const TiffPlan& plan) {
-    if (!SetFields(tiff, image, plan))
+bool SetBlob(TIFF* tiff, std::uint32_t tag, const Blob& bytes) {
+    return bytes.empty() ||
+           TIFFSetField(tiff, tag, static_cast<std::uint32_t>(bytes.size()), bytes.data()) == 1;
+}
+
+bool WritePage(TIFF* tiff, const CDibImage& image, const TiffPlan& plan, const Metadata& metadata) {
+    if (!SetFields(tiff, image, plan) || !SetBlob(tiff, TIFFTAG_ICCPROFILE, metadata.profile) ||
+        !SetBlob(tiff, TIFFTAG_XMLPACKET, metadata.xmp))
         return false;
     std::vector<std::uint8_t> row(static_cast<std::size_t>(image.GetWidth()) *
                                   static_cast<std::size_t>(plan.samples));
@@ -180,9 +188,13 @@ bool Code(const CDibImage& image, TiffCompression compression, ByteSink& sink, F
         (plan.bits != 8 || plan.photometric == PHOTOMETRIC_PALETTE))
         return FailContent(error, "JPEG coding holds grey and colour only",
                            FileReason::kKindNotWritten);
-    TiffHandle handle(sink);
-    const bool done = handle.Get() != nullptr && WritePage(handle.Get(), image, plan);
+    const bool fileHasColor = image.GetBpp() == 24 || plan.photometric == PHOTOMETRIC_PALETTE;
+    const Metadata metadata = MetadataToWrite(image, fileHasColor);
+    TiffHandle handle(sink, /*bigEndian=*/!metadata.exif.empty() && metadata.exif[0] == 'M');
+    bool done = handle.Get() != nullptr && WritePage(handle.Get(), image, plan, metadata);
     handle.Close();
+    if (done && !metadata.exif.empty())
+        done = AppendTiffExif(sink, metadata.exif);
     if (sink.HasFailed())
         return sink.FailWrite(error);
     return done || FailContent(error, handle.Message()[0] != '\0' ? handle.Message()

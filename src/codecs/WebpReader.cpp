@@ -3,18 +3,28 @@
 #include <webp/demux.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "codecs/ByteOrder.h"
 #include "codecs/DecodedPage.h"
+#include "codecs/ExifBlock.h"
+#include "codecs/Upright.h"
 #include "codecs/Webp.h"
+#include "core/StepContext.h"
 
 namespace velloran {
 namespace {
 
 struct DemuxDeleter {
     void operator()(WebPDemuxer* demuxer) const { WebPDemuxDelete(demuxer); }
+};
+struct AnimationDeleter {
+    void operator()(WebPAnimDecoder* decoder) const { WebPAnimDecoderDelete(decoder); }
 };
 struct DecoderDeleter {
     void operator()(WebPIDecoder* decoder) const { WebPIDelete(decoder); }
@@ -55,13 +65,46 @@ bool WebpReader::ReadHead(FileError* error) {
         return FailDamaged(error, "not a whole WebP head");
     if (!IsAcceptableSize(features_.width, features_.height, SourceBits()))
         return FailContent(error, "the picture has no acceptable size", FileReason::kTooLarge);
+    ReadChunks();
+    orientation_ = ExifOrientation(metadata_.exif);
     return true;
+}
+
+/// The chunks of the container: what travels along, and how many frames there are.
+void WebpReader::ReadChunks() {
+    constexpr std::uint64_t kContainer = 12, kHead = 8;
+    std::array<std::uint8_t, kHead> head{};
+    for (std::uint64_t at = kContainer; at < source_.Size() && source_.Size() - at >= kHead;) {
+        if (source_.ReadAt(at, head) != head.size())
+            return;
+        const std::uint64_t length = Little32(head.data() + 4);
+        const std::string_view name(reinterpret_cast<const char*>(head.data()), 4);
+        frames_ += name == "ANMF" ? 1 : 0;
+        Blob* part = name == "ICCP"   ? &metadata_.profile
+                     : name == "EXIF" ? &metadata_.exif
+                     : name == "XMP " ? &metadata_.xmp
+                                      : nullptr;
+        if (part != nullptr && part->empty() && length <= kMostMetadataBytes &&
+            length <= source_.Size() - at - kHead) {
+            part->resize(static_cast<std::size_t>(length));
+            part->resize(source_.ReadAt(at + kHead, *part));
+        }
+        at += kHead + length + (length & 1);
+    }
+    const std::span<const std::uint8_t> exif = BareExif(metadata_.exif);
+    metadata_.exif = Blob(exif.begin(), exif.end());
+}
+
+int WebpReader::CountPictures() const {
+    return features_.has_animation != 0 ? std::max(frames_, 1) : 1;
 }
 
 ImageInfo WebpReader::Info() const {
     ImageInfo info;
     info.width = features_.width;
     info.height = features_.height;
+    if (SwapsSides(orientation_))
+        std::swap(info.width, info.height);
     info.bitsPerPixel = SourceBits();
     return info;
 }
@@ -140,12 +183,44 @@ int WebpReader::DecodeWithAlpha(const Frame& frame, CDibImage& page) {
     return rows;
 }
 
+/// Plays the animation up to the frame: frames tell only what changes.
+bool WebpReader::ReadLaterFrame(std::span<const std::uint8_t> bytes, CDibImage& page,
+                                LoadNotes& notes, FileError* error) const {
+    if (number_ < 1 || number_ > CountPictures())
+        return FailNoSuchPage(error, CountPictures());
+    WebPAnimDecoderOptions options;
+    const WebPData data{bytes.data(), bytes.size()};
+    if (WebPAnimDecoderOptionsInit(&options) == 0)
+        return FailNoMemory(error);
+    options.color_mode = MODE_BGRA;
+    const std::unique_ptr<WebPAnimDecoder, AnimationDeleter> decoder(
+        WebPAnimDecoderNew(&data, &options));
+    if (decoder == nullptr)
+        return FailDamaged(error, "the animation cannot be decoded");
+    std::uint8_t* canvas = nullptr;
+    const CancelToken cancel = CurrentCancel();
+    for (int i = 0; i < number_; ++i) {
+        int time = 0;
+        if (cancel.IsCancelled() || WebPAnimDecoderGetNext(decoder.get(), &canvas, &time) == 0)
+            return FailDamaged(error, "the frame cannot be decoded");
+    }
+    if (!CreatePage(features_.width, features_.height, 24, /*withAlpha=*/true, page, error))
+        return false;
+    PlaceRows({{}, 0, 0, features_.width, features_.height, true}, canvas, features_.height, page);
+    notes.pictures = CountPictures();
+    page.SetXDpi(96);
+    page.SetYDpi(96);
+    return true;
+}
+
 bool WebpReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
     if (!IsPlausible())
         return FailDamaged(error, "the file is too short for its picture");
     const auto bytes = source_.AllBytes(error);
     if (!bytes)
         return false;
+    if (number_ != 1)
+        return ReadLaterFrame(*bytes, page, notes, error);
     Frame frame{*bytes, 0, 0, features_.width, features_.height, features_.has_alpha != 0};
     const bool animated = features_.has_animation != 0;
     if (animated && !FindFirstFrame(*bytes, frame, notes, error))
@@ -168,6 +243,7 @@ bool WebpReader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
     }
     if (StatedSize(*bytes) > bytes->size())
         notes.NoteDamage("the file breaks off before its end");
+    TurnUpright(page, orientation_);
     page.SetXDpi(96);
     page.SetYDpi(96);
     return true;
@@ -177,8 +253,17 @@ bool LoadWebp(ByteSource& source, CDibImage& image, LoadNotes& notes, FileError*
     return LoadWith<WebpReader>(source, image, notes, error);
 }
 
+bool LoadWebpPage(ByteSource& source, int page, CDibImage& image, LoadNotes& notes,
+                  FileError* error) {
+    return LoadWith<WebpReader>(source, image, notes, error, page);
+}
+
 bool ReadWebpInfo(ByteSource& source, ImageInfo& info, FileError* error) {
     return InfoWith<WebpReader>(source, info, error);
+}
+
+bool ReadWebpNotes(ByteSource& source, LoadNotes& notes, FileError* error) {
+    return NotesWith<WebpReader>(source, notes, error);
 }
 
 }  // namespace velloran

@@ -1,14 +1,20 @@
 #include <webp/encode.h>
+#include <webp/mux.h>
 
 #include <algorithm>
+#include <memory>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "codecs/DecodedPage.h"
 #include "codecs/EncodedPage.h"
+#include "codecs/Metadata.h"
 #include "codecs/Webp.h"
 #include "core/DibImage.h"
 #include "core/IndexRows.h"
 #include "io/ByteSink.h"
+#include "io/MemorySink.h"
 
 namespace velloran {
 namespace {
@@ -83,6 +89,38 @@ bool FailEncoding(WebPEncodingError code, FileError* error) {
     }
 }
 
+struct MuxDeleter {
+    void operator()(WebPMux* mux) const { WebPMuxDelete(mux); }
+};
+
+WebPData DataOf(std::span<const std::uint8_t> bytes) {
+    return {bytes.data(), bytes.size()};
+}
+
+/// Puts a coded picture and what travels along into one container.
+bool WriteWith(const Metadata& metadata, std::span<const std::uint8_t> coded, ByteSink& sink,
+               FileError* error) {
+    const WebPData picture = DataOf(coded);
+    const std::unique_ptr<WebPMux, MuxDeleter> mux(WebPMuxCreate(&picture, /*copy_data=*/0));
+    if (mux == nullptr)
+        return FailNoMemory(error);
+    const std::pair<const char*, const Blob*> parts[] = {
+        {"ICCP", &metadata.profile}, {"EXIF", &metadata.exif}, {"XMP ", &metadata.xmp}};
+    for (const auto& [name, bytes] : parts) {
+        const WebPData data = DataOf(*bytes);
+        if (!bytes->empty() &&
+            WebPMuxSetChunk(mux.get(), name, &data, /*copy_data=*/0) != WEBP_MUX_OK)
+            return FailNoMemory(error);
+    }
+    WebPData whole{};
+    WebPDataInit(&whole);
+    if (WebPMuxAssemble(mux.get(), &whole) != WEBP_MUX_OK)
+        return FailContent(error, "WebP coding failed");
+    const bool isWritten = sink.Write(whole.bytes, whole.size);
+    WebPDataClear(&whole);
+    return isWritten || sink.FailWrite(error);
+}
+
 bool Code(const CDibImage& image, int quality, ByteSink& sink, FileError* error) {
     WebPConfig config;
     Picture holder;
@@ -114,7 +152,12 @@ bool SaveWebp(ByteSink& sink, const CDibImage& image, int quality, FileError* er
         if (image.GetWidth() > kMaxSide || image.GetHeight() > kMaxSide)
             return FailContent(error, "WebP holds at most 16383 pixels a side",
                                FileReason::kTooLarge);
-        return Code(image, quality, sink, error);
+        const Metadata metadata = MetadataToWrite(image, /*fileHasColor=*/true);
+        if (metadata.IsEmpty())
+            return Code(image, quality, sink, error);
+        MemorySink coded;
+        return Code(image, quality, coded, error) &&
+               WriteWith(metadata, coded.Bytes(), sink, error);
     });
 }
 

@@ -12,6 +12,7 @@
 namespace velloran {
 
 struct JpegSourceHead;
+struct Metadata;
 
 /// What the loader tells of the file that an image came from.
 struct ImageSource {
@@ -22,6 +23,8 @@ struct ImageSource {
     std::uint32_t sourceInfo = 0;  // file type id of sourceName
     /// What a new JPEG may inherit of the source; null where that is no JPEG.
     std::shared_ptr<const JpegSourceHead> jpegHead = nullptr;
+    /// Colour profile, EXIF and XMP of the source; null where it has none.
+    std::shared_ptr<const Metadata> metadata = nullptr;
 };
 
 class CDibImage : public CBaseImage {

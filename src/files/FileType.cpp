@@ -13,11 +13,6 @@ constexpr std::size_t kHeadSize = 512;
 
 std::atomic<RawRecognizer> rawRecognizer{nullptr};
 
-bool IsCameraRaw(ByteSource& source, const std::filesystem::path& name) {
-    const RawRecognizer recognizer = rawRecognizer;
-    return recognizer != nullptr && recognizer(source, name);
-}
-
 bool HasTrait(int type, unsigned trait) {
     const Format* format = FindFormat(type);
     return format != nullptr && format->Has(trait);
@@ -47,6 +42,11 @@ int FileTypeOfExtension(const std::filesystem::path& path) {
 
 void SetRawRecognizer(RawRecognizer recognizer) {
     rawRecognizer = recognizer;
+}
+
+bool IsCameraRaw(ByteSource& source, const std::filesystem::path& name) {
+    const RawRecognizer recognizer = rawRecognizer;
+    return recognizer != nullptr && recognizer(source, name);
 }
 
 bool IsRenamerImage(const std::filesystem::path& path) {

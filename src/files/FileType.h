@@ -26,6 +26,8 @@ using RawRecognizer = bool (*)(ByteSource& source, const std::filesystem::path& 
 /// Installs the raw reader's recognition; null takes it away. Without one no file is camera raw
 /// by its content.
 void SetRawRecognizer(RawRecognizer recognizer);
+/// What the raw reader's recognition says.
+bool IsCameraRaw(ByteSource& source, const std::filesystem::path& name);
 
 /// Ids that the renamer takes, by content: 1, 3, 4, 5, 6, 8, 9, 10.
 bool IsRenamerImage(const std::filesystem::path& path);

@@ -1,13 +1,17 @@
 #include "files/ImageFiles.h"
 
+#include <array>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "codecs/LoadNotes.h"
 #include "core/DibImage.h"
 #include "files/FileType.h"
+#include "files/PageSniffer.h"
 #include "io/AtomicFile.h"
 #include "io/FileSource.h"
+#include "io/SubSource.h"
 #include "params/ParaBlock.h"
 #include "text/Labels.h"
 #include "text/Text.h"
@@ -25,23 +29,72 @@ bool FailWithoutReader(int type, FileError* error) {
                        FileReason::kKindNotRead);
 }
 
+/// What a source holds: a picture that is known by its content or its name, or a page file.
+class Picture {
+ public:
+    Picture(ByteSource& source, const std::filesystem::path& name)
+        : source_(source), type_(DetectFileType(source, name)) {
+        std::array<std::uint8_t, 512> head{};
+        source.ReadAt(0, head);
+        if (TypeOfHead(head) != kTypeUnknown || type_ == kTypeRaw)
+            return;
+        sniffed_ = SniffPage(source, name);
+        if (!sniffed_.hasHead || sniffed_.kind != kKindPlain)
+            return;
+        payload_.emplace(source, sniffed_.payloadAt, sniffed_.payloadSize);
+        type_ = DetectFileType(*payload_, {});
+    }
+
+    int Type() const { return type_; }
+
+    bool Load(const LoadOptions& options, CDibImage& image, LoadNotes& notes, FileError* error) {
+        if (sniffed_.hasHead)
+            return LoadSniffedPage(source_, sniffed_, options, /*tryRepair=*/true, image, notes,
+                                   error);
+        const Format* format = FindFormat(type_);
+        if (options.page != 1 && format != nullptr && !format->Has(Format::kSeveralPages))
+            return FailContent(error, "the file holds one page", FileReason::kNoSuchPage);
+        return IsReadable(format, error) && format->load(source_, options, image, notes, error);
+    }
+
+    bool ReadInfo(ImageInfo& info, LoadNotes* notes, FileError* error) {
+        const Format* format = FindFormat(type_);
+        if (!IsReadable(format, error))
+            return false;
+        ByteSource& source = payload_ ? static_cast<ByteSource&>(*payload_) : source_;
+        return format->info(source, info, error) && (notes == nullptr || format->notes == nullptr ||
+                                                     format->notes(source, *notes, error));
+    }
+
+ private:
+    /// What is no picture is told by what it is.
+    bool IsReadable(const Format* format, FileError* error) const {
+        const bool isKnown = sniffed_.result == kSniffDone || sniffed_.result == kSniffUnknown;
+        if (!isKnown)
+            return FailSniffed(sniffed_, error);
+        return (format != nullptr && format->load != nullptr) || FailWithoutReader(type_, error);
+    }
+
+    ByteSource& source_;
+    int type_;
+    SniffedPage sniffed_;
+    std::optional<SubSource> payload_;
+};
+
 }  // namespace
 
 bool LoadImageFrom(ByteSource& source, const std::filesystem::path& name,
                    const LoadOptions& options, CDibImage& image, LoadNotes& notes,
                    FileError* error) try {
-    const int type = DetectFileType(source, name);
+    Picture picture(source, name);
     if (!source.FailWhenUnreadable(error))
         return false;
-    const Format* format = FindFormat(type);
-    if (format == nullptr || format->load == nullptr)
-        return FailWithoutReader(type, error);
-    if (!format->load(source, options, image, notes, error))
+    if (!picture.Load(options, image, notes, error))
         return false;
     if (!image.IsValid())
         return FailContent(error, "no picture in the file", FileReason::kEmpty);
     image.Source().sourceName = name;
-    image.Source().sourceInfo = static_cast<std::uint32_t>(type);
+    image.Source().sourceInfo = static_cast<std::uint32_t>(picture.Type());
     return true;
 } catch (const std::bad_alloc&) {  // the name's text
     return FailNoMemory(error);
@@ -57,20 +110,27 @@ bool LoadImageFile(const std::filesystem::path& path, CDibImage& image, FileErro
            LoadImageFrom(source, path, options, image, notes != nullptr ? *notes : own, error);
 }
 
-bool ReadImageInfo(const std::filesystem::path& path, int& type, ImageInfo& info,
-                   FileError* error) {
+bool ReadImageInfo(const std::filesystem::path& path, int& type, ImageInfo& info, FileError* error,
+                   LoadNotes* notes) {
     FileSource source;
     if (!source.Open(path, error)) {
         type = FileTypeOfExtension(path);
         return false;
     }
-    type = DetectFileType(source, path);
-    const Format* format = FindFormat(type);
-    if (!source.FailWhenUnreadable(error))
-        return false;
-    if (format == nullptr || format->info == nullptr)
-        return FailWithoutReader(type, error);
-    return format->info(source, info, error);
+    Picture picture(source, path);
+    type = picture.Type();
+    return source.FailWhenUnreadable(error) && picture.ReadInfo(info, notes, error);
+}
+
+int CountPages(const std::filesystem::path& path) {
+    FileSource source;
+    if (!source.Open(path))
+        return 1;
+    const Format* format = FindFormat(DetectFileType(source, path));
+    LoadNotes notes;
+    const bool isCounted = format != nullptr && format->Has(Format::kSeveralPages) &&
+                           format->notes != nullptr && format->notes(source, notes, nullptr);
+    return isCounted ? notes.pictures : 1;
 }
 
 bool HasImageWriter(const std::filesystem::path& path) {
@@ -98,6 +158,7 @@ bool SaveImageFile(const std::filesystem::path& path, CDibImage& image, int qual
     options.colorIndex = colourIndex;
     options.cropGif = cropGif;
     options.transparentWhite = block.GetPara(PARA_DECREASE_TRANSPARENT) != 0;
+    options.jp2Rate = GlobalBlock().GetPara(PARA_JP2_RATE);  // whichever block is saved with
     options.jpeg = JpegRulesOf(block);
     return SaveImageAs(path, image, options, error);
 }

@@ -14,8 +14,9 @@ class CDibImage;
 class CParaBlock;
 struct LoadNotes;
 
-/// Reads a source by its content, `name` telling what it is called. Stores name and type id in the
-/// image's source record. True on success; else the image is unchanged.
+/// Reads a source by its content, `name` telling what it is called; a plain picture inside a page
+/// file as well. Stores name and type id in the image's source record. True on success; else the
+/// image is unchanged.
 bool LoadImageFrom(ByteSource& source, const std::filesystem::path& name,
                    const LoadOptions& options, CDibImage& image, LoadNotes& notes,
                    FileError* error);
@@ -26,9 +27,12 @@ bool LoadImageFile(const std::filesystem::path& path, CDibImage& image, FileErro
                    LoadNotes* notes = nullptr);
 
 /// What the file says, without decoding pixels where the format allows; `type` is the id, also
-/// when the rest fails.
+/// when the rest fails. `notes`, where given, takes what stands beside the picture.
 bool ReadImageInfo(const std::filesystem::path& path, int& type, ImageInfo& info,
-                   FileError* error = nullptr);
+                   FileError* error = nullptr, LoadNotes* notes = nullptr);
+
+/// How many pages or frames a file holds, at least 1.
+int CountPages(const std::filesystem::path& path);
 
 /// Whether a name's extension is one of those that pictures are saved under: ids 1, 3, 4, 5, 6, 9
 /// and 10.

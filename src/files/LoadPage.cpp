@@ -42,8 +42,11 @@ bool LoadPage(ByteSource& source, const std::filesystem::path& name, const LoadP
     page = LoadedPage();
     LoadOptions options;
     options.reverseCmyk = request.reverseCmyk;
+    options.page = request.page;
     if (!LoadImageFrom(source, name, options, page.image, page.notes, error))
         return false;
+    if (request.strip)
+        page.image.Source().metadata.reset();
     page.ownDpi = OwnDpi(page.image);
     page.isTransparent = HasTransparency(page.image);
     if (page.isTransparent && !MoveTransparencyToPlane(page.image)) {

@@ -25,6 +25,8 @@ struct LoadPageRequest {
     bool reverseCmyk = false;
     PaletteEntry fill{255, 255, 255, 0};
     KeepsTransparency keepsTransparency;  // empty: never
+    int page = 1;                         // of those that the file holds
+    bool strip = false;                   // leaves profile, EXIF and XMP behind
 };
 
 struct LoadedPage {

@@ -62,6 +62,7 @@ bool SavePage(const std::filesystem::path& file, const PageTarget& target, Loade
     options.colorIndex = target.color;
     options.cropGif = target.cropGif;
     options.transparentWhite = settings[PARA_DECREASE_TRANSPARENT] != 0;
+    options.jp2Rate = GlobalBlock().GetPara(PARA_JP2_RATE);  // whichever block is saved with
     options.jpeg = JpegRulesOf(block);
     return SaveImageAs(file, page.image, options, error);
 }

@@ -23,6 +23,11 @@ enum class FileReason {
     kTooManyFiles,  // open at once
     kNoMemory,
     kInputOutput,  // the disk or the network failed
+    kHoldsPdf,     // pages of another kind than pictures
+    kPdfTooLarge,  // the same, and more than is ever read
+    kHoldsHtml,    // what a server said in place of a page
+    kLocked,       // a page that its publisher locked
+    kNoSuchPage,   // of those that a file holds
 };
 
 struct FileError {

@@ -232,6 +232,16 @@ inline constexpr Label kOptionOnly{
 inline constexpr Label kOptionCropSummary{u"只输出切边的摘要",
                                           u"Only the short summary of the crop"};
 inline constexpr Label kOptionByName{u"只看扩展名", u"Look at the extension alone"};
+inline constexpr Label kOptionPage{
+    u"按页面文件判断：类型号、种类、结果代码和路径",
+    u"What the sniffer of page files says: type id, kind, result code and path"};
+inline constexpr Label kOptionPageNumber{u"多页文件中的第几页，默认为1",
+                                         u"Which page of a file of several; 1 by default"};
+inline constexpr Label kOptionAllPages{
+    u"多页文件的每一页各成一个文件，名字后加_0001、_0002等",
+    u"A result for each page of a file of several, NAME_0001, NAME_0002 and so on"};
+inline constexpr Label kOptionStrip{u"结果不带色彩特性文件、EXIF和XMP",
+                                    u"Carry no color profile, EXIF or XMP to the results"};
 
 inline constexpr Label kOptionWithoutPage{
     u"读取命名设置时不取分页和页面矫正（保留旋转），与设置窗口一样",
@@ -383,6 +393,7 @@ inline constexpr Label kCauseInputOutput{u"输入输出错误", u"I/O error"};
 inline constexpr Label kCauseLongName{u"名字太长", u"name too long"};
 inline constexpr Label kCauseEmpty{u"空文件", u"empty"};
 inline constexpr Label kCauseTooManyOpen{u"打开的文件太多", u"too many open files"};
+inline constexpr Label kCauseNoSuchPage{u"没有这一页", u"no such page"};
 inline constexpr Label kCauseSource{u"源文件: {0}", u"source: {0}"};
 inline constexpr Label kCauseJoin{u"，", u"; "};
 

@@ -123,6 +123,9 @@ inline constexpr Label kLogRows[] = {
     {u"复制失败", u"could not be copied"},
 };
 
+inline constexpr Label kPdfTooLarge{u"此功能不能处理超过4GB的PDF文件",
+                                    u"PDF files of over 4 GB are not handled"};
+
 // The clipboard.
 inline constexpr Label kClipboardMismatch{u"剪贴板数据格式不符",
                                           u"The data of the clipboard has another format"};

@@ -118,7 +118,7 @@ TEST(PageMemory, GrowsWithPixelsDepthSizeAndSteps) {
     ImageInfo color{.width = 1000, .height = 2000, .bitsPerPixel = 24};
     ImageInfo gray = color;
     gray.bitsPerPixel = 8;
-    gray.grey = true;
+    gray.gray = true;
     const std::int64_t page = std::int64_t{1000} * 2000 * 3;
     EXPECT_GE(PageMemory(color, 500, plain), 2 * page + 500);
     EXPECT_LT(PageMemory(gray, 500, plain), PageMemory(color, 500, plain));

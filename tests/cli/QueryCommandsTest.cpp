@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "RunProgram.h"
+#include "support/SharedData.h"
 #include "support/TempFolder.h"
 
 namespace velloran::test {
@@ -139,7 +140,7 @@ TEST(Info, TellsNineFieldsALine) {
     EXPECT_EQ(line.substr(line.size() - 7), "\t96\t96\n");
 }
 
-TEST(Info, JsonHasTheElevenKeys) {
+TEST(Info, JsonHasItsKeysInTheirOrder) {
     const TempFolder folder;
     WritePage(folder / "grey.bmp", 17, 5);
     WritePage(folder / "colour.jpg", 16, 8, /*color=*/true);
@@ -149,8 +150,9 @@ TEST(Info, JsonHasTheElevenKeys) {
     EXPECT_EQ(outcome.status, 1);
     const Json all = Json::parse(outcome.out);
     ASSERT_EQ(all.size(), 3U);
-    const std::vector<std::string> keys = {"path",    "type", "typeName", "width", "height", "bpp",
-                                           "colours", "xDpi", "yDpi",     "grey",  "error"};
+    const std::vector<std::string> keys = {"path",  "type",    "typeName", "width", "height",
+                                           "bpp",   "colours", "xDpi",     "yDpi",  "grey",
+                                           "error", "pages",   "profile",  "exif",  "xmp"};
     for (const Json& file : all)
         EXPECT_EQ(KeysOf(file), keys);
     EXPECT_EQ(all[0]["type"], 4);
@@ -165,6 +167,87 @@ TEST(Info, JsonHasTheElevenKeys) {
     EXPECT_EQ(all[1]["grey"], false);
     EXPECT_EQ(all[2]["error"], "文件读取失败。");
     EXPECT_EQ(outcome.err, "broken.png: 文件读取失败。 (文件损坏)\n");
+}
+
+/// A photograph with EXIF that was taken with the camera on its side.
+std::filesystem::path Photo() {
+    return SharedData() / "photos/boston_cooking_a.jpg";
+}
+
+TEST(Info, JsonTellsProfileExifAndXmp) {
+    if (SharedData().empty())
+        GTEST_SKIP();
+    const TempFolder folder;
+    WritePage(folder / "plain.png", 17, 5);
+    const std::filesystem::path photo = Photo();
+    const Outcome outcome =
+        RunProgram({"info", "--json", photo.native(), "plain.png"}, {.folder = folder.Path()});
+    const Json all = Json::parse(outcome.out);
+    EXPECT_EQ(all[0]["exif"], true);
+    EXPECT_EQ(all[0]["xmp"], false);
+    EXPECT_EQ(all[0]["profile"], nullptr);
+    EXPECT_EQ(all[0]["pages"], 1);
+    EXPECT_EQ(all[1]["exif"], false);
+}
+
+TEST(Enhance, CarriesExifUnlessItIsStripped) {
+    if (SharedData().empty())
+        GTEST_SKIP();
+    const TempFolder folder;
+    const std::filesystem::path photo = Photo();
+    for (const char* type : {"jpg", "png", "tif", "webp", "jp2"}) {
+        const std::string kept = std::string("kept.") + type, bare = std::string("bare.") + type;
+        ASSERT_EQ(RunProgram({"enhance", photo.native(), kept}, {.folder = folder.Path()}).status,
+                  0);
+        ASSERT_EQ(
+            RunProgram({"enhance", photo.native(), bare, "--strip"}, {.folder = folder.Path()})
+                .status,
+            0);
+        const Json all =
+            Json::parse(RunProgram({"info", "--json", kept, bare}, {.folder = folder.Path()}).out);
+        EXPECT_EQ(all[0]["exif"], true) << type;
+        EXPECT_EQ(all[0]["width"], 2448) << type;  // upright, whatever reads it
+        EXPECT_EQ(all[0]["height"], 3264) << type;
+        EXPECT_EQ(all[1]["exif"], false) << type;
+    }
+}
+
+TEST(BatchOfPhotos, StripLeavesEverythingThatTravelsBehind) {
+    if (SharedData().empty())
+        GTEST_SKIP();
+    const TempFolder folder;
+    std::filesystem::create_directory(folder / "in");
+    std::filesystem::create_symlink(Photo(), folder / "in" / "a.jpg");
+    for (const bool strip : {false, true}) {
+        std::vector<std::string> words = {"batch", "in", strip ? "bare" : "kept", "--ext", "png"};
+        if (strip)
+            words.emplace_back("--strip");
+        ASSERT_EQ(RunProgram(words, {.folder = folder.Path()}).status, 0);
+    }
+    const Json all = Json::parse(
+        RunProgram({"info", "--json", "kept/a.png", "bare/a.png"}, {.folder = folder.Path()}).out);
+    EXPECT_EQ(all[0]["exif"], true);
+    EXPECT_EQ(all[1]["exif"], false);
+}
+
+TEST(Detect, PageSaysWhatTheSnifferSays) {
+    const TempFolder folder;
+    WritePage(folder / "a.png", 17, 5);
+    WriteAll(folder / "b", "%PDF-1.4");
+    WriteAll(folder / "c", "HH\x01");
+    const Outcome outcome =
+        RunProgram({"detect", "--page", "a.png", "b", "c"}, {.folder = folder.Path()});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "259\t2\t0\ta.png\n258\t2\t6\tb\n0\t0\t-1\tc\n");
+    EXPECT_EQ(RunProgram({"detect", "--page", "--by-name", "a.png"}).status, 2);
+}
+
+TEST(Enhance, APdfIsRefusedInTheSystemsWords) {
+    const TempFolder folder;
+    WriteAll(folder / "a.pdf", "%PDF-1.4 and more");
+    const Outcome outcome = RunProgram({"enhance", "a.pdf", "b.png"}, {.folder = folder.Path()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("文件包含PDF内容"), std::string::npos) << outcome.err;
 }
 
 TEST(Info, EachUnreadableFileIsNamedAndTheOthersAreTold) {

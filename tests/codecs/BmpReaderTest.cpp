@@ -411,11 +411,11 @@ TEST(BmpReader, InfoTellsWhatTheFileHolds) {
     EXPECT_EQ(info.colorsUsed, 256);
     EXPECT_EQ(info.xDpi, 300);
     EXPECT_EQ(info.yDpi, 150);
-    EXPECT_TRUE(info.grey);
+    EXPECT_TRUE(info.gray);
     ASSERT_TRUE(ReadBmpInfo(BytesOf(BuildBmp({.width = 1, .bits = 16})), info, nullptr));
     EXPECT_EQ(info.bitsPerPixel, 16);
     EXPECT_EQ(info.colorsUsed, 0);
-    EXPECT_FALSE(info.grey);
+    EXPECT_FALSE(info.gray);
     ASSERT_TRUE(
         ReadBmpInfo(BytesOf(BuildBmp({.width = 1, .bits = 4, .colorsUsed = 4, .palette = kFour})),
                     info, nullptr));

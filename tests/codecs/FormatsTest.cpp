@@ -45,7 +45,7 @@ TEST(Formats, EachIdAndEachNameStandsOnce) {
         for (const FormatExtension& extension : format.extensions)
             EXPECT_TRUE(extensions.insert(extension.text).second) << extension.text;
     }
-    EXPECT_EQ(ids.size(), 11U);
+    EXPECT_EQ(ids.size(), 12U);
     EXPECT_EQ(FindFormat(kTypeUnknown), nullptr);
     EXPECT_EQ(FindFormat(12), nullptr);
 }

@@ -65,7 +65,7 @@ TEST(GifReader, TellsItsHead) {
     EXPECT_EQ(info.height, 5);
     EXPECT_EQ(info.bitsPerPixel, 3);
     EXPECT_EQ(info.colorsUsed, 8);
-    EXPECT_FALSE(info.grey);
+    EXPECT_FALSE(info.gray);
     EXPECT_EQ(info.xDpi, 96);
 }
 
@@ -76,7 +76,7 @@ TEST(GifReader, TheIdentityRampCountsAsGray) {
     EXPECT_TRUE(Loaded(gif).IsGrayScale());
     ImageInfo info;
     ASSERT_TRUE(ReadGifInfo(BytesOf(EncodeGif(gif)), info, nullptr));
-    EXPECT_TRUE(info.grey);
+    EXPECT_TRUE(info.gray);
 }
 
 TEST(GifReader, TheTransparentIndexIsKept) {

@@ -155,10 +155,10 @@ TEST(JpegReader, InfoTellsWhatALoadWouldGive) {
     EXPECT_EQ(info.height, 30);
     EXPECT_EQ(info.bitsPerPixel, 8);
     EXPECT_EQ(info.colorsUsed, 0);
-    EXPECT_TRUE(info.grey);
+    EXPECT_TRUE(info.gray);
     ASSERT_TRUE(ReadJpegInfo(BytesOf(test::EncodePlain(test::Scene(20, 30, 4))), info, nullptr));
     EXPECT_EQ(info.bitsPerPixel, 32);
-    EXPECT_FALSE(info.grey);
+    EXPECT_FALSE(info.gray);
 }
 
 TEST(JpegReader, NineBytesOfAValidStartFail) {

@@ -116,7 +116,7 @@ TEST_P(PngKinds, TellDepthAndGrayness) {
     EXPECT_EQ(info.height, 4);
     EXPECT_EQ(info.bitsPerPixel, kind.fileBits);
     EXPECT_EQ(info.colorsUsed, static_cast<int>(png.palette.size()));
-    EXPECT_EQ(info.grey, kind.identityGray);
+    EXPECT_EQ(info.gray, kind.identityGray);
     EXPECT_EQ(info.xDpi, 300);
     EXPECT_EQ(info.yDpi, 150);
 }
@@ -145,7 +145,7 @@ TEST(PngReader, AnEightBitPaletteThatIsTheIdentityRampCountsAsGray) {
     EXPECT_TRUE(Loaded(png).IsGrayScale());
     ImageInfo info;
     ASSERT_TRUE(ReadPngInfo(BytesOf(EncodePng(png)), info, nullptr));
-    EXPECT_TRUE(info.grey);
+    EXPECT_TRUE(info.gray);
     png.palette.pop_back();
     for (int& sample : png.samples)
         sample = sample % 255;

@@ -174,7 +174,7 @@ TEST_P(TiffKinds, TellTheirHead) {
     EXPECT_EQ(info.height, 4);
     EXPECT_EQ(info.bitsPerPixel, kind.bits * kind.channels);
     EXPECT_EQ(info.colorsUsed, kind.photometric == PHOTOMETRIC_PALETTE ? 1 << kind.bits : 0);
-    EXPECT_EQ(info.grey, kind.identityGray);
+    EXPECT_EQ(info.gray, kind.identityGray);
     EXPECT_EQ(info.xDpi, 300);
     EXPECT_EQ(info.yDpi, 150);
 }

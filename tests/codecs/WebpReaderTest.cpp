@@ -150,7 +150,7 @@ TEST(WebpReader, TellsItsHead) {
         EXPECT_EQ(info.height, 61);
         EXPECT_EQ(info.bitsPerPixel, withAlpha ? 32 : 24);
         EXPECT_EQ(info.colorsUsed, 0);
-        EXPECT_FALSE(info.grey);
+        EXPECT_FALSE(info.gray);
     }
 }
 

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "codecs/Jpeg.h"
 #include "codecs/FileForms.h"
+#include "codecs/Jpeg.h"
 #include "core/DibImage.h"
 #include "files/FileType.h"
 #include "params/ParaBlock.h"
@@ -207,12 +207,27 @@ TEST_F(ImageFiles, ExtensionWithoutAWriterIsToldInTheSystemsWords) {
     EXPECT_TRUE(folder_.AllNames().empty());
 }
 
-TEST_F(ImageFiles, Jpeg2000IsATargetThatCannotYetBeWritten) {
-    EXPECT_TRUE(HasImageWriter("a.jp2"));
-    EXPECT_FALSE(Save(folder_ / "a.jp2", test::Filled(4, 4, 24, 9), &error_));
-    EXPECT_EQ(error_.cause, FileError::Cause::kContent);
-    EXPECT_NE(error_.detail, ToUtf8(labels::kUnwritableType));
-    EXPECT_TRUE(folder_.AllNames().empty());
+TEST_F(ImageFiles, Jpeg2000IsWrittenAtTheRateOfTheGlobalBlock) {
+    const CDibImage page = test::Noise(100, 100, 24);
+    GlobalBlock().SetPara(PARA_JP2_RATE, 60);
+    EXPECT_TRUE(Save(folder_ / "a.jp2", page, &error_)) << error_.detail;
+    GlobalBlock().SetPara(PARA_JP2_RATE, 20);
+    EXPECT_TRUE(Save(folder_ / "b.jp2", page, &error_)) << error_.detail;
+    GlobalBlock().SetPara(PARA_JP2_RATE, 15);
+    EXPECT_NEAR(static_cast<double>(fs::file_size(folder_ / "a.jp2")), 5800, 300);
+    EXPECT_NEAR(static_cast<double>(fs::file_size(folder_ / "b.jp2")), 1850, 160);
+}
+
+TEST_F(ImageFiles, ACodeStreamIsReadButNotWritten) {
+    EXPECT_TRUE(Save(folder_ / "a.jp2", test::Noise(40, 30, 8), &error_)) << error_.detail;
+    const std::string file = ReadAll(folder_ / "a.jp2");
+    WriteAll(folder_ / "a.j2k", file.substr(file.find("jp2c") + 4));
+    CDibImage image;
+    ASSERT_TRUE(LoadImageFile(folder_ / "a.j2k", image));
+    EXPECT_EQ(image.GetWidth(), 40);
+    EXPECT_EQ(image.Source().sourceInfo, static_cast<std::uint32_t>(kTypeJ2k));
+    EXPECT_FALSE(Save(folder_ / "b.j2k", image, &error_));
+    EXPECT_EQ(error_.detail, ToUtf8(labels::kUnwritableType));
 }
 
 TEST_F(ImageFiles, EmptyImageFailsAndTouchesNoFile) {
@@ -377,7 +392,7 @@ TEST(ImageFilesOfTheWorld, EachLoadsAsItsHeadSays) {
         EXPECT_EQ(image.GetHeight(), info.height);
         EXPECT_EQ(image.GetXDpi(), info.xDpi);
         EXPECT_EQ(image.GetYDpi(), info.yDpi);
-        EXPECT_EQ(image.IsGrayScale(), info.grey);
+        EXPECT_EQ(image.IsGrayScale(), info.gray);
         EXPECT_EQ(image.Source().sourceInfo, static_cast<std::uint32_t>(type));
         ++loaded;
     }

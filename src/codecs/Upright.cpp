@@ -1,8 +1,9 @@
+#include "codecs/Upright.h"
+
 #include <algorithm>
 #include <new>
 #include <utility>
 
-#include "codecs/JpegExif.h"
 #include "core/DibImage.h"
 #include "core/Threads.h"
 #include "core/TransposePixels.h"
@@ -49,7 +50,7 @@ void TurnSideways(CDibImage& image, int orientation) {
     const PlaneView target = upsideDown ? ViewOf(turned) : TopDownViewOf(turned);
     TransposePixels({source.first, source.width, source.height, source.stride}, image.GetBpp(),
                     target.first, target.stride);
-    image = std::move(turned);
+    image.TakePixels(turned);
 }
 
 template <int kChannels>
@@ -62,6 +63,19 @@ void Turn(CDibImage& image, int orientation) {
         ExchangeRows(ViewOf(image));
 }
 
+/// With its alpha plane, and of any depth.
+void TurnWhole(CDibImage& image, int orientation) {
+    const bool isSideways = SwapsSides(orientation);
+    if (isSideways && !image.Rotate90(/*left=*/orientation == 8))
+        throw std::bad_alloc();
+    if (orientation == 2 || orientation == 5)
+        image.Flip(FlipMode::kMirror);
+    else if (orientation == 3)
+        image.Flip(FlipMode::kUpsideDown);
+    else if (orientation == 4 || orientation == 7)
+        image.Flip(FlipMode::kFlip);
+}
+
 }  // namespace
 
 bool SwapsSides(int orientation) {
@@ -69,10 +83,20 @@ bool SwapsSides(int orientation) {
 }
 
 void TurnUpright(CDibImage& image, int orientation) {
+    if (orientation <= 1 || orientation > 8)
+        return;
+    if (image.GetAlpha() != nullptr || image.GetBpp() < 8)
+        return TurnWhole(image, orientation);
     if (image.GetBpp() == 24)
         Turn<3>(image, orientation);
     else
         Turn<1>(image, orientation);
+}
+
+void SetUprightDpi(CDibImage& image, int orientation, int xDpi, int yDpi) {
+    const bool swap = SwapsSides(orientation);
+    image.SetXDpi(swap ? yDpi : xDpi);
+    image.SetYDpi(swap ? xDpi : yDpi);
 }
 
 }  // namespace velloran
