@@ -22,6 +22,9 @@ _velloran() {
             COMPREPLY=($(compgen -W "0 14 20 74 77 91 97 134 135 136 137" -- "$current"))
             return
             ;;
+        --page)
+            return
+            ;;
         --save-setting)
             compopt -o filenames
             COMPREPLY=($(compgen -f -- "$current"))
@@ -192,12 +195,12 @@ _velloran() {
     fi
 
     case $command in
-        enhance) options="--stop --preview --keep-dpi --save-setting -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
-        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress --review --each-page --both-halves -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        enhance) options="--stop --preview --keep-dpi --strip --page --save-setting -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        batch) options="--ext --files --no-recurse --skip-colour --keep-time --keep-dpi --skip-existing --list -0 --null -j --jobs --memory --strict --log -y --yes --dry-run --json --progress --review --each-page --both-halves --strip --all-pages -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         describe) options="--crop-summary -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         params) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         info) options="--json -h --help --lang -q --quiet -v --verbose" ;;
-        detect) options="--by-name -h --help --lang -q --quiet -v --verbose" ;;
+        detect) options="--by-name --page -h --help --lang -q --quiet -v --verbose" ;;
         measure) options="--only --json -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         book) options="-p --project --rows --reset --from --what --tab --to --geometry --kind --before --target --side -y --yes -j --jobs --log --json -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
         compare) options="--difference --all --nonzero --levels --frequency --folders --export --exit-code -j --jobs --json -h --help --lang -q --quiet -v --verbose" ;;
