@@ -39,6 +39,56 @@ double dot(const QPointF& a, const QPointF& b) {
     return a.x * b.x + a.y * b.y;
 }
 
+TracedCurve fitCurve(const std::vector<QPointF>& curve, const QLineF& left, const QLineF& right,
+                     const QPointF& down) {
+    TracedCurve traced;
+    traced.trimmed = curve;
+    traced.extended = extendToBounds(curve, left, right);
+    traced.curve.spline = fitExtendedSpline(traced.extended, curve);
+    traced.curve.polyline = traced.curve.spline.toPolyline();
+    const QPointF a = middleOf(left), b = middleOf(right), middle = traced.curve.spline.eval(0.5);
+    traced.order = dot(down, {middle.x - (a.x + b.x) / 2, middle.y - (a.y + b.y) / 2});
+    return traced;
+}
+
+/// Those that can be fitted, in their order down the page; none after a cancel.
+std::vector<TracedCurve> fitCurves(const std::deque<std::vector<QPointF>>& polylines,
+                                   const QLineF& left, const QLineF& right, const QPointF& down) {
+    std::vector<TracedCurve> curves;
+    curves.reserve(polylines.size());  // nothing may throw while the list is locked
+    std::exception_ptr failure;
+    const CancelToken cancel = CurrentCancel();
+    const int count = static_cast<int>(polylines.size());
+#pragma omp parallel for schedule(static)
+    for (int i = 0; i < count; ++i) {
+        if (cancel.IsCancelled())
+            continue;
+        try {
+            TracedCurve traced =
+                fitCurve(polylines[static_cast<std::size_t>(i)], left, right, down);
+#pragma omp critical(velloran_traced_curves)
+            curves.push_back(std::move(traced));
+        } catch (const BadCurve&) {
+            // This curve is left out; the others may do.
+        } catch (...) {
+#pragma omp critical(velloran_traced_curves)
+            failure = std::current_exception();
+        }
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+    if (cancel.IsCancelled())
+        return {};
+    // Threads finish in any order; curves of one height are told apart by where they begin.
+    std::sort(curves.begin(), curves.end(), [](const TracedCurve& a, const TracedCurve& b) {
+        if (a.order != b.order)
+            return a.order < b.order;
+        const QPointF &p = a.trimmed.front(), &q = b.trimmed.front();
+        return p.x != q.x ? p.x < q.x : p.y < q.y;
+    });
+    return curves;
+}
+
 /// How far the curve is from a straight row in the flat page: its deviation from its mean, weighed
 /// by its length. What one curve can add is limited, so that a wrong one does not decide.
 double errorOf(const std::vector<QPointF>& curve, const CylindricalSurfaceDewarper& surface) {
@@ -119,48 +169,11 @@ void DistortionModelBuilder::transform(const QPointF& scale, const QPointF& offs
 DistortionModel DistortionModelBuilder::tryBuildModel(DewarpingDebug* dewarpingDebug) const {
     if (curves_.size() < 2 || hasNoLength(left_) || hasNoLength(right_))
         return {};
-    const QPointF left = middleOf(left_), right = middleOf(right_);
-    const QPointF center{(left.x + right.x) / 2, (left.y + right.y) / 2};
-    std::vector<TracedCurve> curves;
-    curves.reserve(curves_.size());  // nothing may throw while the list is locked
-    std::exception_ptr failure;
-    const CancelToken cancel = CurrentCancel();
-    const int count = static_cast<int>(curves_.size());
-#pragma omp parallel for schedule(static)
-    for (int i = 0; i < count; ++i) {
-        if (cancel.IsCancelled())
-            continue;
-        try {
-            TracedCurve traced;
-            traced.trimmed = curves_[static_cast<std::size_t>(i)];
-            traced.extended = extendToBounds(traced.trimmed, left_, right_);
-            traced.curve.spline = fitExtendedSpline(traced.extended, traced.trimmed);
-            traced.curve.polyline = traced.curve.spline.toPolyline();
-            const QPointF middle = traced.curve.spline.eval(0.5);
-            traced.order = dot(down_, {middle.x - center.x, middle.y - center.y});
-#pragma omp critical(velloran_traced_curves)
-            curves.push_back(std::move(traced));
-        } catch (const BadCurve&) {
-            // This curve is left out; the others may do.
-        } catch (...) {
-#pragma omp critical(velloran_traced_curves)
-            failure = std::current_exception();
-        }
-    }
-    if (failure)
-        std::rethrow_exception(failure);
-    if (curves.empty() || cancel.IsCancelled())
-        return {};
-    // Threads finish in any order; curves of one height are told apart by where they begin.
-    std::sort(curves.begin(), curves.end(), [](const TracedCurve& a, const TracedCurve& b) {
-        if (a.order != b.order)
-            return a.order < b.order;
-        const QPointF &p = a.trimmed.front(), &q = b.trimmed.front();
-        return p.x != q.x ? p.x < q.x : p.y < q.y;
-    });
+    const std::vector<TracedCurve> curves = fitCurves(curves_, left_, right_, down_);
     if (dewarpingDebug != nullptr)
         dewarpingDebug->fittedCurves = static_cast<int>(curves.size());
     PairSearch search(curves, dewarpingDebug);
+    const CancelToken cancel = CurrentCancel();
     const std::size_t n = curves.size(), ends = std::min<std::size_t>(n, kEnds);
     for (std::size_t a = 0; a < ends; ++a)
         for (std::size_t b = n - ends; b < n; ++b)

@@ -281,14 +281,9 @@ void PageShape::judge(const std::vector<LineTrack>& tracks, double width, double
     evidence_.halvesApart = apartOf(halves, places, pitch) / pitch;
 }
 
-std::optional<PageShape> PageShape::fit(std::vector<LineTrack> tracks, double width, double height,
-                                        double linePitch) {
-    if (tracks.size() < 2)
-        return std::nullopt;
-    PageShape shape;
-    Frame& frame = shape.frame_;
-    frame.left = width;
-    double top = height, bottom = 0;
+PageShape::Frame PageShape::frameOf(const std::vector<LineTrack>& tracks, double linePitch) {
+    Frame frame{tracks[0].points.front().x, tracks[0].points.back().x, 0, 1};
+    double top = tracks[0].points[0].y, bottom = top;
     for (const LineTrack& track : tracks) {
         frame.left = std::min(frame.left, track.points.front().x);
         frame.right = std::max(frame.right, track.points.back().x);
@@ -296,34 +291,48 @@ std::optional<PageShape> PageShape::fit(std::vector<LineTrack> tracks, double wi
         top = std::min(top, y);
         bottom = std::max(bottom, y);
     }
-    if (frame.right - frame.left < 1)
-        return std::nullopt;
     frame.middleY = (top + bottom) / 2;
     frame.height = std::max(bottom - top, linePitch);
+    return frame;
+}
+
+void PageShape::dropStrangers(std::vector<const LineTrack*>& tracks, std::vector<double>& places,
+                              double most) const {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+        double rms = 0;
+        offsetOf(*tracks[i], bend_, places[i], rms);
+        if (rms > most)
+            continue;
+        tracks[kept] = tracks[i];
+        places[kept] = places[i];
+        ++kept;
+    }
+    tracks.resize(kept);
+    places.resize(kept);
+}
+
+std::optional<PageShape> PageShape::fit(const std::vector<LineTrack>& tracks, double width,
+                                        double height, double linePitch) {
+    if (tracks.size() < 2)
+        return std::nullopt;
+    PageShape shape;
+    shape.frame_ = frameOf(tracks, linePitch);
+    if (shape.frame_.right - shape.frame_.left < 1)
+        return std::nullopt;
     std::vector<const LineTrack*> used;
     std::vector<double> places;
     for (const LineTrack& track : tracks) {
         used.push_back(&track);
-        places.push_back(frame.shareOf(track.points[track.points.size() / 2].y));
+        places.push_back(shape.frame_.shareOf(track.points[track.points.size() / 2].y));
     }
     // Lines that do not belong are left out, first the worst, then what does not agree.
     for (const double most : {3 * kAgreeing, 1.5 * kAgreeing, kAgreeing}) {
         shape.bend_ = shape.solve(used, places, linePitch);
         shape.settlePlaces(used, shape.bend_, places);
-        std::vector<const LineTrack*> kept;
-        std::vector<double> keptPlaces;
-        for (std::size_t i = 0; i < used.size(); ++i) {
-            double rms = 0;
-            shape.offsetOf(*used[i], shape.bend_, places[i], rms);
-            if (rms > most * linePitch)
-                continue;
-            kept.push_back(used[i]);
-            keptPlaces.push_back(places[i]);
-        }
-        if (kept.size() < 2)
+        shape.dropStrangers(used, places, most * linePitch);
+        if (used.size() < 2)
             return std::nullopt;
-        used = std::move(kept);
-        places = std::move(keptPlaces);
     }
     shape.bend_ = shape.solve(used, places, linePitch);
     for (std::size_t i = 0; i < used.size(); ++i) {

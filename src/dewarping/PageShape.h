@@ -29,8 +29,8 @@ class PageShape {
  public:
     /// Fits a shape to tracks on a page of that size. Nothing where there are too few. Throws
     /// std::bad_alloc, and std::runtime_error where the lines hold no shape.
-    static std::optional<PageShape> fit(std::vector<LineTrack> tracks, double width, double height,
-                                        double linePitch);
+    static std::optional<PageShape> fit(const std::vector<LineTrack>& tracks, double width,
+                                        double height, double linePitch);
 
     const ShapeEvidence& evidence() const { return evidence_; }
     /// The ends of its lines.
@@ -54,6 +54,10 @@ class PageShape {
         double shareOf(double y) const { return (y - middleY) / height; }
     };
 
+    static Frame frameOf(const std::vector<LineTrack>& tracks, double linePitch);
+    /// Leaves out tracks that lie further than `most` pixels (rms) from the bend.
+    void dropStrangers(std::vector<const LineTrack*>& tracks, std::vector<double>& places,
+                       double most) const;
     double riseAt(const Bend& bend, double x, double u) const;
     Bend solve(std::span<const LineTrack* const> tracks, std::span<const double> places,
                double pitch) const;

@@ -51,13 +51,13 @@ std::vector<LineTrack> linesOf(const CBaseImage& copy, const CopyPlace& place,
     return tracks;
 }
 
-std::optional<PageShape> shapeOf(std::vector<LineTrack> tracks, int width, int height,
+std::optional<PageShape> shapeOf(const std::vector<LineTrack>& tracks, int width, int height,
                                  double letterHeight) {
     // Lines far apart are no measure of what a reader sees as crooked.
     const double pitch =
         std::min(linePitchOf(tracks, kPitchOfLetters * letterHeight), kWidestPitch * letterHeight);
     try {
-        return PageShape::fit(std::move(tracks), width, height, pitch);
+        return PageShape::fit(tracks, width, height, pitch);
     } catch (const std::runtime_error&) {
         return std::nullopt;  // the lines hold no shape
     }

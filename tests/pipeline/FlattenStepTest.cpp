@@ -15,6 +15,7 @@
 #include "pipeline/GeometrySteps.h"
 #include "pipeline/Run.h"
 #include "pipeline/RunState.h"
+#include "support/EachForm.h"
 #include "support/Images.h"
 
 namespace velloran {
@@ -124,6 +125,22 @@ TEST(FlattenStep, UnsetCurvesAreSearchedAndReported) {
             blankRows += dark == 0 ? 1 : 0;
         }
         EXPECT_GT(blankRows, 300);
+    }
+}
+
+TEST(FlattenStep, MakesTheSameBytesInEachForm) {
+    for (const int bpp : {8, 24}) {
+        const CDibImage page = BentPage(bpp);
+        Outcome expected;
+        test::InEachForm([&](const std::string&) {
+            Outcome outcome = RunWith(SettingsWith(All(-1)), page);
+            if (expected.image.IsValid()) {
+                EXPECT_EQ(outcome.report.found.curvePoints, expected.report.found.curvePoints);
+                test::ExpectSamePixels(outcome.image, expected.image);
+            } else {
+                expected = std::move(outcome);
+            }
+        });
     }
 }
 
