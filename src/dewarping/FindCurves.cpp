@@ -191,7 +191,9 @@ class Search {
         packBoth({model.top.polyline, model.bottom.polyline}, points_);
         finding.found = surfaceOf(points_.top, points_.bottom, points_.n).has_value();
         finding.sure = ramp(share, 0.5, 0.95);
-        return finding.found;
+        // Straight edges are those of a flat page.
+        return finding.found ||
+               classifyCurves(points_.top, points_.bottom, points_.n) == kFlatCurves;
     }
 
     bool findByText(int method, DistortionModelBuilder& builder, CurveFinding& finding) {

@@ -49,6 +49,15 @@ TEST(FindCurves, GivesUpOnAPageWithoutText) {
         }
 }
 
+TEST(FindCurves, StraightEdgesAreThoseOfAFlatPage) {
+    CDibImage page = Filled(600, 800, 8, 240);
+    for (const int y : {90, 91, 92, 700, 701, 702})
+        std::fill_n(page.GetBits(y) + 50, 500, std::uint8_t{10});
+    Grid curves;
+    EXPECT_EQ(Find(kPageEdges, page, curves), 1);
+    EXPECT_EQ(curves, GridOf(page));
+}
+
 TEST(FindCurves, CheckerboardsHoldNoCurves) {
     for (const int cell : {1, 2, 3, 7, 16, 40}) {
         CDibImage page = Filled(500, 700, 8, 255);
