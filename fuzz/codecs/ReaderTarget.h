@@ -61,6 +61,20 @@ inline int RunReader(FileTypeId type, std::int64_t perByte, const std::uint8_t* 
     LoadOptions options;
     options.reverseCmyk = size % 2 != 0;
     const bool loaded = format.load(source, options, image, notes, &error);
+    MemorySource notesSource(bytes);
+    LoadNotes beside;
+    if (format.notes != nullptr)
+        format.notes(notesSource, beside, nullptr);
+    // A page beyond the first, of formats that have some.
+    if (loaded && notes.pictures > 1) {
+        CDibImage later;
+        LoadOptions second = options;
+        second.page = 2;
+        FileError why;
+        const bool isThere = format.load(source, second, later, beside, &why);
+        Require(isThere == later.IsValid());
+        Require(isThere || why.cause != FileError::Cause::kNone);
+    }
     // What loads has a head that can be told, and a failure leaves the image alone and says why.
     Require(loaded == image.IsValid());
     Require(!loaded || head);

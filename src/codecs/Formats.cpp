@@ -9,6 +9,7 @@
 #include "codecs/Jpeg.h"
 #include "codecs/Jpeg2000.h"
 #include "codecs/Png.h"
+#include "codecs/Raw.h"
 #include "codecs/Tiff.h"
 #include "codecs/Webp.h"
 #include "core/DibImage.h"
@@ -229,7 +230,13 @@ const Format kFormats[] = {
      .notes = ReadDjvuNotes,
      .load = LoadPageRow<LoadDjvu>,
      .traits = Format::kSeveralPages},
-    {.id = kTypeRaw, .name = "RAW", .filterName = u"Raw", .extensions = kRawExtensions},
+    {.id = kTypeRaw,
+     .name = "RAW",
+     .filterName = u"Raw",
+     .extensions = kRawExtensions,
+     .info = ReadRawInfo,
+     .notes = ReadRawNotes,
+     .load = LoadRow<LoadRaw>},
 };
 
 bool HoldsPart(std::span<const std::uint8_t> head, const HeadRule::Part& part) {

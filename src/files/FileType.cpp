@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 
+#include "codecs/Raw.h"
 #include "io/FileSource.h"
 
 namespace velloran {
@@ -11,7 +12,12 @@ namespace {
 
 constexpr std::size_t kHeadSize = 512;
 
-std::atomic<RawRecognizer> rawRecognizer{nullptr};
+/// LibRaw's own opinion, whatever the name.
+bool IsRawByContent(ByteSource& source, const std::filesystem::path&) {
+    return IsRawFile(source);
+}
+
+std::atomic<RawRecognizer> rawRecognizer{IsRawByContent};
 
 bool HasTrait(int type, unsigned trait) {
     const Format* format = FindFormat(type);
