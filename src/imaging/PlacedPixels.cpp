@@ -153,7 +153,6 @@ void CubicPixelsOf(ConstPlaneView source, PixelPlaces places, int count, std::ui
 }
 
 }  // namespace
-// NOLINTNEXTLINE(google-readability-namespace-comments)
 }  // namespace HWY_NAMESPACE
 }  // namespace velloran
 HWY_AFTER_NAMESPACE();
