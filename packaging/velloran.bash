@@ -10,7 +10,7 @@ _velloran() {
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $word in
-            enhance | batch | describe | params | info | detect | measure | book | compare | rename | stats | set-dpi | settings)
+            enhance | batch | describe | params | info | detect | measure | book | merge | compare | rename | stats | set-dpi | settings)
                 command=$word
                 break
                 ;;
@@ -124,6 +124,29 @@ _velloran() {
             COMPREPLY=($(compgen -W "left right" -- "$current"))
             return
             ;;
+        --state)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --source1)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --source2)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        -m | --merge)
+            return
+            ;;
+        --save-state)
+            compopt -o filenames
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
         --difference)
             compopt -o filenames
             COMPREPLY=($(compgen -f -- "$current"))
@@ -185,7 +208,7 @@ _velloran() {
     esac
 
     if [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "enhance batch describe params info detect measure book compare rename stats set-dpi settings -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
+        COMPREPLY=($(compgen -W "enhance batch describe params info detect measure book merge compare rename stats set-dpi settings -h --help --lang -q --quiet -v --verbose --version" -- "$current"))
         return
     fi
     if [[ $current != -* ]]; then
@@ -202,7 +225,8 @@ _velloran() {
         info) options="--json -h --help --lang -q --quiet -v --verbose" ;;
         detect) options="--by-name --page -h --help --lang -q --quiet -v --verbose" ;;
         measure) options="--only --json -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
-        book) options="-p --project --rows --reset --from --what --tab --to --geometry --kind --before --target --side -y --yes -j --jobs --log --json -s --set --setting --settings-store -n --named --without-page -h --help --lang -q --quiet -v --verbose" ;;
+        book) options="-p --project --rows --reset --from --what --tab --to --geometry --kind --before --target --side -y --yes -j --jobs --log --json -s --set --setting --settings-store -n --named --without-page --review -h --help --lang -q --quiet -v --verbose" ;;
+        merge) options="--state --source1 --source2 --target -m --merge --save-state --pair --log --json -h --help --lang -q --quiet -v --verbose" ;;
         compare) options="--difference --all --nonzero --levels --frequency --folders --export --exit-code -j --jobs --json -h --help --lang -q --quiet -v --verbose" ;;
         rename) options="--type --sort --descending --select --prefix --suffix --digits --start --step --no-number --no-extension --move --overwrite --undo -y --yes --dry-run --log -h --help --lang -q --quiet -v --verbose" ;;
         stats) options="--types --no-recurse --json -h --help --lang -q --quiet -v --verbose" ;;

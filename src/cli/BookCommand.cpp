@@ -332,8 +332,8 @@ constexpr Option kApplyOptions[] = {Option::kFrom, Option::kWhat, Option::kTab, 
 constexpr Option kSplitOptions[] = {Option::kRows, Option::kKind};
 constexpr Option kBeforeOnly[] = {Option::kBefore};
 constexpr Option kRowsOnly[] = {Option::kRows};
-constexpr Option kConvertOptions[] = {Option::kTarget, Option::kYesAll, Option::kJobs, Option::kLog,
-                                      Option::kJson};
+constexpr Option kConvertOptions[] = {Option::kTarget, Option::kYesAll, Option::kJobs,
+                                      Option::kLog,    Option::kJson,   Option::kReview};
 constexpr Option kPreviewOptions[] = {Option::kTab, Option::kSide};
 constexpr std::size_t kAny = static_cast<std::size_t>(-2);
 

@@ -90,7 +90,10 @@ int RunBookConvert(const ParsedWords& words) {
     const double cpuAtStart = CpuSeconds();
     KeepFreedMemory();
     const BookConvertOutcome outcome = ConvertAll(
-        book.project, {.jobs = words.Number(Option::kJobs).value_or(0), .log = LogOf(words)},
+        book.project,
+        {.jobs = words.Number(Option::kJobs).value_or(0),
+         .log = LogOf(words),
+         .review = words.Text(Option::kReview).value_or("")},
         book.asker);
     if (const std::optional<int> status = StatusBefore(outcome, book))
         return *status;

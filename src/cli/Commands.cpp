@@ -84,11 +84,17 @@ constexpr Operand kBookOperands[] = {
     {"SOURCE", /*isMany=*/false, Completes::kFolders, kOperandSource},
     {"WORD", /*isMany=*/true, Completes::kFiles, kOperandBookWords, /*isOptional=*/true}};
 constexpr Option kBookOptions[] = {
-    Option::kProjectValue, Option::kRows, Option::kReset,    Option::kFrom,  Option::kWhat,
-    Option::kTab,          Option::kTo,   Option::kGeometry, Option::kKind,  Option::kBefore,
-    Option::kTarget,       Option::kSide, Option::kYesAll,   Option::kJobs,  Option::kLog,
-    Option::kJson,         Option::kSet,  Option::kSetting,  Option::kStore, Option::kNamed,
-    Option::kWithoutPage};
+    Option::kProjectValue, Option::kRows,  Option::kReset,    Option::kFrom,  Option::kWhat,
+    Option::kTab,          Option::kTo,    Option::kGeometry, Option::kKind,  Option::kBefore,
+    Option::kTarget,       Option::kSide,  Option::kYesAll,   Option::kJobs,  Option::kLog,
+    Option::kJson,         Option::kSet,   Option::kSetting,  Option::kStore, Option::kNamed,
+    Option::kWithoutPage,  Option::kReview};
+
+constexpr Operand kMergeOperands[] = {
+    {"WORD", /*isMany=*/true, Completes::kFiles, kOperandMergeWords, /*isOptional=*/true}};
+constexpr Option kMergeOptions[] = {Option::kState,  Option::kSource1,    Option::kSource2,
+                                    Option::kTarget, Option::kMergeValue, Option::kSaveState,
+                                    Option::kPair,   Option::kLog,        Option::kJson};
 
 constexpr Command kCommands[] = {
     {"enhance", kCommandEnhance, kDetailsEnhance, kEnhanceOperands, kEnhanceOptions, RunEnhance},
@@ -99,6 +105,7 @@ constexpr Command kCommands[] = {
     {"detect", kCommandDetect, kDetailsDetect, kFileOperands, kDetectOptions, RunDetect},
     {"measure", kCommandMeasure, kDetailsMeasure, kFileOperands, kMeasureOptions, RunMeasure},
     {"book", kCommandBook, kDetailsBook, kBookOperands, kBookOptions, RunBook},
+    {"merge", kCommandMerge, kDetailsMerge, kMergeOperands, kMergeOptions, RunMergeCommand},
     {"compare", kCommandCompare, kDetailsCompare, kCompareOperands, kCompareOptions, RunCompare},
     {"rename", kCommandRename, kDetailsRename, kRenameOperands, kRenameOptions, RunRenameCommand},
     {"stats", kCommandStats, kDetailsStats, kFolderOperand, kStatsOptions, RunStats},

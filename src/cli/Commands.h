@@ -33,6 +33,7 @@ int RunInfo(const ParsedWords& words);
 int RunDetect(const ParsedWords& words);
 int RunMeasure(const ParsedWords& words);
 int RunBook(const ParsedWords& words);
+int RunMergeCommand(const ParsedWords& words);
 int RunCompare(const ParsedWords& words);
 int RunRenameCommand(const ParsedWords& words);
 int RunStats(const ParsedWords& words);

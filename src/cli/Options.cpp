@@ -148,6 +148,12 @@ static const std::array rows = {
     OptionRow{Option::kPageNumber, "--page", "", 0, kNumber, "N", kOptionPageNumber, kOwn, Completes::kNothing, nullptr, 1, kMostPages},
     OptionRow{Option::kAllPages, "--all-pages", "", 0, kNothing, "", kOptionAllPages, kOwn},
     OptionRow{Option::kStrip, "--strip", "", 0, kNothing, "", kOptionStrip, kOwn},
+    OptionRow{Option::kState, "--state", "", 0, kText, "FILE", kOptionState, kOwn, Completes::kFiles},
+    OptionRow{Option::kSource1, "--source1", "", 0, kText, "DIR", kOptionSource1, kOwn, Completes::kFolders},
+    OptionRow{Option::kSource2, "--source2", "", 0, kText, "DIR", kOptionSource2, kOwn, Completes::kFolders},
+    OptionRow{Option::kMergeValue, "--merge", "", 'm', kTexts, "KEY=VALUE", kOptionMergeValue, kOwn},
+    OptionRow{Option::kSaveState, "--save-state", "", 0, kText, "FILE", kOptionSaveState, kOwn, Completes::kFiles},
+    OptionRow{Option::kPair, "--pair", "", 0, kNothing, "", kOptionPair, kOwn},
 };
     // clang-format on
     static_assert(rows.size() == static_cast<std::size_t>(Option::kNone));

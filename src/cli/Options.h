@@ -93,6 +93,12 @@ enum class Option {
     kPageNumber,
     kAllPages,
     kStrip,
+    kState,
+    kSource1,
+    kSource2,
+    kMergeValue,
+    kSaveState,
+    kPair,
     kNone,  // no option
 };
 

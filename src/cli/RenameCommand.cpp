@@ -142,7 +142,7 @@ int RunRenameCommand(const ParsedWords& words) {
     if (!fs::is_directory(request.source, ignored))
         return WrongUsage(request.source.native() + ": " + ToUtf8(labels::kSourceInvalid));
     TerminalAsker asker(words);
-    if (HasUnfinishedRename(request.source))
+    if (!words.Has(Option::kDryRunNames) && HasUnfinishedRename(request.source))
         return StatusOf(ResumeRename(request.source, LogOf(words), asker), asker);
     FileError error;
     if (!FillList(request.source, filter, request.rows, &error)) {

@@ -87,6 +87,14 @@ inline constexpr Label kDetailsBook{
     u"rows), split (into two halves), add FILE..., remove, move ROW (the list), convert (the run), "
     u"preview ROW OUT (the picture of a tab). A change is written at once; the project file of "
     u"before stays with ~ behind its name."};
+inline constexpr Label kCommandMerge{u"把页面两两拼接", u"Join pages in pairs"};
+inline constexpr Label kDetailsMerge{
+    u"把一个文件夹中相邻的两页，或两个文件夹中同一位置的两页，拼成一幅；落单的页原样复制。加--"
+    u"pair时只把"
+    u"LEFT和RIGHT拼成OUT。-m设置[Main]的键，如Layout、Align、Size、Blank、FindContentBox。",
+    u"Joins pages that follow one another in a folder, or stand at one place of two folders, into "
+    u"one picture; a page left over is copied. With --pair LEFT and RIGHT alone are joined into "
+    u"OUT. -m sets a key of [Main], as Layout, Align, Size, Blank, FindContentBox."};
 inline constexpr Label kCommandCompare{u"比较两幅图像或两个文件夹",
                                        u"Compare two pictures, or those of two folders"};
 inline constexpr Label kDetailsCompare{
@@ -134,6 +142,7 @@ inline constexpr Label kOperandBookVerb{
 inline constexpr Label kOperandBookWords{u"add的文件；move和preview的行号，preview的结果",
                                          u"Files of add; the row of move and preview, the result "
                                          u"of preview"};
+inline constexpr Label kOperandMergeWords{u"--pair的LEFT RIGHT OUT", u"LEFT RIGHT OUT of --pair"};
 inline constexpr Label kOperandCompare1{u"第一幅图像，或文件夹", u"The one picture, or folder"};
 inline constexpr Label kOperandCompare2{u"第二幅图像，或文件夹", u"The other one"};
 inline constexpr Label kOperandRenameFolder{u"存放文件的文件夹", u"The folder of the files"};
@@ -287,6 +296,15 @@ inline constexpr Label kOptionTarget{u"存放结果的文件夹，也存入项�
                                      u"The folder for the results, which the project keeps"};
 inline constexpr Label kOptionSide{u"left左边的预览，right右边的（默认）",
                                    u"The preview on the left or the right (default)"};
+inline constexpr Label kOptionState{u"读取拼接参数文件（.vlm）", u"Start from a .vlm file"};
+inline constexpr Label kOptionSource1{u"源文件夹1", u"Source folder 1"};
+inline constexpr Label kOptionSource2{u"源文件夹2；两页来自两个文件夹",
+                                      u"Source folder 2: pairs come from two folders"};
+inline constexpr Label kOptionMergeValue{u"设置拼接参数的一个键，如Layout=1；可多次使用",
+                                         u"Set a key of the state, as Layout=1; may be repeated"};
+inline constexpr Label kOptionSaveState{u"运行后把参数存入.vlm文件",
+                                        u"Write a .vlm file after the run"};
+inline constexpr Label kOptionPair{u"只拼接LEFT和RIGHT", u"Join LEFT and RIGHT alone"};
 inline constexpr Label kOptionDifference{u"把差异存为图像", u"The differences as a picture"};
 inline constexpr Label kOptionAll{u"全图差异列表（CSV）", u"The differences of all pixels, as CSV"};
 inline constexpr Label kOptionNonZero{u"非零差异列表（CSV）",
@@ -326,6 +344,10 @@ inline constexpr Label kOptionUndo{u"撤销该文件夹的上一次更名",
                                    u"Take the last renaming of the folder back"};
 
 // Wrong usage.
+inline constexpr Label kUnknownMergeKey{u"拼接参数没有键“{0}”。",
+                                        u"the state of a merge has no key \"{0}\"."};
+inline constexpr Label kMergeReplaces{u"结果不能覆盖源文件。",
+                                      u"The result cannot replace its source."};
 inline constexpr Label kUnknownProjectKey{u"项目没有“{0}”这个值。",
                                           u"a project has no value \"{0}\"."};
 inline constexpr Label kNoRowList{u"{0}: “{1}”不是1到{2}的行（如1,3-5,8-或all）。",

@@ -204,4 +204,19 @@ inline constexpr Label kBookNotDeleted{u"{0}: 不能删除", u"{0}: could not be
 inline constexpr Label kBookSideFile{u"{0}: 附属文件复制失败",
                                      u"{0}: this file beside the pages could not be copied"};
 
+// The merge.
+inline constexpr Label kMergeNoSource{u"请先选择有效的源文件夹。",
+                                      u"Please choose a valid source folder first."};
+inline constexpr Label kMergeNoTarget{u"请先选择目标文件夹。",
+                                      u"Please choose the target folder first."};
+inline constexpr Label kMergeTargetFailed{
+    u"所选目标文件夹不存在并且无法自动创建。",
+    u"The target folder does not exist and could not be created."};
+inline constexpr Label kMergeTargetIsSource{u"目标文件夹不能是源文件夹。",
+                                            u"The target folder cannot be a source folder."};
+inline constexpr Label kMergeDone{u"合并完成。", u"Merging done."};
+inline constexpr Label kMergeSuffix{u"_拼接", u"_joined"};
+inline constexpr Label kMergeUnreadable{u"{0}: 拼接参数文件读取失败。",
+                                        u"{0}: the state of the merge could not be read."};
+
 }  // namespace velloran::labels

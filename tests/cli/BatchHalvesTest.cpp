@@ -40,7 +40,7 @@ TEST_F(BatchHalves, ComeInReadingOrder) {
 TEST_F(BatchHalves, AreTheSameForEveryNumberOfJobs) {
     for (int i = 0; i < 6; ++i)
         WriteSpread(std::to_string(i) + ".png", 80 + 4 * i, 200 + 10 * i);
-    for (const std::string& jobs : {"1", "4"})
+    for (const std::string jobs : {"1", "4"})
         ASSERT_EQ(Run({"src", jobs, "--both-halves", "-s", "PARA_PAGE_SPLIT_TYPE=3", "--jobs",
                        jobs})
                       .status,

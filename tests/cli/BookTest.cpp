@@ -86,7 +86,9 @@ TEST_F(Book, GoesFromScansToPages) {
     EXPECT_NE(Show()["rows"][1]["parameters"]["PARA_PAGE_SPLIT_MID"], nullptr);
     EXPECT_EQ(Convert().status, 2) << "nobody could be asked whether the pages may go";
     EXPECT_EQ(Pages().size(), 4U);
-    const Json report = Json::parse(Convert({"--yes", "--json", "--jobs", "2"}).out);
+    const Json report =
+        Json::parse(Convert({"--yes", "--json", "--jobs", "2", "--review", "review.txt"}).out);
+    EXPECT_TRUE(fs::exists(folder_ / "review.txt"));
     EXPECT_EQ(report["converted"], 4);
     EXPECT_EQ(report["failed"], Json::array());
     EXPECT_EQ(Run({"preview", "src", "2", "out/view.png", "--tab", "1", "--side", "left"}).status,

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "batch/BatchWorkers.h"
+#include "batch/ReviewList.h"
 #include "batch/RunLog.h"
 #include "core/FreeMemory.h"
 #include "core/ProcessorCount.h"
@@ -114,6 +115,9 @@ class BookRun {
             return Stop(End::kRefused, std::move(refusal), std::move(source));
         if (!CanBeLog(request_.log))
             return Stop(End::kRefused, std::u16string(labels::kIsNoLog), request_.log.native());
+        if (!request_.review.empty() && !CanBeReview(request_.review))
+            return Stop(End::kRefused, std::u16string(labels::kIsNoReview),
+                        request_.review.native());
         return true;
     }
 
@@ -157,6 +161,7 @@ class BookRun {
         page.target = target_;
         page.stop = &stop_;
         page.isAlone = shares.workers == 1;
+        page.wantsSure = !request_.review.empty();
         page.stage = [this](std::string_view source, std::u16string_view stage) {
             const std::lock_guard hold(stageLock_);
             stages_.emplace_back(source, stage);
@@ -198,6 +203,7 @@ class BookRun {
         const std::string source = (project_.source / project_.rows[row].source).native();
         outcome_.bytesIn += outcome.bytesIn;
         outcome_.bytesOut += outcome.bytesOut;
+        review_.Add(source, outcome.sure);
         const bool isConverted = outcome.end == FileOutcome::End::kConverted;
         if (!outcome.damage.empty()) {
             outcome_.damaged.push_back(source);
@@ -258,7 +264,22 @@ class BookRun {
         }
     }
 
+    /// Also of a run that was stopped: what was done is judged.
+    void WriteReview() {
+        FileError error;
+        if (request_.review.empty() || review_.Write(request_.review, &error))
+            return;
+        BatchFailure failure{.path = request_.review.native(),
+                             .message = labels::kSaveFailed,
+                             .detail = error.detail,
+                             .storage = error.cause == FileError::Cause::kStorage,
+                             .reason = error.reason};
+        asker_.TellFailure(failure);
+        outcome_.failures.push_back(std::move(failure));
+    }
+
     void Finish(bool stopped) {
+        WriteReview();
         if (stopped) {
             outcome_.end = End::kStopped;
             return;
@@ -280,6 +301,7 @@ class BookRun {
     const BookConvertRequest& request_;
     Asker& asker_;
     RunLog log_;
+    ReviewList review_;
     bool logLost_ = false;
     fs::path target_;
     std::atomic<bool> stop_{false};

@@ -19,7 +19,8 @@ class Asker;
 
 struct BookConvertRequest {
     int jobs = 0;  // pages in flight; 0: the number of processors
-    std::filesystem::path log;
+    std::filesystem::path log = {};
+    std::filesystem::path review = {};  // list of findings, least sure first; or empty
 };
 
 struct BookConvertOutcome {

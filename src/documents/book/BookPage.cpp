@@ -104,10 +104,12 @@ class PageRun {
         run.cancel = CancelToken(*request_.stop);
         run.label = [this](std::u16string_view label) { Stage(label); };
         run.deskewEdge = settings_[PARA_DESKEW_EDGE];
+        run.wantsSure = request_.wantsSure;
         const RunReport report = EnhancePage(load_, page_, std::move(run));
         if (report.end != RunEnd::kDone)
             return false;
         found_ = report.found;
+        outcome_.sure = report.sure;
         if (report.IsWhole())
             return true;
         FileError error;

@@ -20,7 +20,8 @@ struct BookPageRequest {
     const BookProject* project = nullptr;
     std::filesystem::path target;  // folder
     const std::atomic<bool>* stop = nullptr;
-    bool isAlone = false;  // what a page takes in memory is not asked for
+    bool isAlone = false;    // what a page takes in memory is not asked for
+    bool wantsSure = false;  // what is found is also judged
     std::function<void(std::string_view source, std::u16string_view stage)> stage;
 };
 
