@@ -67,7 +67,6 @@ class MergeCommand {
         if (const int status = Prepare(); status != kDone)
             return status;
         CatchStopSignals();
-        GlobalBlock().SetPara(PARA_JP2_RATE, state_.para.jp2Rate);
         const Settings settings = GlobalBlock().GetSettings();
         MergeOutcome outcome;
         if (words_.Has(Option::kPair)) {

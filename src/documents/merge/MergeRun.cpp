@@ -189,6 +189,7 @@ class MergeWork {
         SaveOptions options;
         options.quality = state_.para.jpegQuality;
         options.dpi = result.dpi;
+        options.jp2Rate = state_.para.jp2Rate;
         options.jpeg = JpegRulesOf(Block());
         options.jpegSource = CoarsenessOf(image1) >= CoarsenessOf(image2) ? &image1 : &image2;
         if (!SaveImageAs(out, result.image, options, &error)) {
