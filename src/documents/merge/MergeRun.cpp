@@ -51,7 +51,7 @@ int OwnBits(const fs::path& file, const CDibImage& image) {
     ImageInfo info;
     if (!ReadImageInfo(file, type, info))
         return image.GetBpp();
-    return info.bitsPerPixel > 8 && !(info.grey && info.bitsPerPixel == 16) ? 24
+    return info.bitsPerPixel > 8 && !(info.gray && info.bitsPerPixel == 16) ? 24
            : info.bitsPerPixel > 8                                          ? 8
                                                                             : info.bitsPerPixel;
 }
