@@ -12,6 +12,7 @@
 
 #include "documents/FolderLock.h"
 #include "documents/rename/RenameJournal.h"
+#include "io/Leftovers.h"
 #include "support/ScriptedAsker.h"
 #include "support/TempFolder.h"
 
@@ -36,7 +37,8 @@ class RenameRun : public testing::Test {
         Contents contents;
         std::error_code missing;
         for (const auto& entry : fs::directory_iterator(folder, missing))
-            if (entry.path().filename() != kRenameJournalName)
+            if (entry.path().filename() != kRenameJournalName &&
+                !IsTemporaryName(entry.path().filename().native()))
                 contents[entry.path().filename().native()] = ReadAll(entry.path());
         return contents;
     }

@@ -21,6 +21,7 @@
 #include "documents/rename/RenameJournal.h"
 #include "files/FileCopy.h"
 #include "files/ReplaceRules.h"
+#include "io/Leftovers.h"
 #include "text/Labels.h"
 #include "text/Phrase.h"
 #include "text/Text.h"
@@ -142,6 +143,7 @@ class JournalRun {
 
  private:
     bool Begin(State state) {
+        RemoveLeftovers(folder_);  // of a record that a killed run was writing
         journal_.state = state;
         ends_.assign(journal_.rows.size(), std::nullopt);
         if (WriteJournal(journal_, folder_, &outcome_.error)) {
