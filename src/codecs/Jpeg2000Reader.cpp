@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "codecs/ByteOrder.h"
 #include "codecs/ColorProfile.h"
 #include "codecs/DecodedPage.h"
 #include "codecs/ExifBlock.h"
@@ -195,11 +196,35 @@ bool Jpeg2000Reader::IsPlausible() const {
                            pixels * count * static_cast<std::int64_t>(sizeof(OPJ_INT32)));
 }
 
+/// The library makes room for a tile's data before it looks whether there is so much: lengths that
+/// lead out of the file are told as long as what is there. No coded data looks like the mark of a
+/// tile, so that all of them are found wherever damage put them.
+bool Jpeg2000Reader::LimitTileLengths(OpjInput& input, FileError* error) const {
+    constexpr std::array<std::uint8_t, 4> kTileMark = {0xFF, 0x90, 0x00, 0x0A};
+    constexpr std::ptrdiff_t kLengthAt = 6;
+    const auto bytes = source_.AllBytes(error);
+    if (!bytes)
+        return false;
+    const auto end = bytes->end();
+    auto at = bytes->begin();
+    while ((at = std::search(at, end, kTileMark.begin(), kTileMark.end())) != end &&
+           end - at >= kLengthAt + 4) {
+        const auto left = static_cast<std::uint64_t>(end - at);
+        if (Big32(&at[kLengthAt]) > left)
+            input.patches.emplace_back(at - bytes->begin() + kLengthAt,
+                                       static_cast<std::uint32_t>(left));
+        ++at;
+    }
+    return true;
+}
+
 bool Jpeg2000Reader::ReadPage(CDibImage& page, LoadNotes& notes, FileError* error) {
     if (!IsPlausible())
         return FailDamaged(error, "the file is too short for its picture");
     // With boxes the library wants the whole file, else the code stream alone.
-    OpjInput input{&source_, 0, 0, source_.Size()};
+    OpjInput input{&source_, 0, 0, source_.Size(), {}};
+    if (!LimitTileLengths(input, error))
+        return false;
     OpjMessage message;
     const OpjCodec codec(opj_create_decompress(head_.hasBoxes ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
     const OpjStream stream = MakeOpjStream(input);

@@ -12,6 +12,8 @@ struct opj_image;
 
 namespace velloran {
 
+struct OpjInput;
+
 class Jpeg2000Reader {
  public:
     explicit Jpeg2000Reader(ByteSource& source) : source_(source) {}
@@ -30,6 +32,7 @@ class Jpeg2000Reader {
     int ColorCount() const;
     bool IsPlausible() const;
     bool EndsWhole() const;
+    bool LimitTileLengths(OpjInput& input, FileError* error) const;
     bool Place(const opj_image& image, CDibImage& page, FileError* error) const;
 
     ByteSource& source_;

@@ -22,6 +22,11 @@ OPJ_SIZE_T Read(void* to, OPJ_SIZE_T count, void* user) {
         static_cast<std::size_t>(std::min<std::uint64_t>(count, input.end - input.position));
     const std::size_t came =
         input.source->ReadAt(input.position, {static_cast<std::uint8_t*>(to), wanted});
+    for (const auto& [place, value] : input.patches)
+        for (std::uint64_t i = 0; i < 4; ++i)
+            if (place + i >= input.position && place + i < input.position + came)
+                static_cast<std::uint8_t*>(to)[place + i - input.position] =
+                    static_cast<std::uint8_t>(value >> (24 - 8 * i));
     input.position += came;
     return came > 0 ? came : kFailed;
 }

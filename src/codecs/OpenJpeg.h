@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace velloran {
@@ -33,6 +34,9 @@ using OpjImage = std::unique_ptr<opj_image_t, ImageDeleter>;
 struct OpjInput {
     ByteSource* source = nullptr;
     std::uint64_t position = 0, begin = 0, end = 0;
+    /// Numbers of four bytes that are read otherwise than they stand in the source, by their
+    /// places.
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> patches = {};
 };
 struct OpjOutput {
     std::vector<std::uint8_t> bytes;

@@ -340,6 +340,18 @@ TEST(Jp2Reader, AHeadBeyondTheLimitsIsRefusedByItself) {
     EXPECT_FALSE(image.IsValid());
 }
 
+TEST(Jp2Reader, ATileThatClaimsMoreThanTheFileHoldsIsReadAsFarAsItGoes) {
+    const PlainJ2k picture = test::J2kOfNoise(30, 20, 1, 8);
+    std::string stream = test::EncodeJ2k(picture);
+    const std::size_t tile = stream.find("\xFF\x90");
+    ASSERT_NE(tile, std::string::npos);
+    stream.replace(tile + 6, 4, BigNumber(0x85000000, 4));
+    CDibImage image;
+    FileError error;
+    ASSERT_TRUE(Load(stream, image, &error)) << error.detail;
+    EXPECT_EQ(PixelAt(image, 7, 9).red, picture.components[0].samples[9 * 30 + 7]);
+}
+
 TEST(Jp2Reader, FilesThatBreakOffLoadInPartOrNotAtAll) {
     CDibImage image = Scene(120, 90, 24);
     const std::string file = Saved(image, 40, 300);
