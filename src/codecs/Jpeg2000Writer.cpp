@@ -95,21 +95,22 @@ bool Encode(const CDibImage& page, double streamBytes, OpjOutput& output, FileEr
            FailContent(error, message.text[0] != '\0' ? message.text : "JPEG 2000 coding failed");
 }
 
-/// The library counts its own heads only roughly; what is over is asked for again as less.
+/// The library keeps to its target only roughly. A little less is asked for, so that one coding is
+/// enough as a rule, and less again where that came out too large.
 bool EncodeInto(const CDibImage& page, double wanted, OpjOutput& output, FileError* error) {
-    constexpr int kTries = 4;
-    double asked = wanted;
-    for (int i = 0; i < kTries; ++i) {
+    constexpr int kTries = 5;
+    constexpr double kFirst = 0.9995, kStep = 0.002;
+    double asked = wanted * kFirst;
+    for (int i = 1; i <= kTries; ++i) {
         OpjOutput made;
         if (!Encode(page, asked, made, error))
             return false;
-        const bool fits = static_cast<double>(made.bytes.size()) <= wanted;
-        const bool isLeast = made.bytes.size() == output.bytes.size();
+        const auto size = static_cast<double>(made.bytes.size());
         if (output.bytes.empty() || made.bytes.size() < output.bytes.size())
             output = std::move(made);
-        if (fits || isLeast)
+        if (size <= wanted)
             break;
-        asked = std::max(1.0, asked - 1.5 * (static_cast<double>(output.bytes.size()) - wanted));
+        asked = std::max(1.0, asked - std::max(1.5 * (size - wanted), kStep * i * wanted));
     }
     return true;
 }
