@@ -14,6 +14,7 @@
 #include "page/MeasureSkew.h"
 #include "page/PageLayout.h"
 #include "page/PageLines.h"
+#include "page/PageSizes.h"
 #include "page/Trapezoid.h"
 #include "samples/SamplePage.h"
 #include "support/BesideOpenCv.h"
@@ -143,7 +144,9 @@ BENCHMARK(WarpPageCubic)->Apply(OneAndTwoThreads);
 void PlacePage(benchmark::State& state) {
     LayoutRequest request;
     request.unit = 1;
-    request.pageSize = 1;
+    request.pageSize = kGivenBoth;
+    request.pageWidth = kPageWidth + 200;
+    request.pageHeight = kPageHeight + 200;
     request.innerWidth = request.innerHeight = -1;
     request.imageWidth = request.contentWidth = kPageWidth;
     request.imageHeight = request.contentHeight = kPageHeight;

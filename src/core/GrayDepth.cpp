@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "core/DibImage.h"
+#include "core/GrayRows.h"
 #include "core/IndexRows.h"
 #include "core/Rounding.h"
 #include "core/Threads.h"
@@ -70,13 +71,8 @@ void MapToGray(const CBaseImage& source, const GrayTable& grays, CBaseImage& tar
 
 void ColorRowsToGray(const CBaseImage& source, CBaseImage& target) {
 #pragma omp parallel for schedule(static) if (IsLarge(source))
-    for (int y = 0; y < source.GetHeight(); ++y) {
-        const std::uint8_t* pixel = source.GetBits(y);
-        std::uint8_t* to = target.GetBits(y);
-        for (int x = 0; x < source.GetWidth(); ++x, pixel += 3)
-            to[x] = static_cast<std::uint8_t>(
-                (114u * pixel[0] + 587u * pixel[1] + 299u * pixel[2] + 500u) / 1000u);
-    }
+    for (int y = 0; y < source.GetHeight(); ++y)
+        GrayOfColors(source.GetBits(y), source.GetWidth(), target.GetBits(y));
 }
 
 void NoteTransparency(CBaseImage& image, int index, const PaletteEntry& color) {

@@ -1,11 +1,14 @@
 #include "imaging/Perspective.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 #include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/CubicSample.h"
+#include "imaging/PlacedPixels.h"
 
 namespace velloran {
 namespace {
@@ -67,6 +70,46 @@ void WarpRows(ConstPlaneView source, const PerspectiveMap& toSource, PlaneView t
     }
 }
 
+/// What the map is on each column of the target, as rows of places are made from it.
+class Columns {
+ public:
+    Columns(const Coefficients& m, int count)
+        : x0_(static_cast<std::size_t>(count)),
+          x1_(x0_.size(), m[1]),
+          y0_(x0_.size()),
+          y1_(x0_.size(), m[4]),
+          w0_(x0_.size()),
+          w1_(x0_.size(), m[7]) {
+        for (std::size_t i = 0; i < x0_.size(); ++i) {
+            x0_[i] = m[0] * double(i) + m[2];
+            y0_[i] = m[3] * double(i) + m[5];
+            w0_[i] = m[6] * double(i) + m[8];
+        }
+    }
+    ColumnTerms Terms() const {
+        return {x0_.data(), x1_.data(), y0_.data(), y1_.data(), w0_.data(), w1_.data()};
+    }
+
+ private:
+    std::vector<double> x0_, x1_, y0_, y1_, w0_, w1_;
+};
+
+void WarpByPlaces(ConstPlaneView source, const PerspectiveMap& toSource, PlaneView target) {
+    const Columns columns(toSource.Values(), target.width);
+    const auto width = static_cast<std::size_t>(target.width);
+    std::vector<std::int32_t> scratch(2 * width * static_cast<std::size_t>(MaxThreads()));
+    const CancelToken cancel = CurrentCancel();
+#pragma omp parallel for schedule(static) if (IsWorthThreads(target))
+    for (int y = 0; y < target.height; ++y) {
+        if (cancel.IsCancelled())
+            continue;
+        std::int32_t* x = scratch.data() + 2 * width * static_cast<std::size_t>(ThreadNumber());
+        const PixelPlaces places{x, x + width};
+        PlaceRow(columns.Terms(), target.width, y, source.width, source.height, places);
+        CubicPixels(source, places, target.width, target.Row(y).data());
+    }
+}
+
 }  // namespace
 
 std::optional<PerspectiveMap> PerspectiveMap::ToQuad(double width, double height,
@@ -104,7 +147,9 @@ void WarpNearest(ConstPlaneView source, const PerspectiveMap& toSource, PlaneVie
 }
 
 void WarpCubic(ConstPlaneView source, const PerspectiveMap& toSource, PlaneView target) {
-    if (source.channels == 3)
+    if (std::max(source.width, source.height) <= kLongestPlacedSide)
+        WarpByPlaces(source, toSource, target);
+    else if (source.channels == 3)
         WarpRows<3, CubicPixel<3>>(source, toSource, target);
     else
         WarpRows<1, CubicPixel<1>>(source, toSource, target);

@@ -14,6 +14,8 @@ struct PixelPlaces {
     std::int32_t *x = nullptr, *y = nullptr;
 };
 inline constexpr std::int32_t kOutsideSource = -(1 << 30);
+/// Of sources with longer sides places would not fit their numbers.
+inline constexpr int kLongestPlacedSide = 1 << 21;
 
 /// The places of one column of a ruled grid: at the share v of its height they are ((x0 + x1 v) /
 /// w, (y0 + y1 v) / w) with w = w0 + w1 v. An array for each of them, so that loops become vectors.

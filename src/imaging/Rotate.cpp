@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
+#include <limits>
+#include <vector>
 
 #include "core/ExactMath.h"
 #include "core/StepContext.h"
 #include "core/Threads.h"
 #include "imaging/CubicSample.h"
+#include "imaging/PlacedPixels.h"
 
 namespace velloran {
 namespace {
@@ -73,56 +77,112 @@ Piece PieceInside(Place start, Place step, int width, int height) {
     return piece;
 }
 
-template <int kChannels>
-void NearestRow(ConstPlaneView source, Place place, Place step, Piece piece, std::uint8_t* out) {
+void Repeat(const std::uint8_t* pixel, int channels, std::uint8_t* out, int count) {
+    if (channels == 1)
+        std::memset(out, *pixel, static_cast<std::size_t>(count));
+    else
+        for (int x = 0; x < count; ++x)
+            std::copy_n(pixel, 3, out + 3 * std::ptrdiff_t{x});
+}
+
+/// Places of which each rounds to the pixel behind that of the one before it, in the same row: so
+/// many at the most from `place` on, itself included. A turn of one degree has runs of 57.
+std::int64_t RunFrom(Place place, Place step) {
+    constexpr std::int64_t kWhole = std::int64_t{1} << kFractionBits;
+    const std::int64_t x = (place.x + kHalf) & (kWhole - 1), y = (place.y + kHalf) & (kWhole - 1);
+    if (step.x <= 0 || step.x > kWhole)
+        return 1;
+    std::int64_t run = std::numeric_limits<std::int32_t>::max();
+    if (step.x < kWhole)  // falls behind a pixel at a time
+        run = x / (kWhole - step.x);
+    if (step.y > 0)
+        run = std::min(run, (kWhole - 1 - y) / step.y);
+    else if (step.y < 0)
+        run = std::min(run, y / -step.y);
+    return run + 1;
+}
+
+void NearestRow(ConstPlaneView source, Place place, Place step, Piece piece, std::int32_t*,
+                std::uint8_t* out) {
+    const int channels = source.channels;
     place = At(place, step, piece.first);
-    out += std::ptrdiff_t{piece.first} * kChannels;
-    for (int x = piece.first; x < piece.end; ++x, place = place + step, out += kChannels) {
-        const std::uint8_t* from = source.first + place.NearestY() * source.stride +
-                                   std::ptrdiff_t{place.NearestX()} * kChannels;
-        for (int c = 0; c < kChannels; ++c)
-            out[c] = from[c];
+    for (int x = piece.first; x < piece.end;) {
+        const int run =
+            static_cast<int>(std::min<std::int64_t>(RunFrom(place, step), piece.end - x));
+        std::memcpy(out + std::ptrdiff_t{x} * channels,
+                    source.first + place.NearestY() * source.stride +
+                        std::ptrdiff_t{place.NearestX()} * channels,
+                    static_cast<std::size_t>(run) * static_cast<std::size_t>(channels));
+        x += run;
+        place = At(place, step, run);
     }
 }
 
-template <int kChannels>
-void CubicRow(ConstPlaneView source, Place place, Place step, Piece piece, std::uint8_t* out) {
+/// A place in 1/kCubicSteps of a pixel. Rounded, so that one halfway between two steps takes the
+/// nearer sample.
+std::int64_t StepsOf(std::int64_t place) {
     constexpr int kToStep = kFractionBits - 8;
-    place = At(place, step, piece.first);
-    out += std::ptrdiff_t{piece.first} * kChannels;
-    for (int x = piece.first; x < piece.end; ++x, place = place + step, out += kChannels) {
-        // Rounded to a step, so that a place halfway between two steps takes the nearer sample.
-        const std::int64_t xSteps = (place.x + (std::int64_t{1} << (kToStep - 1))) >> kToStep;
-        const std::int64_t ySteps = (place.y + (std::int64_t{1} << (kToStep - 1))) >> kToStep;
-        CubicSample<kChannels>(source, xSteps, ySteps, out);
-    }
+    return (place + (std::int64_t{1} << (kToStep - 1))) >> kToStep;
 }
 
-using RowKernel = void (*)(ConstPlaneView, Place, Place, Piece, std::uint8_t*);
+/// `scratch` holds twice as many numbers as a row has pixels.
+void CubicRow(ConstPlaneView source, Place place, Place step, Piece piece, std::int32_t* scratch,
+              std::uint8_t* out) {
+    const int count = piece.end - piece.first;
+    const PixelPlaces places{scratch, scratch + count};
+    place = At(place, step, piece.first);
+    for (int i = 0; i < count; ++i, place = place + step) {
+        places.x[i] = static_cast<std::int32_t>(StepsOf(place.x));
+        places.y[i] = static_cast<std::int32_t>(StepsOf(place.y));
+    }
+    CubicPixels(source, places, count, out + std::ptrdiff_t{piece.first} * source.channels);
+}
 
-void RotateRows(ConstPlaneView source, const Rotation& rotation, PlaneView target,
-                RowKernel kernel) {
+/// Of sources whose places fit no shorter numbers.
+void LongCubicRow(ConstPlaneView source, Place place, Place step, Piece piece, std::int32_t*,
+                  std::uint8_t* out) {
+    const auto sample = source.channels == 3 ? CubicSample<3> : CubicSample<1>;
+    place = At(place, step, piece.first);
+    for (int x = piece.first; x < piece.end; ++x, place = place + step)
+        sample(source, StepsOf(place.x), StepsOf(place.y),
+               out + std::ptrdiff_t{x} * source.channels);
+}
+
+using RowKernel = void (*)(ConstPlaneView, Place, Place, Piece, std::int32_t*, std::uint8_t*);
+
+void RotateRows(ConstPlaneView source, const Rotation& rotation, PlaneView target, RowKernel kernel,
+                bool wantsScratch) {
     const Inverse inverse(rotation);
     const Place step = inverse.Step();
     const CancelToken cancel = CurrentCancel();
+    const std::size_t room = wantsScratch ? 2 * static_cast<std::size_t>(target.width) : 0;
+    std::vector<std::int32_t> scratch(room * static_cast<std::size_t>(MaxThreads()));
 #pragma omp parallel for schedule(static) if (IsWorthThreads(source))
     for (int y = 0; y < target.height; ++y) {
         if (cancel.IsCancelled())
             continue;
         const Place start = inverse.RowStart(y);
         const Piece piece = PieceInside(start, step, source.width, source.height);
-        kernel(source, start, step, piece, target.Row(y).data());
+        std::uint8_t* out = target.Row(y).data();
+        kernel(source, start, step, piece,
+               scratch.data() + room * static_cast<std::size_t>(ThreadNumber()), out);
+        if (rotation.outside == nullptr)
+            continue;
+        Repeat(rotation.outside, target.channels, out, piece.first);
+        Repeat(rotation.outside, target.channels, out + std::ptrdiff_t{piece.end} * target.channels,
+               target.width - piece.end);
     }
 }
 
 }  // namespace
 
 void RotateNearest(ConstPlaneView source, const Rotation& rotation, PlaneView target) {
-    RotateRows(source, rotation, target, source.channels == 3 ? NearestRow<3> : NearestRow<1>);
+    RotateRows(source, rotation, target, NearestRow, /*wantsScratch=*/false);
 }
 
 void RotateCubic(ConstPlaneView source, const Rotation& rotation, PlaneView target) {
-    RotateRows(source, rotation, target, source.channels == 3 ? CubicRow<3> : CubicRow<1>);
+    const bool fits = std::max(source.width, source.height) <= kLongestPlacedSide;
+    RotateRows(source, rotation, target, fits ? CubicRow : LongCubicRow, /*wantsScratch=*/fits);
 }
 
 }  // namespace velloran

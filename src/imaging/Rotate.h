@@ -1,8 +1,9 @@
 #pragma once
 
 // Rotation about a centre. A target pixel is written where its place in the source, rounded, lies
-// in the source; the others stay as they are. Rows count in the order of the views: with the
-// bottom row first a positive angle turns the picture clockwise as it is seen.
+// in the source; the others stay as they are, or take a pixel that is given. Rows count in the
+// order of the views: with the bottom row first a positive angle turns the picture clockwise as it
+// is seen.
 
 #include <cstdint>
 
@@ -15,6 +16,8 @@ namespace velloran {
 struct Rotation {
     double degrees = 0;
     int centerX = 0, centerY = 0;
+    /// The bytes of a pixel for places outside the source; null: these pixels stay.
+    const std::uint8_t* outside = nullptr;
 };
 
 /// The sample nearest to each place, the later one of two equally near.

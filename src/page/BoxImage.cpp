@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "core/GrayDepth.h"
+#include "core/GrayRows.h"
 #include "core/Rounding.h"
+#include "core/Threads.h"
 #include "filters/Resample.h"
 #include "page/SkewScore.h"
 #include "reduce/Binarize.h"
@@ -29,7 +31,23 @@ Preparation ChoosePreparation(int longerSide, bool bkMore) {
                              : Preparation{longerSide / 1200.0, 151, false};
 }
 
+/// The grey of a part of a colour page, without a copy of its colours.
+bool GrayPart(const CDibImage& image, const PageBox& part, CDibImage& page) {
+    if (page.Create(part.Width(), part.Height(), 8) == nullptr)
+        return false;
+    page.SetGrayPalette();
+    const ConstPlaneView colors = TopDownViewOf(image);
+    const PlaneView gray = TopDownViewOf(page);
+#pragma omp parallel for schedule(static) if (IsWorthThreads(gray))
+    for (int y = 0; y < gray.height; ++y)
+        GrayOfColors(colors.Row(part.top + y).data() + 3 * std::ptrdiff_t{part.left}, gray.width,
+                     gray.Row(y).data());
+    return true;
+}
+
 bool CutGray(const CDibImage& image, const PageBox& part, CDibImage& page) {
+    if (image.GetBpp() == 24)
+        return GrayPart(image, part, page);
     page = image;
     if (!page.IsValid())
         return false;

@@ -20,6 +20,11 @@ constexpr int kContrastLevels = 5;  // position in the list of automatic levels
 CDibImage smallGray(const CDibImage& image) {
     const BoxSize fitted =
         FitIntoBox({image.GetWidth(), image.GetHeight()}, {kSmallSide, kSmallSide});
+    if (image.GetBpp() == 24 || image.IsGrayScale()) {
+        CDibImage small = ResizedCopy(image, fitted.width, fitted.height);
+        small.DeleteAlpha();
+        return small.IsValid() && ConvertToGray(small) != 0 ? small : CDibImage();
+    }
     CDibImage small = image;
     small.DeleteAlpha();
     if (!small.IsValid() || ResizeTo(small, fitted.width, fitted.height) == 0 ||

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "core/ExactMath.h"
 #include "core/Rounding.h"
+#include "core/StepContext.h"
 #include "page/PackedLine.h"
 
 namespace velloran {
@@ -33,8 +35,43 @@ constexpr auto kWeights = [] {
     return weights;
 }();
 
-/// Cells of angle and distance. A row's votes are kept as running sums, so that each cell takes
-/// its stretch of the row in one subtraction.
+/// What the pixels of rows first <= y < end left of column x vote, for every x: sums of sums, of
+/// which the votes of any stretch of rows are one subtraction.
+class VoteTable {
+ public:
+    VoteTable(int width, int height)
+        : width_(width),
+          votes_((static_cast<std::size_t>(width) + 1) * (static_cast<std::size_t>(height) + 1)) {}
+
+    /// Rows come from the top. `samples` vote from column `first` to the one before `end`.
+    void SetRow(int y, const std::uint8_t* samples, int first, int end) {
+        const std::int32_t* above = Row(y);
+        std::int32_t* row = Row(y + 1);
+        std::int32_t sum = 0;
+        for (int x = 0; x < width_; ++x) {
+            row[x] = above[x] + sum;
+            sum += x >= first && x < end ? kWeights[samples[x]] : 0;
+        }
+        row[width_] = above[width_] + sum;
+    }
+
+    std::int32_t Between(int firstRow, int endRow, int x) const {
+        return Row(endRow)[x] - Row(firstRow)[x];
+    }
+
+ private:
+    const std::int32_t* Row(int y) const {
+        return votes_.data() + (static_cast<std::size_t>(width_) + 1) * static_cast<std::size_t>(y);
+    }
+    std::int32_t* Row(int y) { return const_cast<std::int32_t*>(std::as_const(*this).Row(y)); }
+
+    int width_;
+    std::vector<std::int32_t> votes_;
+};
+
+/// Cells of angle and distance. The border between two cells crosses each row at one place, which
+/// is the same column over many rows, since lines are nearly upright: the votes beside a border are
+/// taken from the table for each such stretch at once.
 class Accumulator {
  public:
     Accumulator(int width, int height) : width_(width), height_(height) {
@@ -49,21 +86,12 @@ class Accumulator {
         }
     }
 
-    /// `sums[x]` holds the votes of the row left of column x.
-    void AddRow(int y, const std::vector<std::int32_t>& sums) {
-        for (std::size_t angle = 0; angle < kAngles; ++angle) {
-            const double cosine = cosines_[angle], start = y * sines_[angle] + bias_;
-            std::int32_t* cells = cells_.data() + angle * static_cast<std::size_t>(bins_);
-            int bin = static_cast<int>(start / kDistanceStep + 0.5), x = 0;
-            while (x < width_) {
-                const double end = ((bin + 0.5) * kDistanceStep - start) / cosine;
-                const int next = std::clamp(static_cast<int>(std::ceil(end)), x, width_);
-                cells[bin] +=
-                    sums[static_cast<std::size_t>(next)] - sums[static_cast<std::size_t>(x)];
-                x = next;
-                ++bin;
-            }
-        }
+    void Count(const VoteTable& votes) {
+        const CancelToken cancel = CurrentCancel();
+#pragma omp parallel for schedule(static)
+        for (int angle = 0; angle < kAngles; ++angle)
+            if (!cancel.IsCancelled())
+                CountAngle(votes, static_cast<std::size_t>(angle));
     }
 
     /// Lines of the cells with at least so many votes, the most first; equals in order of angle and
@@ -88,6 +116,43 @@ class Accumulator {
         const QT::QPointF top{distance / cosine, 0};
         const QT::QPointF bottom{(distance - height_ * sine) / cosine, double(height_)};
         return top.x <= bottom.x ? HoughLine{top, bottom, votes} : HoughLine{bottom, top, votes};
+    }
+
+    void CountAngle(const VoteTable& votes, std::size_t angle) {
+        const double cosine = cosines_[angle], slope = sines_[angle] / cosine;
+        std::int32_t* cells = cells_.data() + angle * static_cast<std::size_t>(bins_);
+        std::int32_t left = 0;
+        for (int bin = 0; bin < bins_; ++bin) {
+            const double border = ((bin + 0.5) * kDistanceStep - bias_) / cosine;
+            const std::int32_t all = VotesLeftOf(votes, border, slope);
+            cells[bin] = all - left;
+            left = all;
+        }
+    }
+
+    /// The votes left of a border that crosses the first row at x = `top` and moves by -`slope` a
+    /// row: of the columns x < ceil(top - y * slope).
+    std::int32_t VotesLeftOf(const VoteTable& votes, double top, double slope) const {
+        const double bottom = top - slope * (height_ - 1);
+        if (std::max(top, bottom) <= 0)
+            return 0;
+        if (std::min(top, bottom) >= width_)
+            return votes.Between(0, height_, width_);
+        std::int32_t sum = 0;
+        double column = std::ceil(top);
+        for (int y = 0; y < height_;) {
+            // Towards the left the border leaves its column when it has crossed the one before,
+            // towards the right when it has passed its own.
+            const double leaves = slope > 0   ? std::ceil((top - column + 1) / slope)
+                                  : slope < 0 ? std::floor((column - top) / -slope) + 1
+                                              : height_;
+            const int end = static_cast<int>(std::clamp<double>(leaves, y + 1, height_));
+            const int x = static_cast<int>(std::clamp<double>(column, 0, width_));
+            sum += votes.Between(y, end, x);
+            y = end;
+            column += slope > 0 ? -1 : 1;
+        }
+        return sum;
     }
 
     int width_, height_, bins_ = 0;
@@ -162,19 +227,15 @@ std::vector<HoughLine> WithoutDoubles(const std::vector<HoughLine>& candidates) 
 
 std::vector<HoughLine> houghLines(const CDibImage& edges, const LineLimits& limits, double scale) {
     const int width = edges.GetWidth(), height = edges.GetHeight();
-    Accumulator accumulator(width, height);
+    VoteTable votes(width, height);
     const VotingColumns columns(width, height, limits);
-    std::vector<std::int32_t> sums(static_cast<std::size_t>(width) + 1);
-    for (int row = 0; row < height; ++row) {
-        const Columns voting = columns.OfStoredRow(row);
-        const std::uint8_t* samples = edges.GetBits(row);
-        for (int x = 0; x < width; ++x) {
-            const bool votes = x >= voting.first && x < voting.end;
-            sums[static_cast<std::size_t>(x) + 1] =
-                sums[static_cast<std::size_t>(x)] + (votes ? kWeights[samples[x]] : 0);
-        }
-        accumulator.AddRow(height - 1 - row, sums);
+    for (int y = 0; y < height; ++y) {
+        const int stored = height - 1 - y;
+        const Columns voting = columns.OfStoredRow(stored);
+        votes.SetRow(y, edges.GetBits(stored), voting.first, voting.end);
     }
+    Accumulator accumulator(width, height);
+    accumulator.Count(votes);
     const int leastVotes = static_cast<int>(height * 5.0 * 0.8) + 1;
     std::vector<HoughLine> lines = WithoutDoubles(accumulator.Lines(leastVotes));
     for (HoughLine& line : lines)

@@ -17,20 +17,6 @@ constexpr double kLeastTurn = 0.01;
 constexpr int kNearest = 1;
 constexpr double kRadian = 0.017453292519943295;
 
-void FillWith(std::uint32_t color, PlaneView page) {
-    const std::uint8_t pixel[] = {static_cast<std::uint8_t>(color >> 16),
-                                  static_cast<std::uint8_t>(color >> 8),
-                                  static_cast<std::uint8_t>(color)};
-    for (int y = 0; y < page.height; ++y) {
-        std::uint8_t* row = page.Row(y).data();
-        if (page.channels == 1)
-            std::memset(row, pixel[0], static_cast<std::size_t>(page.width));
-        else
-            for (int x = 0; x < page.width; ++x)
-                std::memcpy(row + 3 * std::ptrdiff_t{x}, pixel, 3);
-    }
-}
-
 void CopyRows(ConstPlaneView from, PlaneView to) {
     for (int y = 0; y < from.height; ++y)
         std::ranges::copy(from.Row(y), to.Row(y).begin());
@@ -80,12 +66,9 @@ void ExtendEdges(ConstPlaneView source, double degrees, PlaneView page) {
     }
 }
 
-void Prefill(ConstPlaneView source, double degrees, int edgeMode, std::uint32_t color,
-             PlaneView page) {
-    if (edgeMode == kFillEdge) {
-        FillWith(color, page);
-        return;
-    }
+void Prefill(ConstPlaneView source, double degrees, int edgeMode, PlaneView page) {
+    if (edgeMode == kFillEdge)
+        return;  // the turn itself fills what it opens
     CopyRows(source, page);
     if (edgeMode == kExtendEdge)
         ExtendEdges(source, degrees, page);
@@ -115,10 +98,16 @@ int rotateKeepSize(CDibImage& image, double degrees, int interpolation, int edge
         turned.SetGrayPalette();
         const ConstPlaneView source = ViewOf(static_cast<const CDibImage&>(image));
         const PlaneView target = ViewOf(turned);
-        const Rotation rotation{degrees, image.GetWidth() >> 1, image.GetHeight() >> 1};
-        Prefill(source, degrees, edgeMode, color, target);
+        Rotation rotation{degrees, image.GetWidth() >> 1, image.GetHeight() >> 1};
+        const std::uint8_t fill[] = {static_cast<std::uint8_t>(color >> 16),
+                                     static_cast<std::uint8_t>(color >> 8),
+                                     static_cast<std::uint8_t>(color)};
+        if (edgeMode == kFillEdge)
+            rotation.outside = fill;
+        Prefill(source, degrees, edgeMode, target);
         (interpolation == kNearest ? RotateNearest : RotateCubic)(source, rotation, target);
         if (image.GetAlpha() != nullptr) {
+            rotation.outside = nullptr;
             RotateAlpha(image, rotation, turned);
             std::copy_n(turned.GetAlpha(), std::size_t(image.GetWidth()) * image.GetHeight(),
                         image.GetAlpha());

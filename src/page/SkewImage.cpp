@@ -30,11 +30,21 @@ CDibImage MeasuredPart(const CDibImage& image, const SkewRegion& region) {
     return part;
 }
 
-void ReduceToMeasure(CDibImage& page) {
+/// The part, reduced where both of its sides are longer than what is measured; empty without
+/// memory.
+CDibImage ReducedPart(const CDibImage& image, const SkewRegion& region) {
+    const bool isWhole = !IsNarrowed(image, region);
+    CDibImage part = isWhole ? CDibImage() : MeasuredPart(image, region);
+    const CDibImage& page = isWhole ? image : part;
     const BoxSize size{page.GetWidth(), page.GetHeight()};
     const BoxSize fitted = FitIntoBox(size, {kMeasuredSide, kMeasuredSide});
-    if (size.width > fitted.width && size.height > fitted.height)
-        ResizeTo(page, fitted.width, fitted.height);
+    if (size.width <= fitted.width || size.height <= fitted.height)
+        return page;
+    if (page.GetBpp() == 24 || page.IsGrayScale())
+        return ResizedCopy(page, fitted.width, fitted.height);
+    CDibImage reduced = page;
+    ResizeTo(reduced, fitted.width, fitted.height);
+    return reduced;
 }
 
 /// Black and white by a local threshold, without specks and without what touches the edge.
@@ -75,11 +85,8 @@ PageBox partForSkew(const CDibImage& image, const SkewRegion& region) {
 }
 
 bool prepareSkewImage(const CDibImage& image, const SkewRegion& region, CDibImage& page) {
-    page = MeasuredPart(image, region);
-    if (!page.IsValid())
-        return false;
-    ReduceToMeasure(page);
-    if (!DecreaseBpp(page, /*previewing=*/false, CleanBlackAndWhite()) ||
+    page = ReducedPart(image, region);
+    if (!page.IsValid() || !DecreaseBpp(page, /*previewing=*/false, CleanBlackAndWhite()) ||
         EnsureGrayOrRgb(page) == 0 || page.GetBpp() != 8)
         return false;
     imageproc::BinaryImage binary = BinaryOf(page);

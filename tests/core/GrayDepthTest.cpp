@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "core/DibImage.h"
+#include "core/GrayRows.h"
+#include "support/EachForm.h"
 #include "support/FailingAllocator.h"
 #include "support/Images.h"
 
@@ -238,6 +240,35 @@ TEST(ConvertToGray, ColorOfEverySizeAgreesWithThePlainSum) {
                 }
             EXPECT_EQ(wrong, 0) << width << " x " << height;
         }
+}
+
+TEST(GrayOfColors, IsTheRoundedSumForEveryColorInEachForm) {
+    test::InEachForm([](const std::string&) {
+        std::vector<std::uint8_t> pixels(3 * 256 * 256), gray(256 * 256);
+        long wrong = 0;
+        for (int red = 0; red < 256; ++red) {
+            for (int i = 0; i < 256 * 256; ++i) {
+                pixels[std::size_t(3 * i)] = std::uint8_t(i);
+                pixels[std::size_t(3 * i + 1)] = std::uint8_t(i >> 8);
+                pixels[std::size_t(3 * i + 2)] = std::uint8_t(red);
+            }
+            GrayOfColors(pixels.data(), 256 * 256, gray.data());
+            for (int i = 0; i < 256 * 256; ++i)
+                wrong += gray[std::size_t(i)] !=
+                         (299 * red + 587 * (i >> 8) + 114 * (i & 255) + 500) / 1000;
+        }
+        EXPECT_EQ(wrong, 0);
+    });
+}
+
+TEST(GrayOfColors, AnyCountOfPixelsIsDoneAndNoMore) {
+    const std::vector<std::uint8_t> pixels(3 * 70, 200);
+    for (int count = 0; count <= 70; ++count) {
+        std::vector<std::uint8_t> gray(71, 7);
+        GrayOfColors(pixels.data(), count, gray.data());
+        for (int i = 0; i <= 70; ++i)
+            ASSERT_EQ(gray[std::size_t(i)], i < count ? 200 : 7) << count;
+    }
 }
 
 TEST(ConvertToGray, UnchangedWithoutMemory) {
