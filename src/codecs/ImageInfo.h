@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "core/PictureLimits.h"
+
 namespace velloran {
 
 struct ImageInfo {
@@ -15,7 +17,7 @@ struct ImageInfo {
 };
 
 /// Readers refuse larger pictures.
-inline constexpr std::int64_t kMaxPixels = 1'000'000'000;
+inline constexpr std::int64_t kMaxPixels = kMaxPicturePixels;
 inline constexpr std::int64_t kMaxImageBytes = 0x7FFFFFFF;
 
 /// Sides of at least 1, at most kMaxPixels pixels, and kMaxImageBytes at the depth.

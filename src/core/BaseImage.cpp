@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "core/PictureLimits.h"
 #include "core/StepContext.h"
 
 namespace velloran {
@@ -138,9 +139,31 @@ void CBaseImage::ResetToEmpty() noexcept {
     rare_.reset();
 }
 
+namespace {
+
+/// Header, palette and rows. No product can pass 64 bits: a row has at most 6 GiB, and there are at
+/// most 2^31.
+std::uint64_t BlockBytes(int width, int height, int depth) {
+    const std::uint64_t rowBytes =
+        EffectiveWidth(static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(depth));
+    return sizeof(BitmapHeader) + static_cast<std::uint64_t>(PaletteCountOf(depth)) * 4 +
+           rowBytes * static_cast<std::uint64_t>(height);
+}
+
+}  // namespace
+
 void CBaseImage::WriteHeader() noexcept {
     if (dib_ != nullptr && ghost_ == nullptr)
         std::memcpy(dib_, &header_, sizeof header_);
+}
+
+bool CBaseImage::CanCreate(std::int64_t width, std::int64_t height, int bpp) {
+    constexpr std::int64_t kLongestSide = std::numeric_limits<std::int32_t>::max();
+    if (width < 1 || height < 1 || width > kLongestSide || height > kLongestSide ||
+        width * height > kMaxPicturePixels)
+        return false;
+    return BlockBytes(static_cast<int>(width), static_cast<int>(height), RoundedDepth(bpp)) <=
+           kLargestBlock;
 }
 
 void* CBaseImage::Create(int width, int height, int bpp, std::uint32_t type) {
@@ -155,8 +178,7 @@ void* CBaseImage::Create(int width, int height, int bpp, std::uint32_t type) {
     const std::uint64_t rowBytes =
         EffectiveWidth(static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(depth));
     const std::uint32_t head = sizeof(BitmapHeader) + PaletteCountOf(depth) * 4;
-    // Neither product can pass 64 bits: a row has at most 6 GiB, and there are at most 2^31.
-    const std::uint64_t blockBytes = head + rowBytes * static_cast<std::uint64_t>(height);
+    const std::uint64_t blockBytes = BlockBytes(width, height, depth);
     if (blockBytes <= kLargestBlock)
         dib_ = static_cast<std::uint8_t*>(AllocatePixels(blockBytes));
     if (dib_ == nullptr) {

@@ -90,6 +90,9 @@ class CBaseImage {
     /// GiB, and says so in GetLastError; the image is then empty. Keeps DPI and the other fields.
     /// An alpha plane that exists takes the new size, opaque. Returns the block, null when refused.
     void* Create(int width, int height, int bpp, std::uint32_t type = 0);
+    /// Whether a picture may have such a size: sides of at least 1, at most kMaxPicturePixels and a
+    /// block that Create takes.
+    static bool CanCreate(std::int64_t width, std::int64_t height, int bpp);
 
     /// Deep copy of header, fields and the parts asked for; without pixels the rows stay
     /// undefined. Layers are not copied. False when `source` is empty or memory runs out, and the

@@ -8,6 +8,7 @@
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
+#include "core/PictureLimits.h"
 #include "core/StepContext.h"
 #include "core/Threads.h"
 #include "dewarping/CylindricalSurfaceDewarper.h"
@@ -16,8 +17,6 @@
 
 namespace velloran::dewarping {
 namespace {
-
-constexpr std::int64_t kMaxPixels = std::int64_t{1} << 30;
 
 /// The columns of the grid.
 class Columns {
@@ -140,7 +139,7 @@ int resample(int mode, CDibImage& image, QT::QSize outSize,
              const CylindricalSurfaceDewarper& surface, const QT::QRect& rect,
              std::uint32_t background) {
     if (outSize.width < 1 || outSize.height < 1 || rect.IsEmpty() ||
-        std::int64_t{outSize.width} * outSize.height > kMaxPixels)
+        std::int64_t{outSize.width} * outSize.height > kMaxPicturePixels)
         return 0;
     if (image.GetBpp() == 8 && image.IsGrayScale() ? false : EnsureGrayOrRgb(image) == 0)
         return 0;

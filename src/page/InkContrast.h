@@ -9,9 +9,9 @@
 
 namespace velloran {
 
-/// In grey levels of a small copy of the image; 0 where all is black or all is white.
-/// `blackWhite` (8 bits, black is 0) shows the part of the image, at any size. Throws
-/// std::bad_alloc.
+/// In grey levels of a small copy of the image; 0 where all is black or all is white, for pictures
+/// too thin for a small copy, and without memory. `blackWhite` (8 bits, black is 0) shows the part
+/// of the image, at any size.
 double inkContrast(const CDibImage& image, const PageBox& part, const CDibImage& blackWhite);
 
 /// What such a contrast is worth for the trust in a finding, 0 to 1.

@@ -6,6 +6,7 @@
 #include "core/DibImage.h"
 #include "core/IndexRows.h"
 #include "core/PaletteSearch.h"
+#include "core/PictureLimits.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "core/Threads.h"
@@ -16,7 +17,6 @@
 namespace velloran {
 namespace {
 
-constexpr std::int64_t kMaxPixels = 1'000'000'000;
 constexpr std::int32_t kCutRule = 2;  // of the rules for content larger than the type area
 enum Alignment : std::int32_t { kAsItWas = 0, kAtStart = 1, kAtEnd = 2, kCentred = 3 };
 
@@ -253,8 +253,8 @@ void Compose(const CDibImage& image, const Placement& place, std::uint32_t color
 
 bool IsPossible(const Placement& place) {
     const std::int64_t width = place.across.page, height = place.upward.page;
-    return width >= 1 && height >= 1 && width <= kMaxPixels && height <= kMaxPixels &&
-           width * height <= kMaxPixels;
+    return width >= 1 && height >= 1 && width <= kMaxPicturePixels && height <= kMaxPicturePixels &&
+           width * height <= kMaxPicturePixels;
 }
 
 void MarginsToPixels(LayoutRequest& request) {

@@ -7,6 +7,7 @@
 
 #include "core/DibImage.h"
 #include "core/GrayDepth.h"
+#include "core/PictureLimits.h"
 #include "core/Refusal.h"
 #include "core/Rounding.h"
 #include "imaging/Perspective.h"
@@ -15,8 +16,6 @@
 
 namespace velloran {
 namespace {
-
-constexpr std::int64_t kMaxPixels = 1'000'000'000;
 
 /// Width by height, by the row in PARA_CRT_CROP.
 constexpr float kRatios[] = {1.7777778F, 1.3333334F, 1.5F,       1.6666666F, 2.0F,      3.0F, 1.0F,
@@ -80,7 +79,7 @@ Size ChooseSize(const Extent& extent, std::int32_t crop, std::int32_t size) {
 }
 
 bool IsPossible(std::int64_t width, std::int64_t height) {
-    return width >= 1 && height >= 1 && width * height <= kMaxPixels;
+    return width >= 1 && height >= 1 && width * height <= kMaxPicturePixels;
 }
 
 /// In the order of PerspectiveMap over stored rows: left bottom, right bottom, right top, left top,

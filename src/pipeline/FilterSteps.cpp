@@ -21,6 +21,8 @@ float RadiusOf(std::int32_t tenths) {
 }  // namespace
 
 StepResult ResizeToContent(RunState& state) {
+    if (!FitsItsPage(state))
+        return StepResult::kLeft;
     return ResultOf(ResizeTo(*state.image, state.layout.contentWidth, state.layout.contentHeight));
 }
 

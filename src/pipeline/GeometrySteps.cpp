@@ -324,6 +324,8 @@ void MeasureContent(RunState& state) {
 StepResult ShowContent(RunState& state) {
     MeasureContent(state);
     const int width = state.layout.contentWidth, height = state.layout.contentHeight;
+    if (!FitsItsPage(state))
+        return StepResult::kLeft;
     if ((width != state.image->GetWidth() || height != state.image->GetHeight()) &&
         ResizeTo(*state.image, width, height) == 0)
         return StepResult::kLeft;

@@ -6,6 +6,7 @@
 
 #include "core/DibImage.h"
 #include "core/Pipeline.h"
+#include "page/PageSizes.h"
 #include "params/Settings.h"
 #include "pipeline/Findings.h"
 #include "pipeline/FoundValues.h"
@@ -52,5 +53,13 @@ struct RunState {
 
     std::int32_t Value(ParaIndex index) const { return values[static_cast<std::size_t>(index)]; }
 };
+
+/// Whether content of the size that the layout wants can be a picture at all. Where a page size
+/// asks for more, the page stays as it is; a percentage that does is told as want of memory.
+inline bool FitsItsPage(const RunState& state) {
+    return state.Value(PARA_PAGE_SIZE) < kGivenWidth ||
+           CDibImage::CanCreate(state.layout.contentWidth, state.layout.contentHeight,
+                                state.image->GetBpp());
+}
 
 }  // namespace velloran
