@@ -88,8 +88,9 @@ sizes: build/release/build.ninja
 
 ## How right the automatic steps are, on pages of known truth; docs/accuracy.md tells the figures.
 accuracy: build/release/build.ninja
-	@cmake --build --preset release -j $(JOBS) --target velloran_accuracy
-	@build/release/samples/velloran-accuracy 
+	@cmake --build --preset release -j $(JOBS) --target velloran_accuracy velloran_curved_accuracy
+	@build/release/samples/velloran-accuracy
+	@build/release/samples/velloran-curved-accuracy --count 80
 
 clean:
 	rm -rf build out
