@@ -3,6 +3,8 @@
 #include <gif_lib.h>
 #include <jpeglib.h>
 #include <lcms2.h>
+#include <libdjvu/ddjvuapi.h>
+#include <libraw/libraw.h>
 #include <openjpeg.h>
 #include <png.h>
 #include <tiffio.h>
@@ -35,6 +37,11 @@ std::string LcmsVersion() {
     return std::to_string(version / 1000) + "." + std::to_string(version % 1000 / 10);
 }
 
+std::string DjvuVersion() {
+    const std::string text = ddjvu_get_version_string();  // "DjVuLibre-3.5.28"
+    return text.substr(text.rfind('-') + 1);
+}
+
 std::string Joined(int major, int minor, int last) {
     return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(last);
 }
@@ -49,6 +56,8 @@ std::vector<LibraryVersion> LibraryVersions() {
             {"giflib", Joined(GIFLIB_MAJOR, GIFLIB_MINOR, GIFLIB_RELEASE)},
             {"libwebp", WebpVersion()},
             {"OpenJPEG", opj_version()},
+            {"DjVuLibre", DjvuVersion()},
+            {"LibRaw", libraw_version()},
             {"Little CMS", LcmsVersion()}};
 }
 
