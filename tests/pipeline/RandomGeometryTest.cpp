@@ -94,8 +94,9 @@ class RandomGeometry : public testing::Test {
         EXPECT_LE(std::int64_t{page.GetWidth()} * page.GetHeight(), kMaxPicturePixels);
         // Every pixel is there.
         long sum = 0;
+        const std::int64_t last = (std::int64_t{page.GetWidth()} * page.GetBpp() - 1) / 8;
         for (int y = 0; y < page.GetHeight(); ++y)
-            sum += page.GetBits(y)[0] + page.GetBits(y)[(page.GetWidth() * page.GetBpp() - 1) / 8];
+            sum += page.GetBits(y)[0] + page.GetBits(y)[last];
         EXPECT_LE(sum, 510L * page.GetHeight());
     }
 
