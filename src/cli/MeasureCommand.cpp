@@ -43,6 +43,7 @@ Field Whole(std::string_view key, int value) {
     return {key, value, std::to_string(value)};
 }
 Field Real(std::string_view key, double value) {
+    value += 0.0;  // no number is -0
     return {key, value, fmt::format("{:.6g}", value)};
 }
 Field Flag(std::string_view key, bool value) {
