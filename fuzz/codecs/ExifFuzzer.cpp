@@ -13,8 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (orientation < 1 || orientation > 8 || block.size() > size)
         __builtin_trap();
     // What was settled once has its orientation, or never had one.
-    if (velloran::IsExif(block) && block.size() == size &&
-        velloran::ExifOrientation(block) != 1 && orientation == 1)
+    if (velloran::IsExif(block) && block.size() == size && velloran::ExifOrientation(block) != 1 &&
+        orientation == 1)
         __builtin_trap();
     return 0;
 }

@@ -71,7 +71,9 @@ class StageBoard {
 class BatchRun {
  public:
     BatchRun(const BatchRequest& request, const BatchEvents& events)
-        : request_(request), events_(events), settings_(request.settings, request.eachPage || request.bothHalves) {}
+        : request_(request),
+          events_(events),
+          settings_(request.settings, request.eachPage || request.bothHalves) {}
 
     BatchResult Convert() {
         const Clock::time_point start = Clock::now();

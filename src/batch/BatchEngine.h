@@ -46,7 +46,7 @@ struct BatchFailure {
     std::string source = {};           // of a target that could not be written; else empty
     std::u16string_view message = {};  // of the run log
     std::string detail = {};           // English, from the library or the system; may be empty
-    bool storage = false;         // a result that could not be written; another try may help
+    bool storage = false;              // a result that could not be written; another try may help
     FileReason reason = FileReason::kUnknown;
 };
 

@@ -89,12 +89,12 @@ int RunBookConvert(const ParsedWords& words) {
         book.project.target = TextOfName(fs::absolute(*target).lexically_normal().native());
     const double cpuAtStart = CpuSeconds();
     KeepFreedMemory();
-    const BookConvertOutcome outcome = ConvertAll(
-        book.project,
-        {.jobs = words.Number(Option::kJobs).value_or(0),
-         .log = LogOf(words),
-         .review = words.Text(Option::kReview).value_or("")},
-        book.asker);
+    const BookConvertOutcome outcome =
+        ConvertAll(book.project,
+                   {.jobs = words.Number(Option::kJobs).value_or(0),
+                    .log = LogOf(words),
+                    .review = words.Text(Option::kReview).value_or("")},
+                   book.asker);
     if (const std::optional<int> status = StatusBefore(outcome, book))
         return *status;
     int saved = kDone;

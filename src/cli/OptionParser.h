@@ -21,7 +21,7 @@ struct Operand {
     bool isMany;
     Completes completes;
     Label meaning;
-    bool isOptional = false;                       // may be missing; such ones stand last
+    bool isOptional = false;                        // may be missing; such ones stand last
     std::vector<std::string> (*words)() = nullptr;  // that it may be, for completions
 };
 

@@ -23,8 +23,8 @@ int FileTypeOfExtension(const std::filesystem::path& path);
 /// TIFF, so it is asked for those and for heads that nothing else claims.
 using RawRecognizer = bool (*)(ByteSource& source, const std::filesystem::path& name);
 
-/// Puts another recognition in the place of the raw reader's own; null takes it away. Without one no file is camera raw
-/// by its content.
+/// Puts another recognition in the place of the raw reader's own; null takes it away. Without one
+/// no file is camera raw by its content.
 void SetRawRecognizer(RawRecognizer recognizer);
 /// What the raw reader's recognition says.
 bool IsCameraRaw(ByteSource& source, const std::filesystem::path& name);

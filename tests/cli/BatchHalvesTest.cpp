@@ -24,9 +24,9 @@ class BatchHalves : public BatchFolder {
 
 TEST_F(BatchHalves, ComeInReadingOrder) {
     WriteSpread("a.png", 80);
-    ASSERT_EQ(Run({"src", "out", "--both-halves", "-s", "PARA_PAGE_SPLIT_TYPE=3", "--ext", "png"})
-                  .status,
-              0);
+    ASSERT_EQ(
+        Run({"src", "out", "--both-halves", "-s", "PARA_PAGE_SPLIT_TYPE=3", "--ext", "png"}).status,
+        0);
     EXPECT_EQ(FilesIn(Target()), (Names{"a_1.png", "a_2.png"}));
     EXPECT_GT(GrayOf(Target() / "a_1.png"), 200) << "the left half is read first";
     EXPECT_LT(GrayOf(Target() / "a_2.png"), 200);
@@ -41,10 +41,10 @@ TEST_F(BatchHalves, AreTheSameForEveryNumberOfJobs) {
     for (int i = 0; i < 6; ++i)
         WriteSpread(std::to_string(i) + ".png", 80 + 4 * i, 200 + 10 * i);
     for (const std::string jobs : {"1", "4"})
-        ASSERT_EQ(Run({"src", jobs, "--both-halves", "-s", "PARA_PAGE_SPLIT_TYPE=3", "--jobs",
-                       jobs})
-                      .status,
-                  0);
+        ASSERT_EQ(
+            Run({"src", jobs, "--both-halves", "-s", "PARA_PAGE_SPLIT_TYPE=3", "--jobs", jobs})
+                .status,
+            0);
     EXPECT_EQ(FilesIn(folder_ / "1").size(), 12U);
     for (const std::string& name : FilesIn(folder_ / "1"))
         EXPECT_EQ(ReadAll(folder_ / "1" / name), ReadAll(folder_ / "4" / name)) << name;
@@ -60,17 +60,17 @@ TEST_F(BatchHalves, OfWholePagesAreNoHalves) {
 TEST_F(BatchHalves, NeverTakeThePlaceOfAPageCalledLikeThem) {
     WriteSpread("a.png", 80);
     WriteSpread("a_1.png", 90);
-    const Outcome outcome = Run({"src", "src", "--both-halves", "--yes", "--ext", "png", "-s",
-                                 "PARA_PAGE_SPLIT_TYPE=3"});
+    const Outcome outcome = Run(
+        {"src", "src", "--both-halves", "--yes", "--ext", "png", "-s", "PARA_PAGE_SPLIT_TYPE=3"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(FilesIn(Source()), (Names{"a.png", "a_1.png", "a_1_1.png", "a_1_2.png", "a_1~2.png",
-                                        "a_2.png"}));
+    EXPECT_EQ(FilesIn(Source()),
+              (Names{"a.png", "a_1.png", "a_1_1.png", "a_1_2.png", "a_1~2.png", "a_2.png"}));
 }
 
 TEST_F(BatchHalves, EachPageIsSearchedForItself) {
     WriteSpread("a.png", 80);
     WriteSpread("b.png", 140);
-    const std::vector<std::string> words = {"src", "shared", "-s", "PARA_PAGE_SPLIT_TYPE=3",
+    const std::vector<std::string> words = {"src",   "shared", "-s", "PARA_PAGE_SPLIT_TYPE=3",
                                             "--ext", "png"};
     ASSERT_EQ(Run(words).status, 0);
     std::vector<std::string> each = words;
