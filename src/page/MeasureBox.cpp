@@ -17,6 +17,7 @@ namespace velloran {
 namespace {
 
 constexpr int kGrain = 2;                     // pixels of the copy: less is no ink
+constexpr int kLargestSpeckle = 1 << 20;      // pixels: any page is smaller
 constexpr int kUsualSpeckle = 8;              // where the request names none
 constexpr double kSideTolerance = 1.0 / 400;  // of the page's longer side, for half the trust
 constexpr double kLostForHalf = 0.002;        // ink, for half the trust
@@ -80,7 +81,8 @@ double Agreement(const PageBox& a, const PageBox& b, double tolerance) {
 double PeerAgreement(const CDibImage& image, const ContentBoxRequest& request) {
     ContentBoxRequest plain = request;
     plain.compensation = false;
-    plain.speckle = request.speckle > 0 ? request.speckle : kUsualSpeckle;
+    plain.speckle =
+        request.speckle > 0 ? std::min(request.speckle, kLargestSpeckle) : kUsualSpeckle;
     PageBox own;
     findContentBox(image, plain, own);
     const double tolerance =
