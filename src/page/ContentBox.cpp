@@ -29,6 +29,7 @@ PageBox filterComponents(BoxImage& copy, const ContentBoxRequest& request) {
 }
 
 void Grow(PageBox& box, int by, const CDibImage& page) {
+    by = std::min(by, std::max(page.GetWidth(), page.GetHeight()));
     box.left = std::max(0, box.left - by);
     box.top = std::max(0, box.top - by);
     box.right = std::min(page.GetWidth(), box.right + by);
