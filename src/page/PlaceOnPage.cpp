@@ -184,6 +184,8 @@ void Clip(Extent& extent) {
     extent.at = std::max<std::int64_t>(extent.at, 0);
     extent.length = std::clamp<std::int64_t>(extent.page - extent.at, 0,
                                              std::max<std::int64_t>(extent.length, 0));
+    if (extent.length == 0)
+        extent.from = 0;  // margins that leave nothing would begin beyond the content
 }
 
 PaletteEntry EntryOf(std::uint32_t color) {
