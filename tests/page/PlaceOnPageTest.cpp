@@ -175,6 +175,28 @@ TEST(PlaceOnPage, LargerContentIsCutToTheTypeAreaWhereTheRuleSaysSo) {
     }
 }
 
+TEST(PlaceOnPage, MarginsThatLeaveNothingMakeABlankPage) {
+    constexpr int kCutRule = 2, kAtEnd = 2;
+    for (const int bits : {1, 4, 8, 24}) {
+        CDibImage image = Filled(6, 4, bits, 0);
+        LayoutRequest request = Request(5);
+        request.pageWidth = 40;
+        request.pageHeight = 30;
+        request.marginLeft = request.marginRight = 500;
+        request.marginTop = request.marginBottom = 400;
+        request.bigRule = kCutRule;
+        request.alignH = request.alignV = kAtEnd;
+        request.fillColor = 0xFFFFFF;
+        EXPECT_EQ(placeOnPage(image, request), 1);
+        ASSERT_EQ(image.GetWidth(), 40);
+        ASSERT_EQ(image.GetHeight(), 30);
+        const Rgb first = PixelAt(image, 0, 0);
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 40; ++x)
+                ASSERT_EQ(PixelAt(image, x, y), first) << x << ", " << y << " at " << bits;
+    }
+}
+
 TEST(PlaceOnPage, MarginsInCentimetresAreConvertedOnce) {
     CDibImage image = Noise(20, 20, 8);
     LayoutRequest request = Request(2);
