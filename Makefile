@@ -8,7 +8,7 @@ JOBS ?= $(shell nproc)
 SECONDS_EACH ?= 60
 PREFIX ?= /usr/local
 
-.PHONY: all run test asan tsan bench fuzz format lint install times pictures gallery samples-sheet sizes clean setup
+.PHONY: all run test asan tsan bench fuzz format lint install times accuracy pictures gallery samples-sheet sizes clean setup
 .DEFAULT_GOAL := all
 
 setup:
